@@ -1,0 +1,25 @@
+# Warnings, sanitizers and hardening, as one interface target that every target of ours links.
+add_library(quorva_compiler INTERFACE)
+
+target_compile_options(quorva_compiler INTERFACE
+    -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror
+    -Wno-missing-field-initializers # fields left out of a designated initializer take their default
+    -fmacro-prefix-map=${PROJECT_SOURCE_DIR}/=)
+
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+include(CheckPIESupported)
+check_pie_supported()
+
+if(QUORVA_SANITIZE)
+    target_compile_options(quorva_compiler INTERFACE
+        -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    target_link_options(quorva_compiler INTERFACE -fsanitize=address,undefined)
+endif()
+
+set(hardened "$<CONFIG:Release>")
+target_compile_definitions(quorva_compiler INTERFACE
+    "$<${hardened}:_FORTIFY_SOURCE=2>" "$<${hardened}:_GLIBCXX_ASSERTIONS>")
+target_compile_options(quorva_compiler INTERFACE
+    "$<${hardened}:-fstack-protector-strong;-fstack-clash-protection>")
+target_link_options(quorva_compiler INTERFACE
+    "$<${hardened}:LINKER:-z,relro,-z,now,-z,noexecstack>")

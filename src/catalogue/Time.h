@@ -1,0 +1,19 @@
+// Points in time and durations as every layer uses them, and their machine-readable form.
+// Pure functions, callable from any thread; nothing here asks a clock.
+#pragma once
+
+#include <chrono>
+#include <string>
+
+namespace quorva {
+
+/// An absolute point in time (UTC, nanoseconds).
+using Time = std::chrono::system_clock::time_point;
+
+/// A duration in seconds, with fraction.
+using Seconds = std::chrono::duration<double>;
+
+/// ISO 8601 internet date-time in UTC, rounded down to milliseconds: "2026-02-11T09:41:07.250Z".
+[[nodiscard]] std::string iso8601(Time time);
+
+} // namespace quorva
