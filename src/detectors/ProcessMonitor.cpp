@@ -1,0 +1,237 @@
+#include "detectors/ProcessMonitor.h"
+
+#include "catalogue/Text.h"
+
+#include <algorithm>
+
+namespace quorva {
+namespace {
+
+const DetectedBot* findBot(const std::vector<DetectedBot>& bots, const std::string& signatureId) {
+    const auto found = std::find_if(bots.begin(), bots.end(), [&](const DetectedBot& bot) {
+        return bot.signatureId == signatureId;
+    });
+    return found == bots.end() ? nullptr : &*found;
+}
+
+std::optional<std::string> lowerCased(const std::optional<std::string>& text) {
+    return text ? std::optional(quorva::lowerCased(*text)) : std::nullopt;
+}
+
+/// The most confident detection of each product; of equal ones the one found first.
+std::map<std::string, DetectedBot> bestPerProduct(std::vector<DetectedBot> found) {
+    std::map<std::string, DetectedBot> best;
+    for (auto& bot : found) {
+        const auto [at, isNew] = best.try_emplace(bot.signatureId, bot);
+        if (!isNew && bot.confidence > at->second.confidence)
+            at->second = std::move(bot);
+    }
+    return best;
+}
+
+std::vector<DetectedBot> byConfidence(std::map<std::string, DetectedBot> bots) {
+    std::vector<DetectedBot> list;
+    list.reserve(bots.size());
+    for (auto& [signatureId, bot] : bots)
+        list.push_back(std::move(bot));
+    std::stable_sort(list.begin(), list.end(), [](const DetectedBot& a, const DetectedBot& b) {
+        return a.confidence > b.confidence;
+    });
+    return list;
+}
+
+} // namespace
+
+ProcessMonitor::ProcessMonitor(MainLoop& loop_, Applications& applications_,
+                               ProcessTable& processTable_, const BotSignatureDatabase& database_)
+    : loop(loop_), applications(applications_), processTable(processTable_), database(database_) {}
+
+void ProcessMonitor::startMonitoring() {
+    if (isMonitoring)
+        return;
+    isMonitoring = true;
+    scan();
+    notificationCancellables.push_back(applications.onLaunch(scanTask()));
+    notificationCancellables.push_back(applications.onQuit(scanTask()));
+    pollTimer = loop.every(pollInterval, scanTask());
+    watchExits();
+}
+
+void ProcessMonitor::stopMonitoring() {
+    isMonitoring = false;
+    pollTimer.reset();
+    notificationCancellables.clear();
+    exitWatches.clear();
+}
+
+void ProcessMonitor::scan() {
+    if (isScanning)
+        return;
+    isScanning = true;
+
+    auto current = bestPerProduct(findBots());
+    const Time now = loop.now();
+    countSightings(current, now);
+    keepThroughGrace(current, now);
+    auto next = byConfidence(std::move(current));
+    announce(next);
+
+    detectedBots = std::move(next);
+    isScanning = false;
+    lastScanDate = loop.now();
+    if (isMonitoring)
+        watchExits();
+}
+
+void ProcessMonitor::forceRescan() {
+    lastSeenTimes.clear();
+    seenCounts.clear();
+    scan();
+}
+
+std::vector<DetectedBot> ProcessMonitor::findBots() {
+    std::vector<DetectedBot> found;
+    findApplications(found);
+    findProcesses(found);
+    return found;
+}
+
+void ProcessMonitor::findApplications(std::vector<DetectedBot>& found) {
+    const auto own = lowerCased(applications.ownBundleIdentifier());
+    for (auto& application : applications.runningApplications()) {
+        if (lowerCased(application.bundleIdentifier) == own)
+            continue;
+        const auto tryMatch = [&](std::optional<std::string>& text, auto match,
+                                  DetectionMethod method) {
+            if (!text)
+                return false;
+            const auto matched = (database.*match)(*text);
+            if (matched)
+                found.push_back(
+                    makeBot(*matched, method, application.processIdentifier, std::move(*text)));
+            return matched.has_value();
+        };
+        using Database = BotSignatureDatabase;
+        using enum DetectionMethod;
+        tryMatch(application.bundleIdentifier, &Database::matchBundleIdentifier,
+                 bundleIdentifier) ||
+            tryMatch(application.localizedName, &Database::matchProcessName, processName) ||
+            tryMatch(application.executablePath, &Database::matchProcessPath, processPath);
+    }
+}
+
+void ProcessMonitor::findProcesses(std::vector<DetectedBot>& found) {
+    const auto processes = processTable.processIdentifiers();
+    ProcessCoverage looked{.listed = processes && !processes->empty()};
+    if (looked.listed) {
+        std::unordered_set<ProcessIdentifier> matched;
+        for (const auto& bot : found)
+            matched.insert(bot.processIdentifier);
+
+        looked.processes = processes->size();
+        for (const ProcessIdentifier process : *processes) {
+            if (process < 1 || matched.contains(process))
+                continue;
+            auto [status, path] = processTable.executable(process);
+            looked.denied += status == Executable::Status::denied;
+            if (status != Executable::Status::read)
+                continue;
+            if (const auto match = database.matchProcessPath(path)) {
+                found.push_back(
+                    makeBot(*match, DetectionMethod::processPath, process, std::move(path)));
+                continue;
+            }
+            const auto name = lastPathComponent(path);
+            const auto match = database.matchProcessName(name);
+            if (match && !database.isExcludedProcessPath(path))
+                found.push_back(
+                    makeBot(*match, DetectionMethod::processName, process, std::string(name)));
+        }
+    }
+    coverage = looked;
+}
+
+DetectedBot ProcessMonitor::makeBot(const BotMatch& match, DetectionMethod method,
+                                    ProcessIdentifier process, std::string matchedValue) const {
+    return {
+        .id = match.signature.id + "-" + std::to_string(process),
+        .signatureId = match.signature.id,
+        .name = match.signature.name,
+        .category = match.signature.category,
+        .confidence = match.confidence,
+        .method = method,
+        .processIdentifier = process,
+        .matchedValue = std::move(matchedValue),
+        .detectedAt = loop.now(),
+    };
+}
+
+void ProcessMonitor::countSightings(const std::map<SignatureId, DetectedBot>& current, Time now) {
+    for (const auto& [signatureId, bot] : current) {
+        lastSeenTimes[signatureId] = now;
+        ++seenCounts[signatureId];
+    }
+}
+
+void ProcessMonitor::keepThroughGrace(std::map<SignatureId, DetectedBot>& current, Time now) {
+    for (const auto& old : *detectedBots) {
+        if (current.contains(old.signatureId))
+            continue;
+        if (isWithinGrace(old.signatureId, now)) {
+            current.emplace(old.signatureId, old);
+        } else {
+            lastSeenTimes.erase(old.signatureId);
+            seenCounts.erase(old.signatureId);
+        }
+    }
+}
+
+bool ProcessMonitor::isWithinGrace(const SignatureId& signatureId, Time now) const {
+    const auto lastSeen = lastSeenTimes.find(signatureId);
+    if (lastSeen == lastSeenTimes.end())
+        return false;
+    const auto seen = seenCounts.find(signatureId);
+    const bool confirmed = seen != seenCounts.end() && seen->second >= confirmedScanThreshold;
+    return now - lastSeen->second < (confirmed ? confirmedGracePeriod : baseGracePeriod);
+}
+
+void ProcessMonitor::announce(const std::vector<DetectedBot>& next) {
+    for (const auto& bot : next) {
+        const auto* before = findBot(detectedBots, bot.signatureId);
+        if (!before || before->processIdentifier != bot.processIdentifier)
+            announceOnce(bot);
+    }
+    for (const auto& old : *detectedBots) {
+        if (findBot(next, old.signatureId))
+            continue;
+        knownDetections.erase(old.id);
+        if (onBotDisappeared)
+            onBotDisappeared(old);
+    }
+}
+
+void ProcessMonitor::announceOnce(const DetectedBot& bot) {
+    if (knownDetections.insert(bot.id).second && onBotDetected)
+        onBotDetected(bot);
+}
+
+/// Follows the end of each process that is detected now, so that its going is looked at at once.
+void ProcessMonitor::watchExits() {
+    std::unordered_map<ProcessIdentifier, Subscription> watches;
+    for (const auto& bot : *detectedBots) {
+        const auto process = bot.processIdentifier;
+        if (const auto watched = exitWatches.find(process); watched != exitWatches.end())
+            watches.insert(exitWatches.extract(watched));
+        else
+            watches.emplace(process, processTable.onExit(process, scanTask()));
+    }
+    exitWatches = std::move(watches);
+}
+
+Task ProcessMonitor::scanTask() {
+    return [&mainLoop = loop, scanIfAlive = lifetime.guard([this] { scan(); })] {
+        mainLoop.post(scanIfAlive);
+    };
+}
+
+} // namespace quorva

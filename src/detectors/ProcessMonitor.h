@@ -1,0 +1,104 @@
+// Finds note-takers and recorders that run on this computer: lists the applications and all other
+// processes, matches each against the catalogue, keeps one detection per product through short
+// gaps, and tells its owner when a product appears and when it is gone. Main thread only.
+#pragma once
+
+#include "catalogue/BotSignatureDatabase.h"
+#include "catalogue/Records.h"
+#include "platform/Applications.h"
+#include "platform/MainLoop.h"
+#include "platform/ProcessTable.h"
+#include "platform/Published.h"
+
+#include <functional>
+#include <map>
+#include <optional>
+#include <string>
+#include <unordered_map>
+#include <unordered_set>
+#include <vector>
+
+namespace quorva {
+
+/// What the last scan could look at, so that "found nothing" and "could not look" stay apart.
+struct ProcessCoverage {
+    bool listed = false;       ///< the processes could be listed
+    std::size_t processes = 0; ///< how many there were
+    std::size_t denied = 0;    ///< of these, how many kept their executable to themselves
+
+    bool operator==(const ProcessCoverage&) const = default;
+};
+
+class ProcessMonitor {
+public:
+    /// The services and the database must outlive the monitor. Nothing is scanned yet.
+    ProcessMonitor(MainLoop& loop, Applications& applications, ProcessTable& processTable,
+                   const BotSignatureDatabase& database = BotSignatureDatabase::shared());
+
+    /// One detection per product, the highest confidence first.
+    Published<std::vector<DetectedBot>> detectedBots;
+    /// Whether scans come by themselves: the timer runs and launches and quits are followed.
+    Published<bool> isMonitoring{false};
+    /// When the last scan ended.
+    Published<std::optional<Time>> lastScanDate;
+    /// What the last scan could look at.
+    Published<ProcessCoverage> coverage;
+
+    /// A product was found, or found again under another process. Called within a scan, before
+    /// `detectedBots` changes; may be empty.
+    std::function<void(const DetectedBot&)> onBotDetected;
+    /// A product has been gone for its grace period. Called as above.
+    std::function<void(const DetectedBot&)> onBotDisappeared;
+
+    /// Scans at once, then every 3 seconds and whenever an application starts or ends or a detected
+    /// process ends. Does nothing when monitoring already.
+    void startMonitoring();
+
+    /// Ends that. What was detected stays listed, and is not announced again by the next start.
+    void stopMonitoring();
+
+    /// One full scan. Returns at once when called from within a scan, by a callback.
+    void scan();
+
+    /// A scan without memory: what it does not see is gone at once, and what it sees starts anew to
+    /// earn its longer grace period.
+    void forceRescan();
+
+private:
+    using SignatureId = std::string;
+
+    std::vector<DetectedBot> findBots();
+    void findApplications(std::vector<DetectedBot>& found);
+    void findProcesses(std::vector<DetectedBot>& found);
+    DetectedBot makeBot(const BotMatch& match, DetectionMethod method, ProcessIdentifier process,
+                        std::string matchedValue) const;
+    void countSightings(const std::map<SignatureId, DetectedBot>& current, Time now);
+    void keepThroughGrace(std::map<SignatureId, DetectedBot>& current, Time now);
+    bool isWithinGrace(const SignatureId& signatureId, Time now) const;
+    void announce(const std::vector<DetectedBot>& next);
+    void announceOnce(const DetectedBot& bot);
+    void watchExits();
+    Task scanTask();
+
+    MainLoop& loop;
+    Applications& applications;
+    ProcessTable& processTable;
+    const BotSignatureDatabase& database;
+
+    const Seconds pollInterval{3.0};
+    const Seconds baseGracePeriod{9.0};
+    const int confirmedScanThreshold = 3;
+    const Seconds confirmedGracePeriod{15.0};
+
+    Timer pollTimer;
+    std::vector<Subscription> notificationCancellables;
+    std::unordered_map<ProcessIdentifier, Subscription> exitWatches;
+    std::unordered_set<std::string> knownDetections;
+    bool isScanning = false;
+    std::unordered_map<SignatureId, Time> lastSeenTimes;
+    std::unordered_map<SignatureId, int> seenCounts;
+
+    Lifetime lifetime;
+};
+
+} // namespace quorva

@@ -1,0 +1,41 @@
+// The applications of the current user session: programs as the user knows them, with a name and an
+// identifier, each listed once and not once per helper process.
+#pragma once
+
+#include "platform/ProcessTable.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace quorva {
+
+struct RunningApplication {
+    std::optional<std::string> bundleIdentifier; ///< reverse-domain form where the vendor uses one
+    std::optional<std::string> localizedName;    ///< in the user's language
+    std::optional<std::string> executablePath;
+    ProcessIdentifier processIdentifier = 0; ///< of its main process
+
+    bool operator==(const RunningApplication&) const = default;
+};
+
+/// Main thread only; no operation waits for another process.
+class Applications {
+public:
+    virtual ~Applications() = default;
+
+    /// The applications that run now, in the order of their process identifiers. They do not change
+    /// within one turn of the main loop, and are those of the process table in that turn. Empty
+    /// where the processes could not be listed: the process table tells that apart.
+    [[nodiscard]] virtual std::vector<RunningApplication> runningApplications() = 0;
+
+    /// The identifier of this program itself.
+    [[nodiscard]] virtual std::optional<std::string> ownBundleIdentifier() const = 0;
+
+    /// Calls `callback` on the main loop after an application has started, or ended, where the
+    /// system tells; several close together may be told as one. Never called where it does not.
+    [[nodiscard]] virtual Subscription onLaunch(Task callback) = 0;
+    [[nodiscard]] virtual Subscription onQuit(Task callback) = 0;
+};
+
+} // namespace quorva
