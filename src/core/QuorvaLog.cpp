@@ -1,0 +1,79 @@
+#include "core/QuorvaLog.h"
+
+#include "catalogue/Time.h"
+
+#include <fmt/format.h>
+
+#include <iterator>
+
+namespace quorva {
+namespace {
+
+constexpr std::string_view nameOf(LogLevel level) {
+    switch (level) {
+    case LogLevel::debug:
+        return "debug";
+    case LogLevel::info:
+        return "info";
+    case LogLevel::notice:
+        return "notice";
+    case LogLevel::error:
+        break;
+    }
+    return "error";
+}
+
+constexpr std::string_view baseName(std::string_view path) {
+    return path.substr(path.rfind('/') + 1); // npos + 1 is 0: the whole path
+}
+
+} // namespace
+
+QuorvaLog::QuorvaLog(const MainLoop& loop_, SystemLog& systemLog_)
+    : loop(loop_), systemLog(systemLog_) {}
+
+QuorvaLog::~QuorvaLog() = default;
+
+void QuorvaLog::bootstrap(std::shared_ptr<FileLogMirror> logFile) {
+    const auto where = logFile->currentLogPath().string();
+    const bool started = queue.post([this, logFile = std::move(logFile)] {
+        mirror = logFile;
+        mirror->start();
+    });
+    if (started)
+        info(fmt::format("QuorvaLog bootstrap. Log file: {}", where), logCategory::appState);
+}
+
+void QuorvaLog::write(LogLevel level, std::string_view message, QuorvaLogCategory category,
+                      CallSite site) {
+    if (dropped.load(std::memory_order_relaxed) > 0)
+        if (const auto count = dropped.exchange(0))
+            post(LogLevel::error,
+                 fmt::format("{} messages were not logged: too many at once", count),
+                 logCategory::appState, CallSite::current());
+    post(level, message, category, site);
+}
+
+void QuorvaLog::post(LogLevel level, std::string_view message, QuorvaLogCategory category,
+                     CallSite site) {
+    std::string line = iso8601(loop.now());
+    fmt::format_to(std::back_inserter(line), " [{}] [{}] ", nameOf(level), category.category);
+    const auto start = line.size();
+    line += message;
+    fmt::format_to(std::back_inserter(line), " ({}:{})\n", baseName(site.file), site.line);
+
+    auto write = [this, level, category, site, start, length = message.size(),
+                  line = std::move(line)] {
+        systemLog.send(level, std::string_view(line).substr(start, length), category, site);
+        if (mirror)
+            mirror->append(line);
+    };
+    if (!queue.post(std::move(write)))
+        ++dropped;
+}
+
+void QuorvaLog::flush() {
+    queue.drain();
+}
+
+} // namespace quorva
