@@ -4,10 +4,10 @@
 
 #include <fmt/format.h>
 
-#include <iterator>
-
 namespace quorva {
 namespace {
+
+constexpr std::size_t sizeOfTheRest = 96; ///< of a line, as a rule, beside its message
 
 constexpr std::string_view nameOf(LogLevel level) {
     switch (level) {
@@ -56,11 +56,14 @@ void QuorvaLog::write(LogLevel level, std::string_view message, QuorvaLogCategor
 
 void QuorvaLog::post(LogLevel level, std::string_view message, QuorvaLogCategory category,
                      CallSite site) {
-    std::string line = iso8601(loop.now());
-    fmt::format_to(std::back_inserter(line), " [{}] [{}] ", nameOf(level), category.category);
+    std::string line;
+    line.reserve(message.size() + sizeOfTheRest);
+    line.append(iso8601(loop.now()));
+    line.append(" [").append(nameOf(level)).append("] [").append(category.category).append("] ");
     const auto start = line.size();
-    line += message;
-    fmt::format_to(std::back_inserter(line), " ({}:{})\n", baseName(site.file), site.line);
+    line.append(message);
+    line.append(" (").append(baseName(site.file)).append(":");
+    line.append(fmt::format_int(site.line).c_str()).append(")\n");
 
     auto write = [this, level, category, site, start, length = message.size(),
                   line = std::move(line)] {
