@@ -20,6 +20,7 @@
 namespace quorva::bench {
 namespace {
 
+constexpr int rounds = 200;
 constexpr int burst = 1'000;
 constexpr std::size_t queueLength = 65'536;
 constexpr double callBound = 2.0; // µs
@@ -100,7 +101,7 @@ void logCall(benchmark::State& state, Summary& summary) {
 void registerLogBenchmarks(Summary& summary) {
     benchmark::RegisterBenchmark("logBurst",
                                  [&summary](benchmark::State& state) { logCall(state, summary); })
-        ->Iterations(300)
+        ->Iterations(rounds)
         ->UseManualTime()
         ->Unit(benchmark::kMicrosecond);
 }

@@ -21,29 +21,28 @@ template <typename Work>
 /// The middle one of at least one value.
 [[nodiscard]] double medianOf(std::vector<double> values);
 
-/// Medians over all turns, in seconds; `ratio` is the median of each turn's own ratio.
+/// Medians over all rounds, in seconds for one call; `ratio` is the median of the rounds' ratios.
 struct Comparison {
     double reference = 0;
     double candidate = 0;
     double ratio = 0;
 };
 
-/// Calls both once each iteration, the one that goes first changing every time. Each does its work
-/// and returns the seconds that count, so that preparing and clearing up can be left out.
-/// `state` reports the candidate's time; its benchmark must use manual time.
+/// A round, one iteration of `state`, is reference, candidate, candidate, reference: going first is
+/// worth the same to both. Each call does its work and returns the seconds that count, so that
+/// preparing and clearing up can be left out. `state` reports the candidate's time; its benchmark
+/// must use manual time.
 template <typename Reference, typename Candidate>
 [[nodiscard]] Comparison compare(benchmark::State& state, Reference&& reference,
                                  Candidate&& candidate) {
     std::vector<double> references;
     std::vector<double> candidates;
     std::vector<double> ratios;
-    bool referenceIsFirst = false;
     for ([[maybe_unused]] auto _ : state) {
-        referenceIsFirst = !referenceIsFirst;
-        double referenceSeconds = referenceIsFirst ? reference() : 0;
-        const double candidateSeconds = candidate();
-        if (!referenceIsFirst)
-            referenceSeconds = reference();
+        const double before = reference();
+        double candidateSeconds = candidate();
+        candidateSeconds = (candidateSeconds + candidate()) / 2;
+        const double referenceSeconds = (before + reference()) / 2;
         references.push_back(referenceSeconds);
         candidates.push_back(candidateSeconds);
         ratios.push_back(candidateSeconds / referenceSeconds);

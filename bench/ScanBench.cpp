@@ -19,6 +19,7 @@
 namespace quorva::bench {
 namespace {
 
+constexpr int rounds = 200;
 constexpr double firstScanBound = 3.0;
 constexpr double nextScanBound = 1.5;
 
@@ -133,7 +134,7 @@ void registerScanBenchmarks(Summary& summary) {
     benchmark::RegisterBenchmark("firstScan",
                                  [&summary](benchmark::State& state) { firstScan(state, summary); })
         ->Arg(500)
-        ->Iterations(300)
+        ->Iterations(rounds)
         ->UseManualTime()
         ->Unit(benchmark::kMicrosecond);
     benchmark::RegisterBenchmark("nextScan",
@@ -143,7 +144,7 @@ void registerScanBenchmarks(Summary& summary) {
         ->Arg(1000)
         ->Arg(2000)
         ->Arg(5000)
-        ->Iterations(300)
+        ->Iterations(rounds)
         ->UseManualTime()
         ->Unit(benchmark::kMicrosecond);
 }
