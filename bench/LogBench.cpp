@@ -2,11 +2,11 @@
 // lines. A burst of calls is timed; the writing that follows is waited for and not timed, so that
 // neither a full queue nor dropped messages are measured.
 #include "Measuring.h"
-#include "TemporaryFolder.h"
 #include "core/QuorvaLog.h"
 #include "platform/linux/GLibMainLoop.h"
 #include "platform/linux/JournalLog.h"
 #include "platform/linux/LinuxFileSystem.h"
+#include "support/TemporaryFolder.h"
 
 #include <fmt/format.h>
 #include <spdlog/async.h>
@@ -85,8 +85,8 @@ private:
 
 void logCall(benchmark::State& state, Summary& summary) {
     const TemporaryFolder folder;
-    QuorvaBurst quorva(folder.path());
-    SpdlogBurst spdlog(folder.path());
+    QuorvaBurst quorva(folder.path);
+    SpdlogBurst spdlog(folder.path);
     const auto compared = compare(
         state, [&] { return spdlog.run(); }, [&] { return quorva.run(); });
     const auto microseconds = [](double seconds) { return seconds * 1e6 / burst; };

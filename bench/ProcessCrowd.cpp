@@ -37,7 +37,7 @@ constexpr std::array names{"indexer",    "session-helper",  "sync-daemon", "Web 
 
 ProcessCrowd::ProcessCrowd(std::size_t count) {
     for (const auto* const name : names)
-        std::filesystem::copy_file("/bin/sleep", programs.path() / name);
+        std::filesystem::copy_file("/bin/sleep", programs.path / name);
     try {
         start(count);
     } catch (...) {
@@ -60,7 +60,7 @@ void ProcessCrowd::start(std::size_t count) {
     int error = 0;
     while (processes.size() < count && error == 0) {
         const auto number = processes.size();
-        const auto program = (programs.path() / names[number / 2 % names.size()]).string();
+        const auto program = (programs.path / names[number / 2 % names.size()]).string();
         const pid_t child = ::fork();
         if (child == 0)
             live(parent, number % 2 == 0 ? program.c_str() : nullptr, pipe[1]);

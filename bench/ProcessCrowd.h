@@ -2,7 +2,7 @@
 // of their own under several names, none of which is a product's.
 #pragma once
 
-#include "TemporaryFolder.h"
+#include "support/TemporaryFolder.h"
 
 #include <cstddef>
 #include <string>

@@ -94,11 +94,14 @@ def test_one_look_stores_nothing(computer):
     assert not (computer.home / "state").exists()
 
 
+# A watch tells of products, and a product of other processes too: each test below has its own.
+
+
 def test_watch_announces_within_three_seconds_and_takes_back_after_the_grace_period(computer, watch):
     running = watch()
     wait_until(computer.log.exists, "the log file")
     started = time.monotonic()
-    bot = computer.run("bin/otter-helper")
+    bot = computer.run("bin/wudpecker")
     wait_until(lambda: running.of(bot.pid), "the appearance")
     appeared, event = running.of(bot.pid)[0]
     assert event == "appeared"
@@ -121,8 +124,8 @@ def test_watch_says_that_a_full_or_missing_log_place_costs_the_log_and_nothing_e
     with errors.open("w") as stderr:
         process = computer.start([PROGRAMS / "quorva-scan", "--watch", "--source", "process"],
                                  stdout=subprocess.PIPE, stderr=stderr, text=True)
-    bot = computer.run("bin/otter-helper")
-    assert json.loads(process.stdout.readline())["detection"]["name"] == "Otter.ai"
+    bot = computer.run("bin/claap")
+    assert json.loads(process.stdout.readline())["detection"]["name"] == "Claap"
     assert computer.end(process, by=signal.SIGINT) == 0
     assert errors.read_text().count("[Quorva] FileLogMirror.start failed: ") == 1
     computer.end(bot)

@@ -43,7 +43,7 @@ def start_manager(computer, bus):
 
 def time_until_seen(computer, running, tell=lambda: None):
     """Starts a bot, tells of it, and returns the seconds until the watch has it."""
-    bot = computer.run(f"bin/otter-helper{len(computer.children)}")
+    bot = computer.run(f"{len(computer.children)}/zygo")
     told = time.monotonic()
     tell()
     wait_until(lambda: running.of(bot.pid), "the appearance")
@@ -59,7 +59,7 @@ def test_scans_at_once_when_the_user_manager_starts_an_application(computer, ses
 
     def tell():
         unit = dbus.ObjectPath(f"{systemd_manager.MAIN_OBJ}/unit/x")
-        manager.EmitSignal(MANAGER, "UnitNew", "so", ["app-gnome-otter-77.scope", unit])
+        manager.EmitSignal(MANAGER, "UnitNew", "so", ["app-gnome-zygo-77.scope", unit])
 
     with_signal, without = 0, 0
     for _ in range(3):
@@ -111,7 +111,7 @@ def test_goes_on_watching_while_the_disk_is_full(computer):
     errors = computer.home / "errors"
     with errors.open("w") as stderr:
         process = computer.start(command, stdout=subprocess.PIPE, stderr=stderr, text=True)
-    bot = computer.run("bin/otter-helper")
+    bot = computer.run("bin/nyota")
     assert '"appeared"' in process.stdout.readline()
     assert computer.end(process, by=signal.SIGTERM) == 0
     assert "No space left on device" in errors.read_text()

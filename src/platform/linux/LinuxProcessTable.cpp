@@ -204,9 +204,11 @@ void LinuxProcessTable::readExecutable(Process& process) {
         process.executable = executableOfLink(link);
         process.interprets = isInterpreter(process.executable);
         process.program = process.executable;
+        process.looks = 0;
     }
-    // An interpreter can start another script without becoming another process or executable.
-    if (process.interprets)
+    const bool isDue = process.looks < 10 || process.looks % 10 == 0;
+    ++process.looks;
+    if (process.interprets && isDue)
         readScript(process);
 }
 

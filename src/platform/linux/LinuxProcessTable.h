@@ -28,6 +28,7 @@ public:
         std::string executable;           ///< where the link leads
         bool interprets = false;          ///< `executable` is a general interpreter
         std::string program;              ///< the script it interprets, else `executable`
+        unsigned looks = 0;               ///< how often it has been seen with this executable
         std::optional<Ancestry> ancestry; ///< once asked for
     };
 

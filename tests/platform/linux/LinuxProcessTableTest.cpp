@@ -136,6 +136,17 @@ TEST_F(LinuxProcessTableTest, noticesAnotherScriptAndAnotherProcessUnderTheSameI
     loop.runPosted();
     EXPECT_EQ(programOf(10), "/opt/otter");
 
+    for (int look = 0; look < 25; ++look) {
+        loop.runPosted();
+        EXPECT_EQ(programOf(10), "/opt/otter");
+    }
+    proc.write(10, "cmdline", "sh\0/opt/late"sv);
+    for (int look = 0; look < 10; ++look) {
+        loop.runPosted();
+        (void)programOf(10);
+    }
+    EXPECT_EQ(programOf(10), "/opt/late");
+
     std::filesystem::rename(proc.path() / "10", proc.path() / "old"); // keeps its inode in use
     proc.add(10, "/usr/bin/dash", {"sh", "/opt/otter"}, 8);
     loop.runPosted();
