@@ -29,7 +29,7 @@ std::map<std::string, DetectedBot> bestPerProduct(std::vector<DetectedBot> found
     return best;
 }
 
-std::vector<DetectedBot> byConfidence(std::map<std::string, DetectedBot> bots) {
+std::vector<DetectedBot> byConfidence(std::map<std::string, DetectedBot>&& bots) {
     std::vector<DetectedBot> list;
     list.reserve(bots.size());
     for (auto& [signatureId, bot] : bots)

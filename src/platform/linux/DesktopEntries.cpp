@@ -15,7 +15,7 @@
 namespace quorva {
 namespace {
 
-constexpr std::size_t largestEntry = 1024 * 1024;
+constexpr std::size_t largestEntry = std::size_t{1024} * 1024;
 constexpr int deepestFolder = 8;
 constexpr Seconds readAgainAfter{300};
 constexpr std::int64_t stampGranularity = 2'000'000'000; // ns

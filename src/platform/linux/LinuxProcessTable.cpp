@@ -51,9 +51,9 @@ std::optional<std::vector<ProcessIdentifier>> LinuxProcessTable::processIdentifi
     return identifiers;
 }
 
-Executable LinuxProcessTable::executable(ProcessIdentifier identifier) {
-    const auto* const process = find(identifier);
-    return process ? Executable{process->status, process->program} : Executable{};
+Executable LinuxProcessTable::executable(ProcessIdentifier process) {
+    const auto* const found = find(process);
+    return found ? Executable{found->status, found->program} : Executable{};
 }
 
 Subscription LinuxProcessTable::onExit(ProcessIdentifier process, Task callback) {
@@ -84,14 +84,14 @@ const LinuxProcessTable::Process* LinuxProcessTable::find(ProcessIdentifier proc
     return look() ? findMutable(process) : nullptr;
 }
 
-std::optional<Ancestry> LinuxProcessTable::ancestry(ProcessIdentifier identifier) {
-    auto* const process = look() ? findMutable(identifier) : nullptr;
-    if (!process)
+std::optional<Ancestry> LinuxProcessTable::ancestry(ProcessIdentifier process) {
+    auto* const found = look() ? findMutable(process) : nullptr;
+    if (!found)
         return std::nullopt;
-    if (!process->ancestry)
-        if (const auto stat = read(identifier, "stat"))
-            process->ancestry = parseStat(*stat);
-    return process->ancestry;
+    if (!found->ancestry)
+        if (const auto stat = read(process, "stat"))
+            found->ancestry = parseStat(*stat);
+    return found->ancestry;
 }
 
 std::optional<std::string> LinuxProcessTable::read(ProcessIdentifier process,
@@ -101,7 +101,7 @@ std::optional<std::string> LinuxProcessTable::read(ProcessIdentifier process,
                                      O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
     if (!fd)
         return std::nullopt;
-    constexpr std::size_t most = 64 * 1024;
+    constexpr std::size_t most = std::size_t{64} * 1024;
     std::string bytes(4096, '\0');
     std::size_t length = 0;
     while (true) {
@@ -120,11 +120,11 @@ std::optional<std::string> LinuxProcessTable::read(ProcessIdentifier process,
     return bytes;
 }
 
-LinuxProcessTable::Process* LinuxProcessTable::findMutable(ProcessIdentifier identifier) {
+LinuxProcessTable::Process* LinuxProcessTable::findMutable(ProcessIdentifier process) {
     const auto found =
-        std::lower_bound(processes.begin(), processes.end(), identifier,
+        std::lower_bound(processes.begin(), processes.end(), process,
                          [](const Process& p, ProcessIdentifier id) { return p.identifier < id; });
-    return found != processes.end() && found->identifier == identifier ? &*found : nullptr;
+    return found != processes.end() && found->identifier == process ? &*found : nullptr;
 }
 
 std::optional<std::vector<LinuxProcessTable::Listed>> LinuxProcessTable::list() {
