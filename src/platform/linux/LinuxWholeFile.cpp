@@ -154,7 +154,7 @@ std::optional<FileStamp> LinuxWholeFile::replace(std::string_view bytes, std::er
 
 std::optional<fs::path> LinuxWholeFile::setAside(Time time, std::error_code& error) {
     error.clear();
-    auto moment = iso8601(std::chrono::floor<std::chrono::seconds>(time)).substr(0, 19) + "Z";
+    auto moment = iso8601Seconds(time);
     std::replace(moment.begin(), moment.end(), ':', '-'); // for disks that are carried elsewhere
     for (int number = 1; number <= 1000; ++number) {
         fs::path aside = file;
