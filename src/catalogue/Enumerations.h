@@ -44,6 +44,8 @@ struct NamedCase {
     Enumeration value;
     std::string_view rawValue;
 };
+template <typename Enumeration> // clang 14 does not deduce the arguments of aggregates by itself
+NamedCase(Enumeration, const char*)->NamedCase<Enumeration>;
 
 /// All cases of an enumeration with their raw values, in the order of declaration.
 template <typename Enumeration>
