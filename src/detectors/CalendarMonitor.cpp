@@ -154,6 +154,7 @@ void CalendarMonitor::scanCalendar() {
     const Time now = loop.now();
     lastScanTime = now;
     scanState = ScanState::fetching;
+    fetch.reset();
     auto answer = eventStore.fetchEvents(
         now, now + lookAhead, lifetime.guard([this, now](const CalendarWindow& window) {
             scanState = ScanState::completing;
