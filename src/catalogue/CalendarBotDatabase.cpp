@@ -4,6 +4,7 @@
 #include "catalogue/SignatureTexts.h"
 
 #include <algorithm>
+#include <cstring>
 #include <iterator>
 
 namespace quorva {
@@ -49,16 +50,50 @@ CalendarBotSignature::CalendarBotSignature(std::string id_, std::string name_,
 CalendarBotDatabase::CalendarBotDatabase(std::vector<CalendarBotSignature> signatures,
                                          std::vector<std::string> genericBotPrefixes)
     : rows(std::move(signatures)), prefixes(lowerCasedEach(std::move(genericBotPrefixes))) {
+    const auto isSpared = [this](const std::string& pattern) { // a name that holds it holds another
+        return std::any_of(namePatterns.begin(), namePatterns.end(), [&](const Pattern& other) {
+            return pattern.find(other.text) != std::string::npos;
+        });
+    };
     for (std::size_t row = 0; row < rows.size(); ++row) {
         for (const auto& address : rows[row].exactEmails)
-            rowOfAddress.emplace(address, row); // keeps the first row's
+            rowOfAddress.add(address, row);
         for (const auto& domain : rows[row].emailDomains)
-            rowOfDomain.emplace(domain, row);
+            rowOfDomain.add(domain, row);
         for (const auto& pattern : rows[row].emailPatterns)
             mailboxPatterns.push_back({pattern, row, lettersOf(pattern)});
         for (const auto& pattern : rows[row].displayNamePatterns)
-            namePatterns.push_back({pattern, row, lettersOf(pattern)});
+            if (!isSpared(pattern))
+                namePatterns.push_back({pattern, row, lettersOf(pattern)});
     }
+    for (const auto& prefix : prefixes)
+        prefixStarts |= lettersOf(std::string_view(prefix).substr(0, 1));
+}
+
+std::size_t CalendarBotDatabase::RowOfText::EndsHash::operator()(std::string_view text) const {
+    std::uint64_t ends[2] = {};
+    constexpr auto size = sizeof ends[0];
+    if (text.size() < size) {
+        std::copy(text.begin(), text.end(), reinterpret_cast<char*>(ends));
+    } else {
+        std::memcpy(&ends[0], text.data(), size);
+        std::memcpy(&ends[1], text.data() + text.size() - size, size);
+    }
+    constexpr std::uint64_t odd = 0x9E3779B97F4A7C15;
+    const auto mixed = ((ends[0] * odd) ^ ends[1] ^ text.size()) * odd;
+    return mixed ^ (mixed >> 32);
+}
+
+void CalendarBotDatabase::RowOfText::add(std::string_view text, std::size_t row) {
+    rows.emplace(text, row); // keeps the first
+    hashes.set(EndsHash()(text) % hashes.size());
+}
+
+std::size_t CalendarBotDatabase::RowOfText::find(std::string_view text) const {
+    if (!hashes.test(EndsHash()(text) % hashes.size()))
+        return none;
+    const auto found = rows.find(text);
+    return found == rows.end() ? none : found->second;
 }
 
 const CalendarBotDatabase& CalendarBotDatabase::shared() {
@@ -71,8 +106,8 @@ const CalendarBotDatabase& CalendarBotDatabase::shared() {
 std::optional<CalendarBotMatch> CalendarBotDatabase::matchEmail(std::string_view address) const {
     const std::string lower = lowerCased(address);
     const std::string_view email = trimmed(lower);
-    if (const auto exact = rowOfAddress.find(email); exact != rowOfAddress.end()) {
-        const auto& signature = rows[exact->second];
+    if (const auto exact = rowOfAddress.find(email); exact != RowOfText::none) {
+        const auto& signature = rows[exact];
         return CalendarBotMatch{signature, std::min(signature.baseConfidence + 10, 100)};
     }
     const auto at = email.find('@');
@@ -83,19 +118,15 @@ std::optional<CalendarBotMatch> CalendarBotDatabase::matchEmail(std::string_view
 }
 
 std::optional<CalendarBotMatch> CalendarBotDatabase::matchDomain(std::string_view domain) const {
-    const auto rowOf = [this](std::string_view text) {
-        const auto found = rowOfDomain.find(text);
-        return found == rowOfDomain.end() ? rows.size() : found->second;
-    };
-    const std::size_t own = rowOf(domain);
-    std::size_t above = rows.size();
+    const std::size_t own = rowOfDomain.find(domain);
+    std::size_t above = RowOfText::none;
     for (auto dot = domain.find('.'); dot != std::string_view::npos;
          dot = domain.find('.', dot + 1))
-        above = std::min(above, rowOf(domain.substr(dot + 1)));
+        above = std::min(above, rowOfDomain.find(domain.substr(dot + 1)));
 
-    if (own <= above && own < rows.size())
+    if (own <= above && own != RowOfText::none)
         return CalendarBotMatch{rows[own], rows[own].baseConfidence};
-    if (above < rows.size())
+    if (above != RowOfText::none)
         return CalendarBotMatch{rows[above], std::max(rows[above].baseConfidence - 5, 50)};
     return std::nullopt;
 }
@@ -126,6 +157,8 @@ CalendarBotDatabase::matchGenericPrefix(std::string_view address) const {
     if (at == std::string::npos)
         return std::nullopt;
     const auto local = std::string_view(lower).substr(0, at);
+    if (!mayHold(prefixStarts, lettersOf(local.substr(0, 1))))
+        return std::nullopt;
     const auto found = std::find_if(prefixes.begin(), prefixes.end(), [local](const auto& prefix) {
         return local.starts_with(prefix);
     });

@@ -5,6 +5,7 @@
 
 #include "catalogue/Enumerations.h"
 
+#include <bitset>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -76,17 +77,33 @@ private:
         std::size_t row;
         std::uint64_t letters; ///< the set of bytes that a name needs to hold this pattern
     };
-    using RowOfText = std::unordered_map<std::string_view, std::size_t>;
+    /// The first row of each text. Most texts asked for are in no row: their lengths and ends,
+    /// which cost less than reading them through, tell most of these.
+    class RowOfText {
+    public:
+        static constexpr std::size_t none = static_cast<std::size_t>(-1);
+
+        void add(std::string_view text, std::size_t row);
+        [[nodiscard]] std::size_t find(std::string_view text) const; ///< none: greater than any row
+
+    private:
+        struct EndsHash {
+            std::size_t operator()(std::string_view text) const;
+        };
+        std::unordered_map<std::string_view, std::size_t, EndsHash> rows;
+        std::bitset<4096> hashes;
+    };
 
     [[nodiscard]] std::optional<CalendarBotMatch> matchDomain(std::string_view domain) const;
     [[nodiscard]] std::optional<CalendarBotMatch> matchMailbox(std::string_view local) const;
 
     const std::vector<CalendarBotSignature> rows; // the members below point into it
     const std::vector<std::string> prefixes;
-    RowOfText rowOfAddress; ///< the first row of each
+    RowOfText rowOfAddress;
     RowOfText rowOfDomain;
     std::vector<Pattern> mailboxPatterns;
-    std::vector<Pattern> namePatterns;
+    std::vector<Pattern> namePatterns; ///< without those that hold one before them
+    std::uint64_t prefixStarts = 0;    ///< the set of bytes that the generic prefixes begin with
 };
 
 } // namespace quorva
