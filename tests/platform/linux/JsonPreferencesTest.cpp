@@ -285,12 +285,12 @@ TEST(JsonPreferencesKilled, leavesTheLastStateOrTheOneUnderWay) {
             reported = number;
         ::close(ends[0]);
 
-        VirtualMainLoop loop;
-        RecordingLog log;
-        LinuxWholeFile file(path);
-        const auto stored =
-            JsonPreferences(loop, log, file).read<std::int64_t>("number").value.value_or(0);
-        ASSERT_TRUE(log.messages.empty()) << log.messages.front().message;
+        std::string fault;
+        const auto document = PreferencesDocument::parse(folder.read(path.filename()), fault);
+        ASSERT_TRUE(document || !fs::exists(path)) << fault;
+        const auto values = document ? document->values() : PreferenceMap();
+        const auto found = values.find("number");
+        const auto stored = found == values.end() ? 0 : std::get<std::int64_t>(found->second);
         ASSERT_TRUE(stored == reported || stored == reported + 1) << stored << ' ' << reported;
         reported = stored;
     }
