@@ -1,40 +1,12 @@
 #include "catalogue/BotSignatureDatabase.h"
 
 #include "catalogue/BotSignatureTable.h"
-#include "catalogue/Text.h"
+#include "catalogue/SignatureTexts.h"
 
 #include <algorithm>
 
 namespace quorva {
 namespace {
-
-/// The set of bytes that occur in a text, folded into 64 bits. A text can only hold an entry whose
-/// set is part of its own: one comparison spares most of the searches.
-std::uint64_t lettersOf(std::string_view text) {
-    std::uint64_t letters = 0;
-    for (const char c : text)
-        letters |= std::uint64_t{1} << (static_cast<unsigned char>(c) % 64);
-    return letters;
-}
-
-bool mayHold(std::uint64_t letters, std::uint64_t needed) {
-    return (needed & ~letters) == 0;
-}
-
-std::vector<std::string> lowerCasedEach(std::vector<std::string> texts) {
-    for (auto& text : texts)
-        text = lowerCased(text);
-    return texts;
-}
-
-template <std::size_t N>
-std::vector<std::string> entriesOf(const std::array<std::string_view, N>& texts) {
-    std::vector<std::string> entries;
-    for (const auto text : texts)
-        if (!text.empty())
-            entries.emplace_back(text);
-    return entries;
-}
 
 std::vector<BotSignature> builtInSignatures() {
     std::vector<BotSignature> signatures;

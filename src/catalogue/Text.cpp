@@ -44,6 +44,25 @@ std::string lowerCased(std::string_view text) {
     return lower;
 }
 
+std::string_view trimmed(std::string_view text) {
+    const auto* bytes = reinterpret_cast<const uint8_t*>(text.data());
+    auto length = static_cast<int32_t>(text.size());
+    int32_t start = 0;
+    for (int32_t next = 0; next < length; start = next) {
+        UChar32 c = 0;
+        U8_NEXT_OR_FFFD(bytes, next, length, c);
+        if (!u_isUWhiteSpace(c))
+            break;
+    }
+    for (int32_t previous = length; previous > start; length = previous) {
+        UChar32 c = 0;
+        U8_PREV_OR_FFFD(bytes, start, previous, c);
+        if (!u_isUWhiteSpace(c))
+            break;
+    }
+    return text.substr(static_cast<std::size_t>(start), static_cast<std::size_t>(length - start));
+}
+
 bool endsInLetterOrNumber(std::string_view text) {
     if (text.empty())
         return false;

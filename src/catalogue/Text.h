@@ -11,6 +11,9 @@ namespace quorva {
 /// The text in lower case: full Unicode mapping, independent of any locale.
 [[nodiscard]] std::string lowerCased(std::string_view text);
 
+/// The text without the white space (Unicode property White_Space) at both ends: a part of `text`.
+[[nodiscard]] std::string_view trimmed(std::string_view text);
+
 /// Whether the last user-perceived character of `text` is a letter or a number (general categories
 /// L and N, marks on it notwithstanding). False for an empty text.
 [[nodiscard]] bool endsInLetterOrNumber(std::string_view text);

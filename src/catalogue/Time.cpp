@@ -2,6 +2,8 @@
 
 #include <fmt/compile.h>
 
+#include <string_view>
+
 namespace quorva {
 
 std::string iso8601(Time time) {
@@ -15,6 +17,10 @@ std::string iso8601(Time time) {
                        static_cast<unsigned>(date.day()), clock.hours().count(),
                        clock.minutes().count(), clock.seconds().count(),
                        clock.subseconds().count());
+}
+
+std::string iso8601Seconds(Time time) {
+    return iso8601(time).erase(std::string_view("2026-02-11T09:41:07").size(), 4);
 }
 
 } // namespace quorva

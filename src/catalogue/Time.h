@@ -16,4 +16,7 @@ using Seconds = std::chrono::duration<double>;
 /// ISO 8601 internet date-time in UTC, rounded down to milliseconds: "2026-02-11T09:41:07.250Z".
 [[nodiscard]] std::string iso8601(Time time);
 
+/// The same, rounded down to seconds: "2026-02-11T09:41:07Z".
+[[nodiscard]] std::string iso8601Seconds(Time time);
+
 } // namespace quorva

@@ -2,9 +2,9 @@
 #pragma once
 
 #include "core/FileLogMirror.h"
-#include "core/SerialQueue.h"
 #include "platform/Log.h"
 #include "platform/MainLoop.h"
+#include "platform/SerialQueue.h"
 #include "platform/SystemLog.h"
 
 #include <atomic>

@@ -11,8 +11,9 @@ namespace quorva {
 
 class TemporaryFolder {
 public:
-    TemporaryFolder() {
-        std::string name = (std::filesystem::temp_directory_path() / "quorva-test-XXXXXX").string();
+    explicit TemporaryFolder(
+        const std::filesystem::path& parent = std::filesystem::temp_directory_path()) {
+        std::string name = (parent / "quorva-test-XXXXXX").string();
         if (!::mkdtemp(name.data()))
             throw std::runtime_error("no temporary folder can be made");
         path = name;

@@ -1,4 +1,4 @@
-#include "core/SerialQueue.h"
+#include "platform/SerialQueue.h"
 
 namespace quorva {
 

@@ -1,0 +1,53 @@
+// Any bytes in place of a preferences file: they are refused, or what was read of them survives
+// being written and read again, and so does what the file holds besides.
+#include "platform/linux/PreferencesFormat.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+
+using quorva::PreferencesDocument;
+
+namespace {
+
+void expect(bool condition) {
+    if (!condition)
+        std::abort();
+}
+
+PreferencesDocument parsed(const std::string& bytes) {
+    std::string fault;
+    auto document = PreferencesDocument::parse(bytes, fault);
+    expect(document.has_value());
+    return *document;
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    std::string fault;
+    const std::string_view bytes(reinterpret_cast<const char*>(data), size);
+    const auto document = PreferencesDocument::parse(bytes, fault);
+    expect(document.has_value() == fault.empty());
+    if (!document)
+        return 0;
+
+    const auto written = document->serialised();
+    auto again = parsed(written);
+    expect(again.values() == document->values());
+    expect(again.serialised() == written);
+
+    // The values under their own keys, set anew in an empty document, are the same values.
+    PreferencesDocument copy;
+    for (const auto& [key, value] : document->values())
+        if (!std::holds_alternative<quorva::UnknownPreference>(value)) {
+            expect(!again.apply(key, value));
+            expect(copy.apply(key, value));
+            expect(again.apply(key, std::nullopt));
+        }
+    const auto values = parsed(copy.serialised()).values();
+    for (const auto& [key, value] : values)
+        expect(document->values().at(key) == value);
+    expect(values.size() + again.values().size() == document->values().size());
+    return 0;
+}

@@ -1,0 +1,45 @@
+// What the catalogues are made with: entries of a table's row, and a test that spares most of the
+// searches for them. Pure functions, callable from any thread.
+#pragma once
+
+#include "catalogue/Text.h"
+
+#include <array>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace quorva {
+
+/// The set of bytes that occur in a text, folded into 64 bits. A text can only hold an entry whose
+/// set is part of its own: one comparison spares most of the searches.
+[[nodiscard]] inline std::uint64_t lettersOf(std::string_view text) {
+    std::uint64_t letters = 0;
+    for (const char c : text)
+        letters |= std::uint64_t{1} << (static_cast<unsigned char>(c) % 64);
+    return letters;
+}
+
+/// Whether a text of the set `letters` can hold an entry of the set `needed`.
+[[nodiscard]] constexpr bool mayHold(std::uint64_t letters, std::uint64_t needed) {
+    return (needed & ~letters) == 0;
+}
+
+[[nodiscard]] inline std::vector<std::string> lowerCasedEach(std::vector<std::string> texts) {
+    for (auto& text : texts)
+        text = lowerCased(text);
+    return texts;
+}
+
+/// The texts of a table's cell, without the empty ones that fill it up.
+template <std::size_t N>
+[[nodiscard]] std::vector<std::string> entriesOf(const std::array<std::string_view, N>& texts) {
+    std::vector<std::string> entries;
+    for (const auto text : texts)
+        if (!text.empty())
+            entries.emplace_back(text);
+    return entries;
+}
+
+} // namespace quorva

@@ -1,0 +1,342 @@
+#include "detectors/CalendarMonitor.h"
+
+#include "catalogue/Text.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <iterator>
+
+namespace quorva {
+namespace {
+
+constexpr auto alertedKey = "calendarAlertedDetections";
+constexpr auto dismissedKey = "calendarDismissedDetections";
+constexpr std::size_t mostKeys = 1000;
+constexpr std::size_t keysAfterPruning = 500;
+constexpr int genericConfidence = 55;
+constexpr std::string_view mailScheme = "mailto:";
+
+bool holdsAt(std::string_view text) {
+    return text.find('@') != std::string_view::npos;
+}
+
+std::string without(std::string text, std::string_view part) {
+    for (auto at = text.find(part); at != std::string::npos; at = text.find(part, at))
+        text.erase(at, part.size());
+    return text;
+}
+
+/// The attendee's address in lower case, from wherever the inviter's server has put it.
+std::optional<std::string> attendeeEmail(const CalendarParticipant& attendee) {
+    const std::string_view url = attendee.url;
+    if (lowerCased(url.substr(0, mailScheme.size())) == mailScheme) {
+        const auto address = trimmed(url.substr(mailScheme.size()));
+        if (holdsAt(address))
+            return lowerCased(address);
+    }
+    if (holdsAt(url))
+        return lowerCased(trimmed(without(without(attendee.url, mailScheme), "MAILTO:")));
+    if (attendee.name && holdsAt(*attendee.name))
+        return lowerCased(trimmed(*attendee.name));
+    return std::nullopt;
+}
+
+std::string eventKey(const CalendarEvent& event) {
+    if (event.eventIdentifier)
+        return *event.eventIdentifier;
+    return event.title.value_or("untitled") + "-" + iso8601Seconds(event.start);
+}
+
+std::string detectionKey(const CalendarBotDetection& detection) {
+    return detection.signatureId + "|" + detection.eventIdentifier;
+}
+
+std::set<std::string> detectionKeys(const std::vector<CalendarBotDetection>& detections) {
+    std::set<std::string> keys;
+    for (const auto& detection : detections)
+        keys.insert(detectionKey(detection));
+    return keys;
+}
+
+CalendarBotDetection asProduct(CalendarBotDetection detection, const CalendarBotMatch& match) {
+    detection.id = match.signature.id + "-" + detection.eventIdentifier;
+    detection.signatureId = match.signature.id;
+    detection.botName = match.signature.name;
+    detection.category = match.signature.category;
+    detection.confidence = match.confidence;
+    return detection;
+}
+
+CalendarBotDetection asUnknownBot(CalendarBotDetection detection, std::string_view prefix) {
+    detection.id = "generic-bot-" + detection.eventIdentifier;
+    detection.signatureId = fmt::format("generic-{}", prefix);
+    detection.botName = fmt::format("Unknown Bot ({}@...)", prefix);
+    detection.category = BotCategory::unknown;
+    detection.confidence = genericConfidence;
+    return detection;
+}
+
+bool names(const std::vector<UnreadCalendar>& calendars, const std::string& name) {
+    return std::any_of(calendars.begin(), calendars.end(), [&](const UnreadCalendar& calendar) {
+        return calendar.calendarName == name;
+    });
+}
+
+bool contains(const std::string& text, std::string_view part) {
+    return text.find(part) != std::string::npos;
+}
+
+} // namespace
+
+CalendarMonitor::CalendarMonitor(MainLoop& loop_, CalendarStore& eventStore_,
+                                 Preferences& preferences_, Log& log_, Sha256 sha256_,
+                                 const CalendarBotDatabase& database_)
+    : authorizationStatus(eventStore_.authorizationStatus()),
+      loop(loop_),
+      eventStore(eventStore_),
+      preferences(preferences_),
+      log(log_),
+      sha256(sha256_),
+      database(database_),
+      alertedDetections(loadKeys(alertedKey)),
+      dismissedDetections(loadKeys(dismissedKey)) {}
+
+void CalendarMonitor::requestAccess(std::function<void(bool)> done) {
+    eventStore.requestFullAccess(lifetime.guard([this, done = std::move(done)](
+                                                    const CalendarStore::AccessAnswer& answer) {
+        if (answer.error)
+            log.error("Error requesting calendar access: " + *answer.error, logCategory::calendar);
+        authorizationStatus = eventStore.authorizationStatus();
+        done(!answer.error && answer.granted);
+    }));
+}
+
+void CalendarMonitor::startMonitoring() {
+    if (isMonitoring)
+        return;
+    if (authorizationStatus != CalendarAuthorization::fullAccess) {
+        log.info("Cannot start monitoring: no calendar access", logCategory::calendar);
+        return;
+    }
+    isMonitoring = true;
+    prune(alertedDetections);
+    prune(dismissedDetections);
+    saveKeys();
+    scanCalendar();
+    if (!isMonitoring)
+        return; // the scan found that access is gone
+    storeChangedObserver = eventStore.onChange(lifetime.guard([this] {
+        if (!lastScanTime || loop.now() - *lastScanTime >= minimumScanInterval)
+            scanCalendar();
+    }));
+    scanTimer = loop.every(scanInterval, lifetime.guard([this] { scanCalendar(); }));
+}
+
+void CalendarMonitor::stopMonitoring() {
+    isMonitoring = false;
+    scanTimer.reset();
+    storeChangedObserver.reset();
+    isScanWaiting = false;
+    if (scanState == ScanState::fetching) {
+        fetch.reset();
+        scanState = ScanState::none;
+    }
+}
+
+void CalendarMonitor::scanCalendar() {
+    if (scanState != ScanState::none) {
+        isScanWaiting = true;
+        return;
+    }
+    if (!checkAccess())
+        return;
+    const Time now = loop.now();
+    lastScanTime = now;
+    scanState = ScanState::fetching;
+    fetch.reset();
+    auto answer = eventStore.fetchEvents(
+        now, now + lookAhead, lifetime.guard([this, now](const CalendarWindow& window) {
+            scanState = ScanState::completing;
+            if (checkAccess())
+                complete(window, now);
+            scanState = ScanState::none;
+            if (std::exchange(isScanWaiting, false))
+                loop.post(lifetime.guard([this] { scanCalendar(); }));
+        }));
+    if (scanState == ScanState::fetching) // else it was answered within the call
+        fetch = std::move(answer);
+}
+
+/// Looks up the access; when it is gone, so is the monitoring.
+bool CalendarMonitor::checkAccess() {
+    authorizationStatus = eventStore.authorizationStatus();
+    if (authorizationStatus == CalendarAuthorization::fullAccess)
+        return true;
+    if (isMonitoring) {
+        log.notice("Calendar access revoked, stopping monitor", logCategory::calendar);
+        stopMonitoring();
+    }
+    return false;
+}
+
+void CalendarMonitor::complete(const CalendarWindow& window, Time now) {
+    auto fresh = withoutDismissed(findBots(window.events, now));
+    keepUnread(fresh, window.unread, now);
+    const Detections old = *calendarDetections; // a callback may dismiss one
+    announce(fresh, detectionKeys(old));
+    retire(old, detectionKeys(fresh));
+
+    std::stable_sort(fresh.begin(), fresh.end(), [](const auto& a, const auto& b) {
+        return a.eventStartDate < b.eventStartDate;
+    });
+    reportUnread(window.unread);
+    calendarDetections = std::move(fresh);
+    lastScanDate = now;
+    saveKeys();
+}
+
+CalendarMonitor::Detections CalendarMonitor::findBots(const std::vector<CalendarEvent>& events,
+                                                      Time now) const {
+    Detections found;
+    for (const auto& event : events) {
+        if (event.isAllDay || event.end < now)
+            continue;
+        for (const auto& attendee : event.attendees) {
+            if (attendee.isCurrentUser || attendee.status == ParticipantStatus::declined)
+                continue;
+            if (auto detection = makeDetection(attendee, event))
+                found.push_back(std::move(*detection));
+        }
+    }
+    return found;
+}
+
+std::optional<CalendarBotDetection>
+CalendarMonitor::makeDetection(const CalendarParticipant& attendee,
+                               const CalendarEvent& event) const {
+    const auto email = attendeeEmail(attendee);
+    const auto name = attendee.name.value_or("");
+    const auto draft = [&] {
+        return CalendarBotDetection{
+            .matchedEmail = email.value_or("unknown"),
+            .matchedName = name.empty() ? std::nullopt : std::optional(name),
+            .eventTitle = "Calendar Event", // never the real one, which tells of the meeting
+            .eventStartDate = event.start,
+            .eventEndDate = event.end,
+            .eventIdentifier = eventKey(event),
+            .calendarName = event.calendarName,
+            .detectedAt = loop.now(),
+        };
+    };
+    if (email) {
+        if (const auto match = database.matchEmail(*email))
+            return asProduct(draft(), *match);
+        if (const auto prefix = database.matchGenericPrefix(*email))
+            return asUnknownBot(draft(), *prefix);
+    }
+    if (!name.empty())
+        if (const auto match = database.matchDisplayName(name))
+            return asProduct(draft(), *match);
+    return std::nullopt;
+}
+
+/// The first detection of each key, unless the user has dismissed it.
+CalendarMonitor::Detections CalendarMonitor::withoutDismissed(Detections found) const {
+    KeySet seen;
+    std::erase_if(found, [&](const CalendarBotDetection& detection) {
+        return !seen.insert(detectionKey(detection)).second ||
+               dismissedDetections.contains(hashedDetectionKey(detection));
+    });
+    return found;
+}
+
+/// Adds what was found before in a calendar that could not be read this time: its events may well
+/// be as they were.
+void CalendarMonitor::keepUnread(Detections& fresh, const std::vector<UnreadCalendar>& unread,
+                                 Time now) const {
+    const auto newKeys = detectionKeys(fresh);
+    for (const auto& old : *calendarDetections)
+        if (old.eventEndDate >= now && names(unread, old.calendarName) &&
+            !newKeys.contains(detectionKey(old)))
+            fresh.push_back(old);
+}
+
+void CalendarMonitor::announce(const Detections& fresh, const KeySet& oldKeys) {
+    for (const auto& detection : fresh)
+        if (!oldKeys.contains(detectionKey(detection)) &&
+            alertedDetections.insert(hashedDetectionKey(detection)).second && onBotDetected)
+            onBotDetected(detection);
+}
+
+void CalendarMonitor::retire(const Detections& old, const KeySet& newKeys) {
+    for (const auto& detection : old)
+        if (!newKeys.contains(detectionKey(detection)) && onBotDisappeared)
+            onBotDisappeared(detection);
+}
+
+/// Publishes which calendars could not be read, and logs each when it begins to fail.
+void CalendarMonitor::reportUnread(const std::vector<UnreadCalendar>& unread) {
+    for (const auto& calendar : unread)
+        if (!names(*unreadCalendars, calendar.calendarName))
+            log.error(fmt::format("The calendar \"{}\" can't be read: {}",
+                                  printable(calendar.calendarName), printable(calendar.reason)),
+                      logCategory::calendar);
+    unreadCalendars = unread;
+}
+
+void CalendarMonitor::dismiss(const CalendarBotDetection& detection) {
+    const auto id = detection.id; // `detection` may be an element of the list
+    dismissedDetections.insert(hashedDetectionKey(detection));
+    auto rest = *calendarDetections;
+    std::erase_if(rest, [&](const auto& listed) { return listed.id == id; });
+    calendarDetections = std::move(rest);
+    saveKeys();
+}
+
+CalendarSourceSummary CalendarMonitor::discoverCalendarSources() const {
+    CalendarSourceSummary summary;
+    for (const auto& source : eventStore.sources()) {
+        summary.titles.push_back(source.title);
+        summary.hasExchange |= source.type == CalendarSourceType::exchange;
+        if (source.type != CalendarSourceType::calDAV)
+            continue;
+        const auto title = lowerCased(source.title);
+        if (contains(title, "google") || contains(title, "gmail"))
+            summary.hasGoogle = true;
+        else if (contains(title, "icloud"))
+            summary.hasICloud = true;
+        else
+            summary.hasOtherCalDAV = true;
+    }
+    summary.count = summary.titles.size();
+    return summary;
+}
+
+/// The first half of the key's SHA-256 digest in hexadecimal.
+std::string CalendarMonitor::hashedDetectionKey(const CalendarBotDetection& detection) const {
+    const auto digest = sha256(detectionKey(detection));
+    return fmt::format("{:02x}", fmt::join(digest.begin(), digest.begin() + 16, ""));
+}
+
+CalendarMonitor::KeySet CalendarMonitor::loadKeys(std::string_view preferenceKey) const {
+    auto keys = preferences.read<std::vector<std::string>>(preferenceKey)
+                    .value.value_or(std::vector<std::string>());
+    return {std::make_move_iterator(keys.begin()), std::make_move_iterator(keys.end())};
+}
+
+void CalendarMonitor::saveKeys() {
+    const auto list = [](const KeySet& keys) {
+        return std::vector<std::string>(keys.begin(), keys.end());
+    };
+    preferences.set(alertedKey, list(alertedDetections));
+    preferences.set(dismissedKey, list(dismissedDetections));
+}
+
+/// Cuts a set that has grown too large. Any of its keys may go.
+void CalendarMonitor::prune(KeySet& keys) {
+    if (keys.size() > mostKeys)
+        keys.erase(std::next(keys.begin(), keysAfterPruning), keys.end());
+}
+
+} // namespace quorva

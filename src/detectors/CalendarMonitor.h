@@ -1,0 +1,127 @@
+// Finds bots that are invited to the user's meetings: reads the events of the next 24 hours,
+// matches every attendee against the catalogue, announces each find once, also across restarts, and
+// forgets what the user has dismissed. Main thread only. Never writes to a calendar.
+#pragma once
+
+#include "catalogue/CalendarBotDatabase.h"
+#include "catalogue/Records.h"
+#include "platform/CalendarStore.h"
+#include "platform/Lifetime.h"
+#include "platform/Log.h"
+#include "platform/MainLoop.h"
+#include "platform/Preferences.h"
+#include "platform/Published.h"
+#include "platform/Sha256.h"
+
+#include <functional>
+#include <optional>
+#include <set>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace quorva {
+
+/// The accounts and folders that calendars come from.
+struct CalendarSourceSummary {
+    std::size_t count = 0;
+    std::vector<std::string> titles; ///< in the store's order
+    bool hasGoogle = false;
+    bool hasExchange = false;
+    bool hasICloud = false;
+    bool hasOtherCalDAV = false;
+
+    bool operator==(const CalendarSourceSummary&) const = default;
+};
+
+class CalendarMonitor {
+public:
+    /// The services and the database must outlive the monitor. Nothing is scanned yet.
+    CalendarMonitor(MainLoop& loop, CalendarStore& eventStore, Preferences& preferences, Log& log,
+                    Sha256 sha256,
+                    const CalendarBotDatabase& database = CalendarBotDatabase::shared());
+
+    /// What was found, by the start of the event.
+    Published<std::vector<CalendarBotDetection>> calendarDetections;
+    /// Whether scans come by themselves: the timer runs and changes are followed.
+    Published<bool> isMonitoring{false};
+    /// The access to calendars, as it was last looked up.
+    Published<CalendarAuthorization> authorizationStatus;
+    /// When the last completed scan began.
+    Published<std::optional<Time>> lastScanDate;
+    /// The calendars that the last scan could not read. What was found in them before stays listed
+    /// until its event has ended.
+    Published<std::vector<UnreadCalendar>> unreadCalendars;
+
+    /// A bot was found that was never announced before. Called within a scan, before
+    /// `calendarDetections` changes; may be empty.
+    std::function<void(const CalendarBotDetection&)> onBotDetected;
+    /// What was listed is no longer found. Called as above.
+    std::function<void(const CalendarBotDetection&)> onBotDisappeared;
+
+    /// Asks the user for access to calendars, and calls `done` with whether it is granted, on the
+    /// main loop or within this call. A failure to ask is logged and counts as refused.
+    void requestAccess(std::function<void(bool granted)> done);
+
+    /// Scans at once, then every 5 minutes, and when calendars change, if the last scan began 30
+    /// seconds ago or earlier. Does nothing without full access, and when monitoring already.
+    void startMonitoring();
+
+    /// Ends that, and a scan under way. What was found stays listed.
+    void stopMonitoring();
+
+    /// Starts one full scan, which completes when the calendars have answered. While one is under
+    /// way, another one follows it, however often this is called. Without full access there is no
+    /// scan, and monitoring ends.
+    void scanCalendar();
+
+    /// Takes the detection off the list, for good: it does not come back after a restart either.
+    void dismiss(const CalendarBotDetection& detection);
+
+    [[nodiscard]] CalendarSourceSummary discoverCalendarSources() const;
+
+private:
+    using KeySet = std::set<std::string>;
+    using Detections = std::vector<CalendarBotDetection>;
+
+    bool checkAccess();
+    void complete(const CalendarWindow& window, Time now);
+    [[nodiscard]] Detections findBots(const std::vector<CalendarEvent>& events, Time now) const;
+    [[nodiscard]] std::optional<CalendarBotDetection>
+    makeDetection(const CalendarParticipant& attendee, const CalendarEvent& event) const;
+    [[nodiscard]] Detections withoutDismissed(Detections found) const;
+    void keepUnread(Detections& fresh, const std::vector<UnreadCalendar>& unread, Time now) const;
+    void announce(const Detections& fresh, const KeySet& oldKeys);
+    void retire(const Detections& old, const KeySet& newKeys);
+    void reportUnread(const std::vector<UnreadCalendar>& unread);
+    [[nodiscard]] std::string hashedDetectionKey(const CalendarBotDetection& detection) const;
+    [[nodiscard]] KeySet loadKeys(std::string_view preferenceKey) const;
+    void saveKeys();
+    static void prune(KeySet& keys);
+
+    MainLoop& loop;
+    CalendarStore& eventStore;
+    Preferences& preferences;
+    Log& log;
+    const Sha256 sha256;
+    const CalendarBotDatabase& database;
+
+    const Seconds scanInterval{300.0};
+    const Seconds minimumScanInterval{30.0};
+    const std::chrono::hours lookAhead{24};
+
+    Timer scanTimer;
+    Subscription storeChangedObserver;
+    std::optional<Time> lastScanTime; ///< when the last scan began; nothing: long ago
+    KeySet alertedDetections;         ///< hashed keys, which tell nothing of the events
+    KeySet dismissedDetections;
+
+    enum class ScanState { none, fetching, completing };
+    ScanState scanState = ScanState::none;
+    bool isScanWaiting = false;
+    Subscription fetch;
+
+    Lifetime lifetime; // last: goes first
+};
+
+} // namespace quorva

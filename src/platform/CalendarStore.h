@@ -1,0 +1,106 @@
+// The user's calendars, whichever account or folder they come from. Read only: nothing is ever
+// written to a calendar.
+#pragma once
+
+#include "catalogue/Time.h"
+#include "platform/Subscription.h"
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace quorva {
+
+/// Whether the user lets the program read calendars. Only full access allows it.
+enum class CalendarAuthorization {
+    notDetermined = 0, ///< never asked
+    restricted = 1,    ///< there is nothing to read: no calendar service and no calendar folder
+    denied = 2,
+    fullAccess = 3,
+    writeOnly = 4,
+};
+
+/// An attendee's answer to the invitation (PARTSTAT of RFC 5545).
+enum class ParticipantStatus { unknown, pending, accepted, declined, tentative, delegated };
+
+struct CalendarParticipant {
+    std::optional<std::string> name; ///< CN; absent when there is none
+    std::string url; ///< the address as the inviter's server wrote it, "mailto:" and all
+    bool isCurrentUser = false;
+    ParticipantStatus status = ParticipantStatus::unknown;
+
+    bool operator==(const CalendarParticipant&) const = default;
+};
+
+/// One occurrence of an event. Cancelled ones are never given out.
+struct CalendarEvent {
+    std::optional<std::string>
+        eventIdentifier; ///< stable; the same for all occurrences of a series
+    std::optional<std::string> title;
+    Time start;
+    Time end;
+    bool isAllDay = false;
+    std::vector<CalendarParticipant> attendees;
+    std::string calendarName;
+
+    bool operator==(const CalendarEvent&) const = default;
+};
+
+enum class CalendarSourceType { local, exchange, calDAV, mobileMe, subscribed, birthdays };
+
+/// An account or folder that calendars come from.
+struct CalendarSource {
+    std::string title;
+    CalendarSourceType type = CalendarSourceType::local;
+
+    bool operator==(const CalendarSource&) const = default;
+};
+
+/// A calendar that could not be read, so that it is not taken for an empty one.
+struct UnreadCalendar {
+    std::string calendarName;
+    std::string reason; ///< for the log and for people
+
+    bool operator==(const UnreadCalendar&) const = default;
+};
+
+/// What reading a period has come to.
+struct CalendarWindow {
+    std::vector<CalendarEvent> events; ///< those that overlap the period, by start
+    std::vector<UnreadCalendar> unread;
+    std::size_t calendars = 0; ///< how many were asked, the unread ones included
+};
+
+/// Main thread only. No operation waits for a service, a disk or the network.
+class CalendarStore {
+public:
+    virtual ~CalendarStore() = default;
+
+    /// The access that the user has given, as it is now.
+    [[nodiscard]] virtual CalendarAuthorization authorizationStatus() const = 0;
+
+    /// What came of asking; an error is a failure to ask, not a refusal.
+    struct AccessAnswer {
+        bool granted = false;
+        std::optional<std::string> error;
+    };
+
+    /// Asks the user for full access, and calls `done` once with the answer, on the main loop or
+    /// within this call.
+    virtual void requestFullAccess(std::function<void(AccessAnswer)> done) = 0;
+
+    /// Reads all occurrences that overlap the period from `start` to `end`, and calls `done` once,
+    /// on the main loop or within this call. A calendar that does not answer within 10 seconds is
+    /// reported as unread. Dropping the subscription ends the wait without a call.
+    [[nodiscard]] virtual Subscription fetchEvents(Time start, Time end,
+                                                   std::function<void(CalendarWindow)> done) = 0;
+
+    /// The accounts and folders known so far, in the service's order.
+    [[nodiscard]] virtual std::vector<CalendarSource> sources() const = 0;
+
+    /// Calls `callback` on the main loop after an event, a calendar or an account has changed.
+    [[nodiscard]] virtual Subscription onChange(Task callback) = 0;
+};
+
+} // namespace quorva
