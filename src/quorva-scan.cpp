@@ -59,6 +59,9 @@ GObjectPtr<GDBusConnection> sessionBus() {
 }
 
 int watch(const ScanOptions& options, LinuxServices& services) {
+    const auto quit = [&] { services.loop.quit(); };
+    const auto onInterrupt = GLibMainLoop::onSignal(SIGINT, quit);
+    const auto onTerminate = GLibMainLoop::onSignal(SIGTERM, quit);
     startLogFile(services);
     std::optional<SystemdUnitSignals> units;
     if (auto bus = sessionBus()) {
@@ -81,9 +84,6 @@ int watch(const ScanOptions& options, LinuxServices& services) {
     if (!watchesSomething)
         return notLookedAt;
 
-    const auto quit = [&] { services.loop.quit(); };
-    const auto onInterrupt = GLibMainLoop::onSignal(SIGINT, quit);
-    const auto onTerminate = GLibMainLoop::onSignal(SIGTERM, quit);
     services.loop.run();
     return 0;
 }

@@ -1,6 +1,6 @@
 #include "catalogue/Time.h"
 
-#include <fmt/format.h>
+#include <fmt/compile.h>
 
 namespace quorva {
 
@@ -10,9 +10,10 @@ std::string iso8601(Time time) {
     const auto day = floor<days>(millis);
     const year_month_day date{day};
     const hh_mm_ss clock{millis - day};
-    return fmt::format("{:04}-{:02}-{:02}T{:02}:{:02}:{:02}.{:03}Z", static_cast<int>(date.year()),
-                       static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()),
-                       clock.hours().count(), clock.minutes().count(), clock.seconds().count(),
+    return fmt::format(FMT_COMPILE("{:04}-{:02}-{:02}T{:02}:{:02}:{:02}.{:03}Z"),
+                       static_cast<int>(date.year()), static_cast<unsigned>(date.month()),
+                       static_cast<unsigned>(date.day()), clock.hours().count(),
+                       clock.minutes().count(), clock.seconds().count(),
                        clock.subseconds().count());
 }
 

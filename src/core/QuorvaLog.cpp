@@ -4,10 +4,10 @@
 
 #include <fmt/format.h>
 
-#include <iterator>
-
 namespace quorva {
 namespace {
+
+constexpr std::size_t sizeOfTheRest = 96; ///< of a line, as a rule, beside its message
 
 constexpr std::string_view nameOf(LogLevel level) {
     switch (level) {
@@ -46,30 +46,32 @@ void QuorvaLog::bootstrap(std::shared_ptr<FileLogMirror> logFile) {
 
 void QuorvaLog::write(LogLevel level, std::string_view message, QuorvaLogCategory category,
                       CallSite site) {
-    if (dropped.load(std::memory_order_relaxed) > 0)
-        if (const auto count = dropped.exchange(0))
-            post(LogLevel::error,
-                 fmt::format("{} messages were not logged: too many at once", count),
-                 logCategory::appState, CallSite::current());
-    post(level, message, category, site);
+    if (const auto count = dropped.exchange(0); count > 0)
+        if (!post(LogLevel::error,
+                  fmt::format("{} messages were not logged: too many at once", count),
+                  logCategory::appState, CallSite::current()))
+            dropped += count;
+    if (!post(level, message, category, site))
+        ++dropped;
 }
 
-void QuorvaLog::post(LogLevel level, std::string_view message, QuorvaLogCategory category,
+bool QuorvaLog::post(LogLevel level, std::string_view message, QuorvaLogCategory category,
                      CallSite site) {
-    std::string line = iso8601(loop.now());
-    fmt::format_to(std::back_inserter(line), " [{}] [{}] ", nameOf(level), category.category);
+    std::string line;
+    line.reserve(message.size() + sizeOfTheRest);
+    line.append(iso8601(loop.now()));
+    line.append(" [").append(nameOf(level)).append("] [").append(category.category).append("] ");
     const auto start = line.size();
-    line += message;
-    fmt::format_to(std::back_inserter(line), " ({}:{})\n", baseName(site.file), site.line);
+    line.append(message);
+    line.append(" (").append(baseName(site.file)).append(":");
+    line.append(fmt::format_int(site.line).c_str()).append(")\n");
 
-    auto write = [this, level, category, site, start, length = message.size(),
-                  line = std::move(line)] {
-        systemLog.send(level, std::string_view(line).substr(start, length), category, site);
-        if (mirror)
-            mirror->append(line);
-    };
-    if (!queue.post(std::move(write)))
-        ++dropped;
+    return queue.post(
+        [this, level, category, site, start, length = message.size(), line = std::move(line)] {
+            systemLog.send(level, std::string_view(line).substr(start, length), category, site);
+            if (mirror)
+                mirror->append(line);
+        });
 }
 
 void QuorvaLog::flush() {

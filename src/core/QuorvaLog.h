@@ -36,7 +36,8 @@ public:
     void flush();
 
 private:
-    void post(LogLevel level, std::string_view message, QuorvaLogCategory category, CallSite site);
+    /// False when the queue is full.
+    bool post(LogLevel level, std::string_view message, QuorvaLogCategory category, CallSite site);
 
     static constexpr std::size_t maxWaiting = 65'536;
 

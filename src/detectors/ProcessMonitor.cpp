@@ -132,23 +132,33 @@ void ProcessMonitor::findProcesses(std::vector<DetectedBot>& found) {
         for (const ProcessIdentifier process : *processes) {
             if (process < 1 || matched.contains(process))
                 continue;
-            auto [status, path] = processTable.executable(process);
+            const auto [status, path] = processTable.executable(process);
             looked.denied += status == Executable::Status::denied;
             if (status != Executable::Status::read)
                 continue;
-            if (const auto match = database.matchProcessPath(path)) {
-                found.push_back(
-                    makeBot(*match, DetectionMethod::processPath, process, std::move(path)));
-                continue;
-            }
-            const auto name = lastPathComponent(path);
-            const auto match = database.matchProcessName(name);
-            if (match && !database.isExcludedProcessPath(path))
-                found.push_back(
-                    makeBot(*match, DetectionMethod::processName, process, std::string(name)));
+            if (const auto& known = matchProcess(path))
+                found.push_back(makeBot(known->match, known->method, process, known->matchedValue));
         }
     }
     coverage = looked;
+}
+
+/// What the catalogue says of a path does not change: it is asked once, not at every scan.
+const std::optional<ProcessMonitor::ProcessMatch>&
+ProcessMonitor::matchProcess(const std::string& path) {
+    if (const auto known = matchOfPath.find(path); known != matchOfPath.end())
+        return known->second;
+    if (matchOfPath.size() == maxRememberedPaths)
+        matchOfPath.clear();
+
+    auto& matched = matchOfPath[path];
+    const auto name = lastPathComponent(path);
+    if (const auto byPath = database.matchProcessPath(path))
+        matched.emplace(ProcessMatch{*byPath, DetectionMethod::processPath, path});
+    else if (const auto byName = database.matchProcessName(name);
+             byName && !database.isExcludedProcessPath(path))
+        matched.emplace(ProcessMatch{*byName, DetectionMethod::processName, std::string(name)});
+    return matched;
 }
 
 DetectedBot ProcessMonitor::makeBot(const BotMatch& match, DetectionMethod method,

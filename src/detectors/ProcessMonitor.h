@@ -66,10 +66,16 @@ public:
 
 private:
     using SignatureId = std::string;
+    struct ProcessMatch {
+        BotMatch match;
+        DetectionMethod method;
+        std::string matchedValue;
+    };
 
     std::vector<DetectedBot> findBots();
     void findApplications(std::vector<DetectedBot>& found);
     void findProcesses(std::vector<DetectedBot>& found);
+    const std::optional<ProcessMatch>& matchProcess(const std::string& path);
     DetectedBot makeBot(const BotMatch& match, DetectionMethod method, ProcessIdentifier process,
                         std::string matchedValue) const;
     void countSightings(const std::map<SignatureId, DetectedBot>& current, Time now);
@@ -90,10 +96,13 @@ private:
     const int confirmedScanThreshold = 3;
     const Seconds confirmedGracePeriod{15.0};
 
+    const std::size_t maxRememberedPaths = 4096;
+
     Timer pollTimer;
     std::vector<Subscription> notificationCancellables;
     std::unordered_map<ProcessIdentifier, Subscription> exitWatches;
     std::unordered_set<std::string> knownDetections;
+    std::unordered_map<std::string, std::optional<ProcessMatch>> matchOfPath;
     bool isScanning = false;
     std::unordered_map<SignatureId, Time> lastSeenTimes;
     std::unordered_map<SignatureId, int> seenCounts;

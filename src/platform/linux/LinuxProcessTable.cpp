@@ -2,7 +2,7 @@
 
 #include "platform/linux/GLibMainLoop.h"
 
-#include <fmt/format.h>
+#include <fmt/compile.h>
 
 #include <algorithm>
 #include <array>
@@ -18,7 +18,8 @@ namespace {
 /// "PID/FILE", relative to /proc.
 struct ProcPath {
     ProcPath(ProcessIdentifier process, std::string_view file) {
-        *fmt::format_to_n(text.data(), text.size() - 1, "{}/{}", process, file).out = '\0';
+        *fmt::format_to_n(text.data(), text.size() - 1, FMT_COMPILE("{}/{}"), process, file).out =
+            '\0';
     }
     std::array<char, 64> text{};
 };

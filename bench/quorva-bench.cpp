@@ -1,0 +1,17 @@
+// quorva-bench: runs the benchmarks and tells the ratios at the end. Takes Google Benchmark's
+// options, for example --benchmark_filter=nextScan.
+#include "Measuring.h"
+
+#include <cstdio>
+
+int main(int count, char* texts[]) {
+    benchmark::Initialize(&count, texts);
+    if (benchmark::ReportUnrecognizedArguments(count, texts))
+        return 2;
+    quorva::bench::Summary summary;
+    quorva::bench::registerScanBenchmarks(summary);
+    quorva::bench::registerLogBenchmarks(summary);
+    benchmark::RunSpecifiedBenchmarks();
+    benchmark::Shutdown();
+    std::printf("\n%s", summary.toText().c_str());
+}
