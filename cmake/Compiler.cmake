@@ -16,6 +16,12 @@ if(QUORVA_SANITIZE)
     target_link_options(quorva_compiler INTERFACE -fsanitize=address,undefined)
 endif()
 
+if(QUORVA_FUZZ)
+    target_compile_options(quorva_compiler INTERFACE
+        -fsanitize=fuzzer-no-link,address -fno-omit-frame-pointer -g -O1)
+    target_link_options(quorva_compiler INTERFACE -fsanitize=address)
+endif()
+
 set(hardened "$<CONFIG:Release>")
 target_compile_definitions(quorva_compiler INTERFACE
     "$<${hardened}:_FORTIFY_SOURCE=2>" "$<${hardened}:_GLIBCXX_ASSERTIONS>")
