@@ -72,5 +72,6 @@ private:
 /// Each registers its benchmarks, which add to the summary when they run.
 void registerScanBenchmarks(Summary& summary);
 void registerLogBenchmarks(Summary& summary);
+void registerCalendarBenchmarks(Summary& summary);
 
 } // namespace quorva::bench

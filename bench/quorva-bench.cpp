@@ -11,6 +11,7 @@ int main(int count, char* texts[]) {
     quorva::bench::Summary summary;
     quorva::bench::registerScanBenchmarks(summary);
     quorva::bench::registerLogBenchmarks(summary);
+    quorva::bench::registerCalendarBenchmarks(summary);
     benchmark::RunSpecifiedBenchmarks();
     benchmark::Shutdown();
     std::printf("\n%s", summary.toText().c_str());

@@ -1,0 +1,41 @@
+// Any bytes in place of a calendar file: whatever is understood of them keeps to the limits, and
+// lies in the period asked for.
+#include "platform/linux/ICalendarReader.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+
+using namespace quorva;
+
+namespace {
+
+void expect(bool condition) {
+    if (!condition)
+        std::abort();
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    static const auto berlin = zoneOfName("Europe/Berlin");
+    const Time start(std::chrono::seconds(1'774'656'000)); // 2026-03-28, clocks change on the 29th
+    const Time end = start + std::chrono::hours(48);
+    const auto calendar = readICalendar({reinterpret_cast<const char*>(data), size},
+                                        {.floating = berlin, .userAddresses = {"me@example.org"}});
+    const auto found = occurrencesOf(calendar, start, end, "fuzz");
+    expect(found.events.size() <= calendar.series.size() * 2 * ICalendarLimits::occurrences);
+    expect(found.attendees <= ICalendarLimits::attendeesOfPeriod);
+    for (const auto& event : found.events) {
+        expect(event.start <= event.end && event.start < end);
+        expect(event.end > start || event.start >= start);
+        expect(event.attendees.size() <= ICalendarLimits::attendees);
+    }
+    for (const auto& series : calendar.series) {
+        const auto span = spanOf(series);
+        Occurrences own;
+        addOccurrences(series, start, end, "fuzz", own);
+        expect(own.events.empty() || (span.start < end && span.end >= start));
+    }
+    return 0;
+}

@@ -1,0 +1,55 @@
+// What is kept of folders and their files between two looks; for the sources of IcsFolders only.
+#pragma once
+
+#include "platform/linux/IcsFolders.h"
+
+#include <sys/stat.h>
+
+namespace quorva {
+
+/// What tells whether a file or folder is the one that was read.
+struct FileStamp {
+    dev_t device = 0;
+    ino_t inode = 0;
+    off_t size = 0;
+    Time modified = Time::min();
+
+    bool operator==(const FileStamp&) const = default;
+};
+
+struct IcsFolders::File {
+    FileStamp stamp;
+    bool isSettled = false;
+    std::optional<std::string> failure; ///< why it could not be read
+    std::unique_ptr<const ICalendar> calendar;
+    std::string calendarName; ///< where the file is a calendar of its own
+    std::vector<Entry> entries;
+    bool isIndexed = false;
+    ICalendarProblems problems; ///< of computing the entries
+};
+
+struct IcsFolders::Folder {
+    Path path;
+    FileStamp stamp;
+    bool isSettled = false;
+    bool isOfFiles = false; ///< not a calendar itself: its files are, or nothing is
+    bool isRequired = true; ///< its absence is a failure
+    std::optional<std::string> failure;
+    std::string name;
+    std::map<std::string, File> files;
+    std::vector<std::string> subfolders;
+    bool mustStat = true;
+    bool isUnsettled = false; ///< some of its files are
+
+    [[nodiscard]] bool isCalendar() const {
+        return !isOfFiles && (!files.empty() || subfolders.empty());
+    }
+};
+
+/// A file name, or a name from a file, as valid UTF-8 without blanks around it.
+[[nodiscard]] inline std::string validName(const std::string& bytes) {
+    const GCharsPtr valid(g_utf8_make_valid(bytes.data(), static_cast<gssize>(bytes.size())));
+    return g_strstrip(valid.get());
+}
+
+} // namespace quorva
