@@ -1,0 +1,34 @@
+// Work handed to the thread that runs a GLib main context, from any thread. For workers that may
+// outlive the MainLoop object: a context lives as long as somebody holds it.
+#pragma once
+
+#include "platform/Subscription.h"
+
+#include <glib.h>
+
+#include <utility>
+
+namespace quorva {
+
+/// Runs `task` once in `context` (null: the main one), never within this call. Callable from any
+/// thread.
+inline void postTo(GMainContext* context, int priority, Task task) {
+    auto* const source = g_idle_source_new();
+    g_source_set_priority(source, priority);
+    g_source_set_callback(
+        source,
+        [](gpointer posted) -> gboolean {
+            (*static_cast<Task*>(posted))();
+            return G_SOURCE_REMOVE;
+        },
+        new Task(std::move(task)), [](gpointer posted) { delete static_cast<Task*>(posted); });
+    g_source_attach(source, context);
+    g_source_unref(source);
+}
+
+/// As MainLoop::post.
+inline void postToMain(Task task) {
+    postTo(nullptr, G_PRIORITY_DEFAULT, std::move(task));
+}
+
+} // namespace quorva
