@@ -1,0 +1,233 @@
+// The real calendar service, started by the bus of the session that the test program runs in.
+#include "platform/linux/EdsCalendarStore.h"
+
+#include "platform/linux/GLibMainLoop.h"
+#include "support/RecordingLog.h"
+
+#include <fmt/chrono.h>
+#include <gmock/gmock.h>
+
+#include <chrono>
+#include <csignal>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <libecal/libecal.h>
+
+namespace quorva {
+namespace {
+
+using namespace std::chrono_literals;
+using testing::ElementsAre;
+using testing::FieldsAre;
+using testing::IsEmpty;
+
+std::string utc(Time time) {
+    return fmt::format("{:%Y%m%dT%H%M%SZ}", std::chrono::floor<std::chrono::seconds>(time));
+}
+
+std::string contentsOf(const std::filesystem::path& file) {
+    std::ifstream stream(file);
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+/// What an event of half an hour looks like; `lines` are added to it.
+std::string vevent(const std::string& uid, Time start, const std::string& lines) {
+    return fmt::format("BEGIN:VEVENT\r\nUID:{}\r\nDTSTAMP:20260101T000000Z\r\nDTSTART:{}\r\n"
+                       "DTEND:{}\r\n{}END:VEVENT\r\n",
+                       uid, utc(start), utc(start + 30min), lines);
+}
+
+/// The calendar "Personal", as another program of the session writes to it.
+class Writer {
+public:
+    Writer() {
+        const GObjectPtr<ESource> source(
+            e_source_new_with_uid("system-calendar", nullptr, nullptr));
+        client.reset(
+            E_CAL_CLIENT(e_cal_client_connect_sync(source.get(), E_CAL_CLIENT_SOURCE_TYPE_EVENTS,
+                                                   static_cast<guint32>(-1), nullptr, nullptr)));
+    }
+
+    [[nodiscard]] bool add(const std::string& events) {
+        const GObjectPtr<ICalComponent> component(i_cal_component_new_from_string(
+            ("BEGIN:VCALENDAR\r\nVERSION:2.0\r\nMETHOD:PUBLISH\r\n" + events + "END:VCALENDAR\r\n")
+                .c_str()));
+        return client &&
+               e_cal_client_receive_objects_sync(client.get(), component.get(),
+                                                 E_CAL_OPERATION_FLAG_NONE, nullptr, nullptr);
+    }
+
+    [[nodiscard]] bool remove(const char* uid) {
+        return e_cal_client_remove_object_sync(client.get(), uid, nullptr, E_CAL_OBJ_MOD_ALL,
+                                               E_CAL_OPERATION_FLAG_NONE, nullptr, nullptr);
+    }
+
+private:
+    GObjectPtr<ECalClient> client;
+};
+
+class EdsCalendarStoreTest : public testing::Test {
+protected:
+    /// Turns the main loop until `condition` holds; false when it does not come to that.
+    template <typename Condition>
+    bool comesTo(Condition condition) {
+        const auto deadline = std::chrono::steady_clock::now() + 40s;
+        const auto wake = loop.every(Seconds(0.01), [this] { ++ticks; });
+        while (!condition() && std::chrono::steady_clock::now() < deadline)
+            g_main_context_iteration(nullptr, TRUE);
+        return condition();
+    }
+
+    CalendarWindow fetch(Seconds length = 24h) {
+        std::optional<CalendarWindow> answer;
+        const auto subscription =
+            store.fetchEvents(now, now + std::chrono::duration_cast<Time::duration>(length),
+                              [&](CalendarWindow window) { answer = std::move(window); });
+        EXPECT_TRUE(comesTo([&] { return answer.has_value(); }));
+        return answer.value_or(CalendarWindow{});
+    }
+
+    std::vector<std::string> titles() {
+        std::vector<std::string> found;
+        for (const auto& event : fetch().events)
+            found.push_back(event.title.value_or("none"));
+        return found;
+    }
+
+    /// Sends `signal` to the processes of this session that serve calendars; how many there were.
+    static int signalService(int signal) {
+        int processes = 0;
+        const auto home = std::string("HOME=") + std::getenv("HOME") + '\0';
+        for (const auto& entry : std::filesystem::directory_iterator("/proc")) {
+            if (contentsOf(entry.path() / "cmdline").find("/evolution-calendar-factory") ==
+                    std::string::npos ||
+                contentsOf(entry.path() / "environ").find(home) == std::string::npos)
+                continue;
+            ::kill(std::stoi(entry.path().filename()), signal);
+            ++processes;
+        }
+        return processes;
+    }
+
+    GLibMainLoop loop;
+    RecordingLog log;
+    EdsCalendarStore store{loop, log};
+    const Time now = std::chrono::floor<std::chrono::minutes>(loop.now());
+    int ticks = 0;
+};
+
+TEST_F(EdsCalendarStoreTest, deliversWhoIsInvitedAsTheInviterWroteIt) {
+    ASSERT_TRUE(Writer().add(
+        vevent("plan@example.com", now + 1h,
+               "SUMMARY:Plan\r\nORGANIZER;CN=Ada:mailto:ada@example.com\r\n"
+               "ATTENDEE;PARTSTAT=ACCEPTED;CN=\"Otter, Pilot\":MAILTO:Meetings@otter.ai\r\n"
+               "ATTENDEE;PARTSTAT=DECLINED:mailto:bo@example.com\r\n") +
+        vevent("off@example.com", now + 2h, "SUMMARY:Off\r\nSTATUS:CANCELLED\r\n") +
+        vevent("past@example.com", now - 1h, "SUMMARY:Past\r\n") +
+        vevent("later@example.com", now + 24h, "SUMMARY:Later\r\n")));
+
+    const auto window = fetch();
+    EXPECT_THAT(window.unread, IsEmpty());
+    using Status = ParticipantStatus;
+    EXPECT_THAT(
+        window.events,
+        ElementsAre(FieldsAre(
+            "plan@example.com", "Plan", now + 1h, now + 90min, false,
+            ElementsAre(
+                FieldsAre("Otter, Pilot", "MAILTO:Meetings@otter.ai", false, Status::accepted),
+                FieldsAre(std::nullopt, "mailto:bo@example.com", false, Status::declined),
+                FieldsAre("Ada", "mailto:ada@example.com", false, Status::unknown)),
+            "Personal")));
+    EXPECT_THAT(store.sources(),
+                testing::Contains(CalendarSource{"On This Computer", CalendarSourceType::local}));
+}
+
+TEST_F(EdsCalendarStoreTest, expandsSeriesWithMovedAndDeletedOccurrences) {
+    const auto first = now + 1h;
+    const auto instead = [&](Time of, Time at) {
+        return vevent("daily", at, "RECURRENCE-ID:" + utc(of) + "\r\n");
+    };
+    ASSERT_TRUE(Writer().add(
+        vevent("daily", first, "RRULE:FREQ=DAILY;COUNT=30\r\nEXDATE:" + utc(first + 24h) + "\r\n") +
+        instead(first + 48h, first + 50h) + instead(first + 72h, first + 24h * 20) +
+        instead(first + 24h * 25, first + 3h)));
+
+    std::vector<Time> starts;
+    for (const auto& event : fetch(24h * 5).events) {
+        EXPECT_EQ(event.eventIdentifier, "daily");
+        starts.push_back(event.start);
+    }
+    EXPECT_THAT(starts, ElementsAre(first, first + 3h, first + 50h, first + 96h));
+}
+
+TEST_F(EdsCalendarStoreTest, tellsThatEventsHaveComeAndGone) {
+    Writer writer;
+    ASSERT_TRUE(writer.add(vevent("old", now + 1h, "SUMMARY:Old\r\n")));
+    int changes = 0;
+    const auto subscription = store.onChange([&] { ++changes; });
+    EXPECT_THAT(titles(), ElementsAre("Old"));
+    ASSERT_TRUE(comesTo([&] { return changes == 1; })) << "the accounts were found";
+
+    ASSERT_TRUE(writer.add(vevent("new", now + 2h, "SUMMARY:New\r\n")));
+    ASSERT_TRUE(comesTo([&] { return changes == 2; }));
+    EXPECT_THAT(titles(), ElementsAre("Old", "New"));
+
+    ASSERT_TRUE(writer.remove("old"));
+    ASSERT_TRUE(comesTo([&] { return changes == 3; }));
+    EXPECT_THAT(titles(), ElementsAre("New"));
+}
+
+TEST_F(EdsCalendarStoreTest, reportsAStoppedServiceWithoutStoppingItself) {
+    ASSERT_TRUE(Writer().add(vevent("plan", now + 1h, "SUMMARY:Plan\r\n")));
+    ASSERT_GT(signalService(SIGSTOP), 0);
+
+    const auto window = fetch();
+    EXPECT_THAT(window.events, IsEmpty());
+    EXPECT_THAT(window.unread,
+                testing::Contains(testing::Field(&UnreadCalendar::calendarName, "Personal")));
+    EXPECT_GT(ticks, 100);
+
+    signalService(SIGCONT);
+    EXPECT_THAT(titles(), ElementsAre("Plan"));
+    EXPECT_EQ(log.count("\"Personal\" can't be read"), 1U);
+    EXPECT_EQ(log.count("\"Personal\" can be read again"), 1U);
+}
+
+TEST_F(EdsCalendarStoreTest, readsOnAfterTheServiceWasKilled) {
+    ASSERT_TRUE(Writer().add(vevent("plan", now + 1h, "SUMMARY:Plan\r\n")));
+    EXPECT_THAT(titles(), ElementsAre("Plan"));
+    ASSERT_GT(signalService(SIGKILL), 0);
+    EXPECT_THAT(titles(), ElementsAre("Plan"));
+}
+
+TEST_F(EdsCalendarStoreTest, saysThatThereIsNoServiceWithoutASessionBus) {
+    ::unsetenv("DBUS_SESSION_BUS_ADDRESS");
+    std::optional<EdsCalendarStore::Service> answer;
+    const auto search = store.findService([&](auto service) { answer = service; });
+    ASSERT_TRUE(comesTo([&] { return answer.has_value(); }));
+    EXPECT_EQ(answer, EdsCalendarStore::Service::absent);
+
+    const auto window = fetch();
+    EXPECT_EQ(window.calendars, 0U);
+    EXPECT_THAT(window.unread, IsEmpty());
+}
+
+TEST(EdsSources, sayInTheirTitlesWhoseTheyAre) {
+    const auto named = [](const char* name, const char* backend, const char* host = "") {
+        return accountNamed(name, {backend, host});
+    };
+    using Type = CalendarSourceType;
+    EXPECT_THAT(named("ada@firm.example", "google"),
+                FieldsAre("Google: ada@firm.example", Type::calDAV));
+    EXPECT_THAT(named("Ada@GMail.com", "google"), FieldsAre("Ada@GMail.com", Type::calDAV));
+    EXPECT_THAT(named("Home", "caldav", "p01-caldav.iCloud.com"),
+                FieldsAre("iCloud: Home", Type::calDAV));
+    EXPECT_THAT(named("Home", "webdav", "dav.example"), FieldsAre("Home", Type::calDAV));
+    EXPECT_THAT(named("Firm", "microsoft365"), FieldsAre("Firm", Type::exchange));
+    EXPECT_THAT(named("Google holidays", "webcal"), FieldsAre("Google holidays", Type::subscribed));
+}
+
+} // namespace
+} // namespace quorva
