@@ -29,6 +29,10 @@ trap leaveNothing EXIT
 trap 'exit 130' INT
 trap 'exit 143' TERM HUP
 
+# For programs with the address sanitizer: what the services' libraries lose.
+export LSAN_OPTIONS="suppressions=$(dirname "$(realpath "$0")")/leaks.supp:print_suppressions=0"
+export ASAN_OPTIONS="fast_unwind_on_malloc=0${ASAN_OPTIONS:+:$ASAN_OPTIONS}"
+
 mkdir -m 700 "$folder/runtime" || exit 1
 unset DISPLAY WAYLAND_DISPLAY DBUS_SESSION_BUS_ADDRESS DBUS_STARTER_ADDRESS DBUS_STARTER_BUS_TYPE
 HOME=$folder \

@@ -3,7 +3,6 @@
 #include "catalogue/Text.h"
 #include "platform/linux/EdsOccurrences.h"
 
-#define LIBICAL_GLIB_UNSTABLE_API 1
 #include <fmt/format.h>
 
 #include <iterator>
@@ -105,14 +104,15 @@ EdsComponents take(GSList* list) {
     return components;
 }
 
-/// The service finds these through an index over time.
+/// The service finds these through an index over time, which takes times without a zone for UTC:
+/// what is written there may be on a clock up to 14 hours from it.
 std::string queryOf(const EdsRequest& request) {
+    constexpr std::chrono::hours margin(14);
     const auto text = [](Time time) {
         return GCharsPtr(isodate_from_time_t(std::chrono::system_clock::to_time_t(time)));
     };
     return fmt::format(R"((occur-in-time-range? (make-time "{}") (make-time "{}")))",
-                       text(request.start).get(),
-                       text(request.end + std::chrono::seconds(1)).get());
+                       text(request.start - margin).get(), text(request.end + margin).get());
 }
 
 /// Whether there may be more to the event than what was found in the period.

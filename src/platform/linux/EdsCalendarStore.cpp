@@ -35,7 +35,14 @@ struct EdsCalendarStore::Fetch {
 };
 
 EdsCalendarStore::EdsCalendarStore(MainLoop& loop_, Log& log_)
-    : loop(loop_), log(log_), registry([this] { noteService(); }, [this] { answers.call(); }) {}
+    : loop(loop_),
+      log(log_),
+      registry(
+          [this] {
+              noteService(registry.problem());
+              noteChange();
+          },
+          [this] { answers.call(); }) {}
 
 EdsCalendarStore::~EdsCalendarStore() {
     while (!fetches.empty())
@@ -194,8 +201,9 @@ void EdsCalendarStore::complete(const FetchPtr& fetch) {
         std::move(reading.events.begin(), reading.events.end(), std::back_inserter(window.events));
     }
     if (fetch->found == Service::failed) {
-        const auto& problem = registry.problem();
-        window.unread.push_back({serviceName, problem.empty() ? noAnswer : problem});
+        const auto problem = registry.problem().empty() ? noAnswer : registry.problem();
+        noteService(problem);
+        window.unread.push_back({serviceName, problem});
         ++window.calendars;
     }
     std::stable_sort(window.events.begin(), window.events.end(),
@@ -221,13 +229,12 @@ void EdsCalendarStore::noteOutcome(const EdsCalendar& calendar, const std::strin
     problems[calendar.identifier] = problem;
 }
 
-void EdsCalendarStore::noteService() {
-    const auto& problem = registry.problem();
-    if (std::exchange(loggedProblem, problem) != problem)
-        log.info(problem.empty() ? "The calendar service is there"
-                                 : fmt::format("No calendar service: {}", printable(problem)),
-                 logCategory::calendar);
-    noteChange();
+void EdsCalendarStore::noteService(const std::string& problem) {
+    if (std::exchange(serviceProblem, problem) == problem)
+        return;
+    log.notice(problem.empty() ? "The calendar service can be reached again"
+                               : fmt::format("No calendar service: {}", printable(problem)),
+               logCategory::calendar);
 }
 
 } // namespace quorva

@@ -55,7 +55,7 @@ private:
     struct Fetch;
     using FetchPtr = std::shared_ptr<Fetch>;
 
-    void noteService();
+    void noteService(const std::string& problem);
     void noteChange();
     void ask(const FetchPtr& fetch);
     void read(const FetchPtr& fetch, std::size_t position);
@@ -71,7 +71,7 @@ private:
     std::map<std::string, std::shared_ptr<const EdsConnection>> connections; // by calendar
     std::map<std::string, std::string> problems; // of the calendars that were not read last time
     std::set<FetchPtr> fetches;
-    std::string loggedProblem;
+    std::string serviceProblem;
     CallbackList<> answers; // the service was found, or is not there
     CallbackList<> changes;
     Timer pendingChange;

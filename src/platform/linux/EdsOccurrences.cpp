@@ -2,7 +2,6 @@
 
 #include "catalogue/Text.h"
 
-#define LIBICAL_GLIB_UNSTABLE_API 1
 #include <algorithm>
 #include <libecal/libecal.h>
 #include <libical/ical.h>

@@ -80,14 +80,14 @@ protected:
         return condition();
     }
 
-    CalendarWindow fetch(Seconds length = 24h) {
+    CalendarWindow fetch(Time start, Time end) {
         std::optional<CalendarWindow> answer;
-        const auto subscription =
-            store.fetchEvents(now, now + std::chrono::duration_cast<Time::duration>(length),
-                              [&](CalendarWindow window) { answer = std::move(window); });
+        const auto subscription = store.fetchEvents(
+            start, end, [&](CalendarWindow window) { answer = std::move(window); });
         EXPECT_TRUE(comesTo([&] { return answer.has_value(); }));
         return answer.value_or(CalendarWindow{});
     }
+    CalendarWindow fetch() { return fetch(now, now + 24h); }
 
     std::vector<std::string> titles() {
         std::vector<std::string> found;
@@ -155,11 +155,31 @@ TEST_F(EdsCalendarStoreTest, expandsSeriesWithMovedAndDeletedOccurrences) {
         instead(first + 24h * 25, first + 3h)));
 
     std::vector<Time> starts;
-    for (const auto& event : fetch(24h * 5).events) {
+    for (const auto& event : fetch(now, now + 24h * 5).events) {
         EXPECT_EQ(event.eventIdentifier, "daily");
         starts.push_back(event.start);
     }
     EXPECT_THAT(starts, ElementsAre(first, first + 3h, first + 50h, first + 96h));
+}
+
+TEST_F(EdsCalendarStoreTest, readsEachClockAsItsOwn) {
+    ::setenv("TZ", "Asia/Tokyo", 1);
+    const auto event = [](const char* uid, const char* times) {
+        return fmt::format("BEGIN:VEVENT\r\nUID:{}\r\nSUMMARY:{}\r\n{}\r\nEND:VEVENT\r\n", uid, uid,
+                           times);
+    };
+    ASSERT_TRUE(Writer().add(event("floating", "DTSTART:20300304T090000\r\nDURATION:PT10M") +
+                             event("day", "DTSTART;VALUE=DATE:20300304") +
+                             event("zone", "DTSTART;TZID=America/New_York:20300303T190500\r\n"
+                                           "DTEND;TZID=Europe/Paris:20300304T013000")));
+
+    const Time midnight = std::chrono::sys_days(std::chrono::year(2030) / 3 / 4);
+    const auto events = fetch(midnight, midnight + 8min).events;
+    ASSERT_EQ(events.size(), 3U);
+    using testing::_;
+    EXPECT_THAT(events[0], FieldsAre("day", _, midnight - 9h, midnight + 15h, true, _, _));
+    EXPECT_THAT(events[1], FieldsAre("floating", _, midnight, midnight + 10min, false, _, _));
+    EXPECT_THAT(events[2], FieldsAre("zone", _, midnight + 5min, midnight + 30min, false, _, _));
 }
 
 TEST_F(EdsCalendarStoreTest, tellsThatEventsHaveComeAndGone) {
