@@ -69,10 +69,10 @@ Subscription EdsCalendarStore::findService(std::function<void(Service)> done) {
     const auto search = std::make_shared<Search>();
     const std::weak_ptr<Search> weak(search); // its subscriptions must not keep it
     search->done = std::move(done);
-    search->answer = answers.add([this, weak] {
+    search->answer = answers.add(lifetime.guard([this, weak] {
         if (const auto waiting = weak.lock())
             waiting->end(registry.state());
-    });
+    }));
     search->deadline = loop.after(patience, lifetime.guard([weak] {
         if (const auto waiting = weak.lock())
             waiting->end(Service::failed);
