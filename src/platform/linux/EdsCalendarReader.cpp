@@ -1,7 +1,7 @@
 #include "platform/linux/EdsCalendarReader.h"
 
 #include "catalogue/Text.h"
-#include "platform/linux/EdsOccurrences.h"
+#include "platform/linux/ICalendarReader.h"
 
 #include <fmt/format.h>
 
@@ -96,8 +96,48 @@ std::set<std::string> addressesOf(const EdsRequest& request, EClient* client,
     return addresses;
 }
 
-EdsComponents take(GSList* list) {
-    EdsComponents components;
+/// The text of a calendar file, put together from what the service gives out.
+class CalendarText {
+public:
+    CalendarText(ECalClient* client_, GCancellable* cancellable_)
+        : client(client_), cancellable(cancellable_) {}
+
+    void add(ECalComponent* component) {
+        if (const GCharsPtr event(e_cal_component_get_as_string(component)); event)
+            text += event.get();
+        i_cal_component_foreach_tzid(e_cal_component_get_icalcomponent(component), addZone, this);
+    }
+
+    [[nodiscard]] std::string finish() const {
+        return "BEGIN:VCALENDAR\r\n" + text + "END:VCALENDAR\r\n";
+    }
+
+private:
+    /// Zones that are not the world's but the inviting program's own are defined by the calendar.
+    static void addZone(ICalParameter* parameter, gpointer data) {
+        auto& self = *static_cast<CalendarText*>(data);
+        const auto* const name = i_cal_parameter_get_tzid(parameter);
+        if (!name || !self.zones.insert(name).second || zoneOfName(name))
+            return;
+        ICalTimezone* zone = nullptr;
+        if (!e_cal_client_get_timezone_sync(self.client, name, &zone, self.cancellable, nullptr) ||
+            !zone)
+            return;
+        const GObjectPtr<ICalComponent> definition(i_cal_timezone_get_component(zone));
+        if (definition)
+            self.text += GCharsPtr(i_cal_component_as_ical_string(definition.get())).get();
+    }
+
+    ECalClient* client;
+    GCancellable* cancellable;
+    std::string text;
+    std::set<std::string> zones;
+};
+
+using Components = std::vector<GObjectPtr<ECalComponent>>;
+
+Components take(GSList* list) {
+    Components components;
     for (const auto* link = list; link; link = link->next)
         components.emplace_back(static_cast<ECalComponent*>(link->data));
     g_slist_free(list);
@@ -120,39 +160,32 @@ bool isOfSeries(ECalComponent* component) {
     return e_cal_component_has_recurrences(component) || e_cal_component_is_instance(component);
 }
 
-/// Reads what the calendar has in the period. Of a series, the service gives the parts that fall
-/// into the period; where an occurrence was moved out of it only the whole series says.
-std::optional<std::string> readEvents(const EdsReadingContext& context, const std::string& query,
-                                      GCancellable* cancellable,
-                                      std::vector<CalendarEvent>& events) {
+/// Fetches what the calendar has in the period; a failure's text. Of a series, the service gives
+/// the parts that fall into the period; where an occurrence was moved out of it only the whole
+/// series says.
+std::optional<std::string> fetch(ECalClient* client, const std::string& query, CalendarText& text,
+                                 GCancellable* cancellable) {
     Failure failure;
     GSList* list = nullptr;
-    if (!e_cal_client_get_object_list_as_comps_sync(context.client, query.c_str(), &list,
-                                                    cancellable, &failure.error))
+    if (!e_cal_client_get_object_list_as_comps_sync(client, query.c_str(), &list, cancellable,
+                                                    &failure.error))
         return failure.text();
-
-    const auto add = [&](const EdsComponents& event) {
-        auto occurrences = occurrencesOf(event, context, cancellable);
-        std::move(occurrences.begin(), occurrences.end(), std::back_inserter(events));
-    };
     std::set<std::string> series;
-    for (auto& component : take(list)) {
-        if (isOfSeries(component.get())) {
+    for (const auto& component : take(list)) {
+        if (isOfSeries(component.get()))
             series.insert(e_cal_component_get_uid(component.get()));
-            continue;
-        }
-        EdsComponents single;
-        single.push_back(std::move(component));
-        add(single);
+        else
+            text.add(component.get());
     }
     for (const auto& identifier : series) {
-        if (!e_cal_client_get_objects_for_uid_sync(context.client, identifier.c_str(), &list,
-                                                   cancellable, &failure.error)) {
+        if (!e_cal_client_get_objects_for_uid_sync(client, identifier.c_str(), &list, cancellable,
+                                                   &failure.error)) {
             if (failure.isAbsence())
                 continue; // deleted meanwhile
             return failure.text();
         }
-        add(take(list));
+        for (const auto& component : take(list))
+            text.add(component.get());
     }
     return std::nullopt;
 }
@@ -160,15 +193,18 @@ std::optional<std::string> readEvents(const EdsReadingContext& context, const st
 EdsReading readThrough(std::shared_ptr<const EdsConnection> connection, const EdsRequest& request,
                        GCancellable* cancellable) {
     auto* const client = connection->client.get();
+    CalendarText text(client, cancellable);
     EdsReading reading;
-    reading.failure =
-        readEvents({.client = client,
-                    .calendarName = request.calendar.name,
-                    .ownAddresses = addressesOf(request, E_CLIENT(client), cancellable),
-                    .start = request.start,
-                    .end = request.end},
-                   queryOf(request), cancellable, reading.events);
-    if (!reading.failure && connection->view)
+    reading.failure = fetch(client, queryOf(request), text, cancellable);
+    if (reading.failure)
+        return reading;
+    const auto addresses = addressesOf(request, E_CLIENT(client), cancellable);
+    const auto calendar =
+        readICalendar(text.finish(), {.floating = userZone().zone,
+                                      .userAddresses = {addresses.begin(), addresses.end()}});
+    reading.events =
+        occurrencesOf(calendar, request.start, request.end, request.calendar.name).events;
+    if (connection->view)
         reading.connection = std::move(connection);
     return reading;
 }
