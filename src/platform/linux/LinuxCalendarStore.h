@@ -1,0 +1,37 @@
+// All of the user's calendars: those of the desktop's calendar service and those in folders of .ics
+// files, as one store.
+#pragma once
+
+#include "platform/CalendarStore.h"
+#include "platform/linux/EdsCalendarStore.h"
+#include "platform/linux/IcsFolderStore.h"
+
+namespace quorva {
+
+class LinuxCalendarStore final : public CalendarStore {
+public:
+    /// `consent` tells what the user allows, and asks. The loop and the log must outlive this.
+    LinuxCalendarStore(MainLoop& loop, Log& log, IcsPlaces places, CalendarConsent consent);
+
+    /// Restricted, whatever the user allows, once it is known that there is neither a calendar
+    /// service nor a folder.
+    [[nodiscard]] CalendarAuthorization authorizationStatus() const override;
+    void requestFullAccess(std::function<void(AccessAnswer)> done) override;
+    [[nodiscard]] Subscription fetchEvents(Time start, Time end,
+                                           std::function<void(CalendarWindow)> done) override;
+
+    /// The service's accounts, then the folders.
+    [[nodiscard]] std::vector<CalendarSource> sources() const override;
+    [[nodiscard]] Subscription onChange(Task callback) override;
+
+private:
+    struct Request;
+
+    static void take(const std::weak_ptr<Request>& request, CalendarWindow part);
+
+    const CalendarConsent consent;
+    EdsCalendarStore service;
+    IcsFolderStore folders;
+};
+
+} // namespace quorva
