@@ -5,8 +5,12 @@
 #include "platform/linux/GLibMainLoop.h"
 #include "platform/linux/JournalLog.h"
 #include "platform/linux/LinuxApplications.h"
+#include "platform/linux/LinuxCalendarStore.h"
 #include "platform/linux/LinuxFileSystem.h"
 #include "platform/linux/LinuxProcessTable.h"
+#include "platform/linux/LinuxWholeFile.h"
+#include "platform/linux/OpenSslSha256.h"
+#include "platform/linux/PreferencesFormat.h"
 #include "platform/linux/SystemdUnitSignals.h"
 #include "scan/Scan.h"
 
@@ -27,8 +31,51 @@ using namespace quorva;
 constexpr int wrongUse = 2;
 constexpr int notLookedAt = 3;
 
+/// Where the calendars in files are, as far as that can be found out.
+struct CalendarFolders {
+    IcsPlaces places;
+    std::vector<UnreadCalendar> lost;
+};
+
+/// The usual place, and the folders that the preferences name. The preferences are only read here:
+/// where they can't be, that is reported, and left for the application to put right.
+CalendarFolders calendarFolders() {
+    CalendarFolders folders{
+        .places = {.root = std::filesystem::path(g_get_user_data_dir()) / "calendars"}};
+    const LinuxWholeFile file(std::filesystem::path(g_get_user_config_dir()) / "quorva" /
+                              "preferences.json");
+    std::error_code error;
+    const auto content = file.read(error);
+    if (!content && !error)
+        return folders;
+    auto fault = error.message();
+    const auto document =
+        content ? PreferencesDocument::parse(content->bytes, fault) : std::nullopt;
+    if (!document) {
+        folders.lost.push_back({"the folders named in the preferences", fault});
+        return folders;
+    }
+    const auto values = document->values();
+    if (const auto named = values.find("calendarFolders"); named != values.end())
+        if (const auto* const list = std::get_if<std::vector<std::string>>(&named->second))
+            folders.places.folders.assign(list->begin(), list->end());
+    return folders;
+}
+
+/// Naming the calendars on the command line is the user's consent to looking at them.
+CalendarConsent consentOf(const ScanOptions& options) {
+    CalendarConsent consent;
+    if (!options.namesSources)
+        consent.status = [] { return CalendarAuthorization::notDetermined; };
+    return consent;
+}
+
 /// The services of this computer, as one look or a watch needs them.
 struct LinuxServices {
+    explicit LinuxServices(const ScanOptions& options, CalendarFolders folders = calendarFolders())
+        : calendars(loop, log, std::move(folders.places), consentOf(options),
+                    std::move(folders.lost)) {}
+
     GLibMainLoop loop;
     JournalLog journal;
     LinuxFileSystem files;
@@ -36,7 +83,8 @@ struct LinuxServices {
     LinuxProcessTable processTable{loop, log};
     DesktopEntries entries{loop, log, DesktopEntries::standardPlaces()};
     LinuxApplications applications{loop, processTable, entries, ApplicationScopes()};
-    Platform platform{loop, log, processTable, applications};
+    LinuxCalendarStore calendars;
+    Platform platform{loop, log, processTable, applications, calendars, openSslSha256};
 };
 
 void startLogFile(LinuxServices& services) {
@@ -48,7 +96,13 @@ void startLogFile(LinuxServices& services) {
 }
 
 int lookOnce(const ScanOptions& options, LinuxServices& services) {
-    const auto report = look(options, services.platform);
+    Scan scan(options, services.platform);
+    ScanReport report;
+    scan.look([&](ScanReport found) {
+        report = std::move(found);
+        services.loop.quit();
+    });
+    services.loop.run();
     fmt::print("{}", options.json ? dump(report.toJson()) + "\n" : report.toText());
     return report.exitStatus();
 }
@@ -70,22 +124,27 @@ int watch(const ScanOptions& options, LinuxServices& services) {
             std::move(bus), [&] { services.applications.noteLaunch(); },
             [&] { services.applications.noteQuit(); });
     }
-    ScanWatch scanWatch(options, services.platform, [](const std::string& line) {
+    Scan scan(options, services.platform);
+    int status = 0;
+    const auto print = [](const std::string& line) {
         fmt::print("{}\n", line);
         std::fflush(stdout);
+    };
+    scan.watch(print, [&](const std::vector<SourceReport>& reports) {
+        const auto isWatched = [](const SourceReport& report) {
+            return report.status == SourceStatus::ok;
+        };
+        for (const auto& report : reports)
+            if (!isWatched(report))
+                fmt::print(stderr, "quorva-scan: the source {} is not watched: {}\n",
+                           nameOf(report.source), report.detail);
+        if (std::none_of(reports.begin(), reports.end(), isWatched)) {
+            status = notLookedAt;
+            quit();
+        }
     });
-    const auto reports = scanWatch.start();
-    for (const auto& report : reports)
-        if (report.status != SourceStatus::ok)
-            fmt::print(stderr, "quorva-scan: the source {} is not watched: {}\n",
-                       nameOf(report.source), report.detail);
-    const bool watchesSomething = std::any_of(
-        reports.begin(), reports.end(), [](const auto& r) { return r.status == SourceStatus::ok; });
-    if (!watchesSomething)
-        return notLookedAt;
-
     services.loop.run();
-    return 0;
+    return status;
 }
 
 int run(const std::vector<std::string_view>& arguments) {
@@ -98,7 +157,7 @@ int run(const std::vector<std::string_view>& arguments) {
         fmt::print("{}", options->help ? scanUsage() : "quorva-scan " QUORVA_VERSION "\n");
         return 0;
     }
-    LinuxServices services;
+    LinuxServices services(*options);
     return options->watch ? watch(*options, services) : lookOnce(*options, services);
 }
 

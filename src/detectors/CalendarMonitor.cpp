@@ -190,6 +190,7 @@ void CalendarMonitor::complete(const CalendarWindow& window, Time now) {
     std::stable_sort(fresh.begin(), fresh.end(), [](const auto& a, const auto& b) {
         return a.eventStartDate < b.eventStartDate;
     });
+    calendarCount = window.calendars;
     reportUnread(window.unread);
     calendarDetections = std::move(fresh);
     lastScanDate = now;

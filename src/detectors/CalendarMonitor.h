@@ -49,6 +49,8 @@ public:
     Published<CalendarAuthorization> authorizationStatus;
     /// When the last completed scan began.
     Published<std::optional<Time>> lastScanDate;
+    /// How many calendars the last scan asked, the unread ones included.
+    Published<std::size_t> calendarCount;
     /// The calendars that the last scan could not read. What was found in them before stays listed
     /// until its event has ended.
     Published<std::vector<UnreadCalendar>> unreadCalendars;

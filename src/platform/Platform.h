@@ -3,9 +3,11 @@
 #pragma once
 
 #include "platform/Applications.h"
+#include "platform/CalendarStore.h"
 #include "platform/Log.h"
 #include "platform/MainLoop.h"
 #include "platform/ProcessTable.h"
+#include "platform/Sha256.h"
 
 namespace quorva {
 
@@ -14,6 +16,8 @@ struct Platform {
     Log& log;
     ProcessTable& processTable;
     Applications& applications;
+    CalendarStore& calendars;
+    Sha256 sha256;
 };
 
 } // namespace quorva

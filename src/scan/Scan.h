@@ -1,8 +1,10 @@
 // What quorva-scan does with its options: one look, or a watch. Main thread only.
 #pragma once
 
+#include "detectors/CalendarMonitor.h"
 #include "detectors/ProcessMonitor.h"
 #include "platform/Platform.h"
+#include "scan/NoPreferences.h"
 #include "scan/ScanOptions.h"
 #include "scan/ScanReport.h"
 
@@ -12,26 +14,38 @@
 
 namespace quorva {
 
-/// Looks once at each source asked for. What cannot be looked at is reported as such.
-[[nodiscard]] ScanReport look(const ScanOptions& options, Platform& platform);
-
-/// Keeps looking, and prints a line of JSON for each product that appears or disappears.
-class ScanWatch {
+/// One look or one watch at the sources asked for. Nothing is stored. What cannot be looked at is
+/// reported as such.
+class Scan {
 public:
     /// Takes one line, without a line feed.
     using Print = std::function<void(const std::string& line)>;
 
-    /// `platform` must outlive the watch. Nothing is looked at yet.
-    ScanWatch(const ScanOptions& options, Platform& platform, Print print);
+    /// The platform's services must outlive the scan. Nothing is looked at yet.
+    Scan(const ScanOptions& options, Platform& platform);
 
-    /// Looks for the first time, and from now on by itself. Returns what came of each source.
-    [[nodiscard]] std::vector<SourceReport> start();
+    /// Looks at each source, and calls `done` once, as a task of the main loop.
+    void look(std::function<void(ScanReport)> done);
+
+    /// Keeps looking, and prints a line of JSON for each product that appears or disappears. Calls
+    /// `done` once, as a task of the main loop, with what came of the first look at each source.
+    void watch(Print print, std::function<void(std::vector<SourceReport>)> done);
 
 private:
+    void whenCalendarsAnswered(Task next);
+    void finish();
+    [[nodiscard]] std::vector<SourceReport> reports() const;
+    [[nodiscard]] SourceReport processReport() const;
+    [[nodiscard]] SourceReport calendarReport() const;
+
     const ScanOptions options;
     MainLoop& loop;
+    NoPreferences preferences;
     ProcessMonitor processes;
-    const Print print;
+    CalendarMonitor calendar;
+    Task finished; ///< once, when every source has been looked at
+    std::vector<Subscription> subscriptions;
+    Lifetime lifetime;
 };
 
 } // namespace quorva

@@ -69,6 +69,7 @@ ParsedOptions parseScanOptions(const std::vector<std::string_view>& arguments) {
                 "there is no source \"{}\": the sources are process, calendar and meeting",
                 *source));
         options.sources.push_back(*known);
+        options.namesSources = true;
     }
     if (options.sources.empty())
         options.sources.assign(everySource.begin(), everySource.end());
@@ -83,7 +84,8 @@ std::string_view scanUsage() {
 
 Looks once for AI note-takers, recorders and sales assistants, and says what it found.
 
-  --source NAME  look there only; may be given more than once (default: everywhere)
+  --source NAME  look there only; may be given more than once (default: everywhere). Calendars
+                 are read only when they are named.
   --json         print one JSON object instead of a table
   --watch        keep looking, and print a line of JSON for each product that appears or disappears,
                  until interrupted

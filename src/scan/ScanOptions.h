@@ -20,6 +20,7 @@ struct ScanOptions {
     bool help = false;
     bool version = false;
     std::vector<ScanSource> sources; ///< each once, in the order of the enumeration
+    bool namesSources = false;       ///< the user has named them: consent to this one look
 
     [[nodiscard]] bool asksFor(ScanSource source) const;
 };

@@ -1,12 +1,12 @@
 #include "scan/ScanReport.h"
 
+#include "catalogue/CalendarBotDatabase.h"
 #include "catalogue/Text.h"
 
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
-#include <array>
 
 namespace quorva {
 namespace {
@@ -36,27 +36,74 @@ std::string_view howMatched(const DetectedBot& bot) {
     }
 }
 
-constexpr std::size_t columns = 6;
-using Row = std::array<std::string, columns>;
+/// What of an attendee gave the bot away.
+std::string_view howMatched(const CalendarBotDetection& invitation) {
+    if (invitation.category == BotCategory::unknown)
+        return "mailbox name";
+    return CalendarBotDatabase::shared().matchEmail(invitation.matchedEmail) ? "attendee's address"
+                                                                             : "attendee's name";
+}
 
+std::string matchedValue(const CalendarBotDetection& invitation) {
+    const bool isByName = howMatched(invitation) == "attendee's name";
+    return isByName ? invitation.matchedName.value_or("") : invitation.matchedEmail;
+}
+
+using Row = std::vector<std::string>;
+
+/// Rows as aligned columns, and an empty line; nothing when there is a heading only.
 std::string table(const std::vector<Row>& rows) {
-    std::array<std::size_t, columns> widths{};
+    if (rows.size() < 2)
+        return {};
+    std::vector<std::size_t> widths(rows.front().size());
     for (const auto& row : rows)
-        for (std::size_t column = 0; column < columns; ++column)
+        for (std::size_t column = 0; column < row.size(); ++column)
             widths[column] = std::max(widths[column], row[column].size());
     std::string text;
     for (const auto& row : rows) {
-        for (std::size_t column = 0; column + 1 < columns; ++column)
+        for (std::size_t column = 0; column + 1 < row.size(); ++column)
             text += fmt::format("{:<{}}  ", row[column], widths[column]);
         text += row.back() + "\n";
     }
-    return text;
+    return text + "\n";
+}
+
+std::string processTable(const std::vector<DetectedBot>& bots) {
+    std::vector<Row> rows{
+        {"PRODUCT", "CATEGORY", "CONFIDENCE", "PROCESS", "MATCHED BY", "MATCHED VALUE"}};
+    for (const auto& bot : bots)
+        rows.push_back({bot.name, std::string(displayName(bot.category)),
+                        fmt::format("{} %", bot.confidence),
+                        fmt::format("{}", bot.processIdentifier), std::string(howMatched(bot)),
+                        printable(bot.matchedValue)});
+    return table(rows);
+}
+
+std::string invitationTable(const std::vector<CalendarBotDetection>& invitations, Time now) {
+    std::vector<Row> rows{
+        {"INVITED", "CATEGORY", "CONFIDENCE", "STARTS", "MATCHED BY", "MATCHED VALUE", "CALENDAR"}};
+    for (const auto& invitation : invitations) {
+        const auto start = invitation.timeUntilStartLabel(now);
+        rows.push_back({invitation.botName, std::string(displayName(invitation.category)),
+                        fmt::format("{} %", invitation.confidence),
+                        start == "now" ? start : "in " + start, std::string(howMatched(invitation)),
+                        printable(matchedValue(invitation)), printable(invitation.calendarName)});
+    }
+    return table(rows);
+}
+
+template <typename Detection>
+Json describeEach(const std::vector<Detection>& detections) {
+    Json list = Json::array();
+    for (const auto& detection : detections)
+        list.push_back(describe(detection));
+    return list;
 }
 
 } // namespace
 
 int ScanReport::exitStatus() const {
-    if (!processes.empty())
+    if (!processes.empty() || !invitations.empty())
         return 1;
     const bool isComplete = std::all_of(sources.begin(), sources.end(), [](const auto& report) {
         return report.status == SourceStatus::ok;
@@ -70,39 +117,26 @@ Json ScanReport::toJson() const {
     for (const auto& report : sources)
         looked[std::string(quorva::nameOf(report.source))] = {{"status", nameOf(report.status)},
                                                               {"detail", report.detail}};
-    Json bots = Json::array();
-    for (const auto& bot : processes)
-        bots.push_back(describe(bot));
     return {{"version", 1},
             {"verdict", status == 1   ? "found"
                         : status == 3 ? "incomplete"
                                       : "clear"},
             {"sources", std::move(looked)},
             {"detections",
-             {{"process", std::move(bots)},
-              {"calendar", Json::array()},
+             {{"process", describeEach(processes)},
+              {"calendar", describeEach(invitations)},
               {"participants", Json::array()},
               {"indicators", Json::array()}}}};
 }
 
 std::string ScanReport::toText() const {
-    std::string text;
-    if (!processes.empty()) {
-        std::vector<Row> rows{
-            {"PRODUCT", "CATEGORY", "CONFIDENCE", "PROCESS", "MATCHED BY", "MATCHED VALUE"}};
-        for (const auto& bot : processes)
-            rows.push_back({bot.name, std::string(displayName(bot.category)),
-                            fmt::format("{} %", bot.confidence),
-                            fmt::format("{}", bot.processIdentifier), std::string(howMatched(bot)),
-                            printable(bot.matchedValue)});
-        text += table(rows) + "\n";
-    }
+    std::string text = processTable(processes) + invitationTable(invitations, lookedAt);
     switch (exitStatus()) {
     case 0:
         text += "Nothing found.\n";
         break;
     case 1:
-        text += fmt::format("Found: {}.\n", processes.size());
+        text += fmt::format("Found: {}.\n", processes.size() + invitations.size());
         break;
     default:
         text += "Nothing found, but not everything could be looked at.\n";
@@ -123,6 +157,22 @@ Json describe(const DetectedBot& bot) {
             {"processIdentifier", bot.processIdentifier},
             {"matchedValue", bot.matchedValue},
             {"detectedAt", iso8601(bot.detectedAt)}};
+}
+
+Json describe(const CalendarBotDetection& invitation) {
+    return {{"id", invitation.id},
+            {"signatureId", invitation.signatureId},
+            {"botName", invitation.botName},
+            {"category", rawValue(invitation.category)},
+            {"confidence", invitation.confidence},
+            {"matchedEmail", invitation.matchedEmail},
+            {"matchedName", invitation.matchedName ? Json(*invitation.matchedName) : Json()},
+            {"eventTitle", invitation.eventTitle},
+            {"eventStartDate", iso8601(invitation.eventStartDate)},
+            {"eventEndDate", iso8601(invitation.eventEndDate)},
+            {"eventIdentifier", invitation.eventIdentifier},
+            {"calendarName", invitation.calendarName},
+            {"detectedAt", iso8601(invitation.detectedAt)}};
 }
 
 std::string watchLine(std::string_view event, ScanSource source, const Json& detection, Time at) {

@@ -29,7 +29,9 @@ struct SourceReport {
 
 struct ScanReport {
     std::vector<SourceReport> sources; ///< those asked for
+    Time lookedAt;
     std::vector<DetectedBot> processes;
+    std::vector<CalendarBotDetection> invitations;
 
     /// 1 when something was found; else 3 when a source could not be looked at; else 0.
     [[nodiscard]] int exitStatus() const;
@@ -44,6 +46,7 @@ struct ScanReport {
 
 /// A detection with the fields of its record, enumerations as raw values, dates as ISO 8601 UTC.
 [[nodiscard]] nlohmann::ordered_json describe(const DetectedBot& bot);
+[[nodiscard]] nlohmann::ordered_json describe(const CalendarBotDetection& invitation);
 
 /// One line of a watch, without a line feed.
 [[nodiscard]] std::string watchLine(std::string_view event, ScanSource source,

@@ -1,5 +1,6 @@
 #include "scan/Scan.h"
 
+#include "support/FakeCalendarStore.h"
 #include "support/FakeProcesses.h"
 #include "support/RecordingLog.h"
 #include "support/VirtualMainLoop.h"
@@ -39,37 +40,124 @@ class ScanTest : public testing::Test {
 protected:
     ScanTest() { table.run(1, "/sbin/init"); }
 
-    static ScanOptions processOnly() { return {.sources = {ScanSource::process}}; }
+    static ScanOptions only(ScanSource source) {
+        return {.sources = {source}, .namesSources = true};
+    }
+
+    ScanReport look(const ScanOptions& options) {
+        Scan scan(options, platform);
+        std::optional<ScanReport> report;
+        scan.look([&](ScanReport found) { report = std::move(found); });
+        EXPECT_FALSE(report) << "the answer is a task of the main loop";
+        loop.runPosted();
+        return report.value();
+    }
+
+    void invite(std::string url, std::optional<std::string> name = {}) {
+        calendars.events.push_back(
+            {.eventIdentifier = "uid-" + std::to_string(calendars.events.size()),
+             .title = "Secret merger",
+             .start = loop.now() + 119min,
+             .end = loop.now() + 3h,
+             .attendees = {{.name = std::move(name), .url = std::move(url)}},
+             .calendarName = "Work"});
+    }
 
     VirtualMainLoop loop;
     RecordingLog log;
     FakeProcessTable table;
     FakeApplications applications;
-    Platform platform{loop, log, table, applications};
+    FakeCalendarStore calendars;
+    Platform platform{loop, log, table, applications, calendars, [](std::string_view text) {
+                          Sha256Digest digest{};
+                          std::copy_n(text.begin(), std::min(text.size(), digest.size()),
+                                      digest.begin());
+                          return digest;
+                      }};
+    const ScanOptions processOnly = only(ScanSource::process);
+    const ScanOptions calendarOnly = only(ScanSource::calendar);
 };
 
 TEST_F(ScanTest, tellsClearFoundAndIncompleteApart) {
-    EXPECT_EQ(look(processOnly(), platform).exitStatus(), 0);
-    EXPECT_EQ(look(processOnly(), platform).toJson()["verdict"], "clear");
+    EXPECT_EQ(look(processOnly).exitStatus(), 0);
+    EXPECT_EQ(look(processOnly).toJson()["verdict"], "clear");
 
     const auto everything = *parseScanOptions({}).options;
-    EXPECT_EQ(look(everything, platform).exitStatus(), 3);
-    EXPECT_EQ(look(everything, platform).toJson()["verdict"], "incomplete");
+    EXPECT_EQ(look(everything).exitStatus(), 3);
+    EXPECT_EQ(look(everything).toJson()["verdict"], "incomplete");
 
     table.canBeListed = false;
-    const auto blind = look(processOnly(), platform);
+    const auto blind = look(processOnly);
     EXPECT_EQ(blind.exitStatus(), 3);
     EXPECT_EQ(blind.toJson()["sources"]["process"]["status"], "unavailable");
     EXPECT_THAT(blind.toText(), HasSubstr("not everything could be looked at"));
 
     table.canBeListed = true;
     table.run(7, "/usr/bin/otter");
-    EXPECT_EQ(look(everything, platform).exitStatus(), 1) << "a finding outweighs a gap";
+    EXPECT_EQ(look(everything).exitStatus(), 1) << "a finding outweighs a gap";
+}
+
+TEST_F(ScanTest, findsInvitationsAndSaysWhatGaveThemAway) {
+    invite("mailto:notetaker@otter.ai");
+    invite("mailto:x@example.org", "Fathom Notetaker");
+    invite("mailto:scribe-7@example.org");
+    const auto report = look(calendarOnly);
+    EXPECT_EQ(report.exitStatus(), 1);
+    const auto otter = report.toJson()["detections"]["calendar"][0];
+    EXPECT_EQ(otter["signatureId"], "otter-cal");
+    EXPECT_EQ(otter["confidence"], 100);
+    EXPECT_EQ(otter["eventTitle"], "Calendar Event");
+    EXPECT_EQ(otter["eventStartDate"], "2026-03-02T10:59:00.000Z");
+    EXPECT_EQ(otter["matchedName"], nullptr);
+    EXPECT_EQ(report.toText(),
+              "INVITED                   CATEGORY       CONFIDENCE  STARTS     MATCHED BY          "
+              "MATCHED VALUE         CALENDAR\n"
+              "Otter.ai                  Transcription  100 %       in 1h 59m  attendee's address  "
+              "notetaker@otter.ai    Work\n"
+              "Fathom                    Transcription  70 %        in 1h 59m  attendee's name     "
+              "Fathom Notetaker      Work\n"
+              "Unknown Bot (scribe@...)  Unknown        55 %        in 1h 59m  mailbox name        "
+              "scribe-7@example.org  Work\n"
+              "\nFound: 3.\n"
+              "  calendar  ok           looked at the next 24 hours; calendars: 2\n");
+}
+
+TEST_F(ScanTest, saysWhyCalendarsCouldNotBeLookedAt) {
+    calendars.status = CalendarAuthorization::notDetermined;
+    const auto unasked = look(calendarOnly);
+    EXPECT_EQ(unasked.sources.at(0).status, SourceStatus::noAccess);
+    EXPECT_THAT(unasked.sources.at(0).detail, HasSubstr("--source calendar"));
+    EXPECT_TRUE(calendars.fetches.empty());
+
+    calendars.status = CalendarAuthorization::restricted;
+    const auto none = look(calendarOnly);
+    EXPECT_EQ(none.exitStatus(), 3);
+    EXPECT_THAT(none.sources.at(0).detail, HasSubstr("install evolution-data-server"));
+
+    calendars.status = CalendarAuthorization::fullAccess;
+    calendars.unread = {{"Team", "no answer"}};
+    const auto partly = look(calendarOnly);
+    EXPECT_EQ(partly.exitStatus(), 3) << "nothing found in a part is no all clear";
+    EXPECT_EQ(partly.sources.at(0).detail, "calendars that can't be read: 1 of 2; Team: no answer");
+}
+
+TEST_F(ScanTest, learnsThatThereAreNoCalendarsOnlyWhenTheyAnswer) {
+    calendars.answersAtOnce = false;
+    Scan scan(calendarOnly, platform);
+    std::optional<ScanReport> report;
+    scan.look([&](ScanReport found) { report = std::move(found); });
+    loop.advance(5s);
+    EXPECT_FALSE(report);
+    calendars.status = CalendarAuthorization::restricted;
+    calendars.answerFetch();
+    loop.runPosted();
+    ASSERT_TRUE(report);
+    EXPECT_EQ(report->sources.at(0).status, SourceStatus::unavailable);
 }
 
 TEST_F(ScanTest, describesEachDetectionWithItsFields) {
     table.run(7, "/opt/a\xff/Otter.app/x");
-    const auto json = Json::parse(dump(look(processOnly(), platform).toJson()));
+    const auto json = Json::parse(dump(look(processOnly).toJson()));
     EXPECT_EQ(json["version"], 1);
     EXPECT_EQ(json["detections"]["process"][0], Json::parse(R"({"id":"otter-7",
         "signatureId":"otter","name":"Otter.ai","category":"transcription","confidence":95,
@@ -81,7 +169,7 @@ TEST_F(ScanTest, describesEachDetectionWithItsFields) {
 TEST_F(ScanTest, printsATableThatAFileNameCannotBreak) {
     table.run(7, "/tmp/otter.app/\n\x1b[2Jx");
     table.run(12345, "/usr/bin/clockwise");
-    EXPECT_EQ(look(processOnly(), platform).toText(),
+    EXPECT_EQ(look(processOnly).toText(),
               "PRODUCT    CATEGORY       CONFIDENCE  PROCESS  MATCHED BY       MATCHED VALUE\n"
               "Otter.ai   Transcription  95 %        7        executable path  "
               "/tmp/otter.app/\\n\\u001b[2Jx\n"
@@ -92,21 +180,32 @@ TEST_F(ScanTest, printsATableThatAFileNameCannotBreak) {
 
 TEST_F(ScanTest, watchPrintsAppearancesAndDisappearancesOnce) {
     std::vector<Json> lines;
-    ScanWatch watch(processOnly(), platform,
-                    [&](const std::string& line) { lines.push_back(Json::parse(line)); });
-    EXPECT_EQ(watch.start().at(0).status, SourceStatus::ok);
+    std::vector<SourceReport> reports;
+    Scan scan({.sources = {ScanSource::process, ScanSource::calendar}, .namesSources = true},
+              platform);
+    scan.watch([&](const std::string& line) { lines.push_back(Json::parse(line)); },
+               [&](std::vector<SourceReport> first) { reports = std::move(first); });
     loop.advance(10s);
+    ASSERT_EQ(reports.size(), 2U);
+    EXPECT_EQ(reports[1].status, SourceStatus::ok);
     EXPECT_TRUE(lines.empty());
     table.run(7, "/usr/bin/otter");
     loop.advance(3s);
     table.end(7);
     loop.advance(60s);
-    ASSERT_EQ(lines.size(), 2U);
+    invite("mailto:notetaker@otter.ai");
+    calendars.changes.call();
+    calendars.events.clear();
+    loop.advance(300s);
+    ASSERT_EQ(lines.size(), 4U);
     EXPECT_EQ(lines[0]["event"], "appeared");
     EXPECT_EQ(lines[0]["source"], "process");
     EXPECT_EQ(lines[0]["at"], "2026-03-02T09:00:12.000Z");
     EXPECT_EQ(lines[1]["event"], "disappeared");
     EXPECT_EQ(lines[1]["detection"], lines[0]["detection"]);
+    EXPECT_EQ(lines[2]["source"], "calendar");
+    EXPECT_EQ(lines[2]["detection"]["botName"], "Otter.ai");
+    EXPECT_EQ(lines[3]["event"], "disappeared");
 }
 
 } // namespace

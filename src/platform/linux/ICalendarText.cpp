@@ -1,6 +1,6 @@
 #include "platform/linux/ICalendarText.h"
 
-#include "platform/linux/Handles.h"
+#include "platform/linux/Utf8.h"
 
 #include <algorithm>
 #include <charconv>
@@ -17,13 +17,6 @@ bool isDigit(char c) {
 
 char upper(char c) {
     return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
-}
-
-std::string validUtf8(std::string_view bytes) {
-    if (g_utf8_validate_len(bytes.data(), bytes.size(), nullptr))
-        return std::string(bytes);
-    const GCharsPtr valid(g_utf8_make_valid(bytes.data(), static_cast<gssize>(bytes.size())));
-    return valid.get();
 }
 
 /// The number that `digits` spells; nothing for anything but digits.
@@ -157,12 +150,6 @@ std::string upperCased(std::string_view text) {
     std::string capitals(text);
     std::transform(capitals.begin(), capitals.end(), capitals.begin(), upper);
     return capitals;
-}
-
-std::string_view trimmed(std::string_view text) {
-    constexpr std::string_view blanks = " \t\r\n";
-    text.remove_prefix(std::min(text.find_first_not_of(blanks), text.size()));
-    return text.substr(0, text.find_last_not_of(blanks) + 1);
 }
 
 std::string unescapedText(std::string_view value) {

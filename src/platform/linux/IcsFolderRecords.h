@@ -1,24 +1,26 @@
 // What is kept of folders and their files between two looks; for the sources of IcsFolders only.
 #pragma once
 
+#include "catalogue/Text.h"
 #include "platform/linux/IcsFolders.h"
+#include "platform/linux/Utf8.h"
 
 #include <sys/stat.h>
 
 namespace quorva {
 
 /// What tells whether a file or folder is the one that was read.
-struct FileStamp {
+struct IcsStamp {
     dev_t device = 0;
     ino_t inode = 0;
     off_t size = 0;
     Time modified = Time::min();
 
-    bool operator==(const FileStamp&) const = default;
+    bool operator==(const IcsStamp&) const = default;
 };
 
 struct IcsFolders::File {
-    FileStamp stamp;
+    IcsStamp stamp;
     bool isSettled = false;
     std::optional<std::string> failure; ///< why it could not be read
     std::unique_ptr<const ICalendar> calendar;
@@ -30,7 +32,7 @@ struct IcsFolders::File {
 
 struct IcsFolders::Folder {
     Path path;
-    FileStamp stamp;
+    IcsStamp stamp;
     bool isSettled = false;
     bool isOfFiles = false; ///< not a calendar itself: its files are, or nothing is
     bool isRequired = true; ///< its absence is a failure
@@ -48,8 +50,7 @@ struct IcsFolders::Folder {
 
 /// A file name, or a name from a file, as valid UTF-8 without blanks around it.
 [[nodiscard]] inline std::string validName(const std::string& bytes) {
-    const GCharsPtr valid(g_utf8_make_valid(bytes.data(), static_cast<gssize>(bytes.size())));
-    return g_strstrip(valid.get());
+    return std::string(trimmed(validUtf8(bytes)));
 }
 
 } // namespace quorva

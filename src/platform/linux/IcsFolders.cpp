@@ -20,7 +20,7 @@ constexpr auto clockGrain = std::chrono::seconds(2); // of the coarsest file sys
 constexpr auto writingTime = std::chrono::seconds(5);
 constexpr auto fullLookPeriod = std::chrono::minutes(10);
 
-FileStamp stampOf(const struct stat& status) {
+IcsStamp stampOf(const struct stat& status) {
     return {status.st_dev, status.st_ino, status.st_size,
             Time(std::chrono::seconds(status.st_mtim.tv_sec) +
                  std::chrono::nanoseconds(status.st_mtim.tv_nsec))};

@@ -15,12 +15,15 @@ struct LinuxCalendarStore::Request {
 };
 
 LinuxCalendarStore::LinuxCalendarStore(MainLoop& loop, Log& log, IcsPlaces places,
-                                       CalendarConsent consent_)
-    : consent(std::move(consent_)), service(loop, log), folders(loop, std::move(places), {}) {}
+                                       CalendarConsent consent_, std::vector<UnreadCalendar> lost_)
+    : consent(std::move(consent_)),
+      lost(std::move(lost_)),
+      service(loop, log),
+      folders(loop, std::move(places), {}) {}
 
 CalendarAuthorization LinuxCalendarStore::authorizationStatus() const {
-    const bool isNothingThere =
-        service.service() == EdsCalendarStore::Service::absent && folders.sources().empty();
+    const bool isNothingThere = service.service() == EdsCalendarStore::Service::absent &&
+                                folders.sources().empty() && lost.empty();
     return isNothingThere ? CalendarAuthorization::restricted : consent.status();
 }
 
@@ -32,6 +35,7 @@ Subscription LinuxCalendarStore::fetchEvents(Time start, Time end,
                                              std::function<void(CalendarWindow)> done) {
     auto request = std::make_shared<Request>();
     request->done = std::move(done);
+    request->window = {.events = {}, .unread = lost, .calendars = lost.size()};
     const auto takePart = [weak = std::weak_ptr(request)](CalendarWindow part) {
         take(weak, std::move(part));
     };

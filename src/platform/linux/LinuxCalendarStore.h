@@ -10,8 +10,11 @@ namespace quorva {
 
 class LinuxCalendarStore final : public CalendarStore {
 public:
-    /// `consent` tells what the user allows, and asks. The loop and the log must outlive this.
-    LinuxCalendarStore(MainLoop& loop, Log& log, IcsPlaces places, CalendarConsent consent);
+    /// `consent` tells what the user allows, and asks. `lost` are calendars that should be there
+    /// but whose place is not known; they are reported as unread. The loop and the log must outlive
+    /// this.
+    LinuxCalendarStore(MainLoop& loop, Log& log, IcsPlaces places, CalendarConsent consent,
+                       std::vector<UnreadCalendar> lost = {});
 
     /// Restricted, whatever the user allows, once it is known that there is neither a calendar
     /// service nor a folder.
@@ -30,6 +33,7 @@ private:
     static void take(const std::weak_ptr<Request>& request, CalendarWindow part);
 
     const CalendarConsent consent;
+    const std::vector<UnreadCalendar> lost;
     EdsCalendarStore service;
     IcsFolderStore folders;
 };

@@ -1,7 +1,7 @@
 #include "platform/linux/ProcFormats.h"
 
 #include "catalogue/Text.h"
-#include "platform/linux/Handles.h"
+#include "platform/linux/Utf8.h"
 
 #include <algorithm>
 #include <array>
@@ -28,11 +28,6 @@ std::vector<std::string_view> split(std::string_view text, char separator) {
             return parts;
         text.remove_prefix(end + 1);
     }
-}
-
-std::string validUtf8(std::string_view bytes) {
-    const GCharsPtr valid(g_utf8_make_valid(bytes.data(), static_cast<gssize>(bytes.size())));
-    return valid.get();
 }
 
 /// How an interpreter's command line is read.
