@@ -301,12 +301,14 @@ void IcsFolders::readFile(const Path& path, File& file) {
 }
 
 /// Takes over what a file says. One that ends in the middle and is young is being written: what was
-/// known of it stays until then.
+/// known of it stays until then, and where nothing was, that is a failure.
 void IcsFolders::take(File& file, const std::string& bytes, bool isYoung) {
     auto calendar = std::make_unique<const ICalendar>(readICalendar(bytes, reading));
     if (calendar->isCutShort && isYoung) {
         file.isSettled = false;
         isUnsettled = true;
+        if (!file.calendar)
+            file.failure = "it ends in the middle; it may be being written";
         return;
     }
     file.failure.reset();
