@@ -1,6 +1,8 @@
 // The zones that an iCalendar object defines, and the names of zones in its times.
 #include "platform/linux/ICalendarScope.h"
 
+#include "catalogue/Text.h"
+
 namespace quorva {
 
 void ICalendarScope::beginZone() {
