@@ -119,7 +119,7 @@ void EdsCalendarStore::ask(const FetchPtr& fetch) {
         fetch->calendars = registry.sources().calendars;
     fetch->readings.resize(fetch->calendars.size());
     for (std::size_t i = 0; i < fetch->calendars.size(); ++i)
-        if (problems.contains(fetch->calendars[i].identifier))
+        if (failing.contains(fetch->calendars[i].identifier))
             fetch->suspects.push_back(i);
         else
             read(fetch, i);
@@ -170,8 +170,10 @@ void EdsCalendarStore::take(const FetchPtr& fetch, std::size_t position,
         connections[calendar.identifier] = reading->connection;
     else
         connections.erase(calendar.identifier);
-    if (fetch->done)
-        noteOutcome(calendar, reading->failure.value_or(""));
+    if (!reading->failure)
+        failing.erase(calendar.identifier);
+    else if (fetch->done) // one that is not waited for was cancelled
+        failing.insert(calendar.identifier);
     fetch->readings[position] = std::move(*reading);
     if (--fetch->open == 0)
         readSuspects(fetch);
@@ -209,24 +211,6 @@ void EdsCalendarStore::complete(const FetchPtr& fetch) {
     std::stable_sort(window.events.begin(), window.events.end(),
                      [](const auto& a, const auto& b) { return a.start < b.start; });
     done(std::move(window));
-}
-
-/// Logs only what has changed since the last time.
-void EdsCalendarStore::noteOutcome(const EdsCalendar& calendar, const std::string& problem) {
-    const auto known = problems.find(calendar.identifier);
-    const bool wasRead = known == problems.end();
-    if (problem.empty()) {
-        if (!wasRead)
-            log.notice(fmt::format("Calendar \"{}\" can be read again", printable(calendar.name)),
-                       logCategory::calendar);
-        problems.erase(calendar.identifier);
-        return;
-    }
-    if (wasRead)
-        log.notice(fmt::format("Calendar \"{}\" can't be read: {}", printable(calendar.name),
-                               printable(problem)),
-                   logCategory::calendar);
-    problems[calendar.identifier] = problem;
 }
 
 void EdsCalendarStore::noteService(const std::string& problem) {

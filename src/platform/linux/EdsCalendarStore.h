@@ -63,13 +63,12 @@ private:
     void readSuspects(const FetchPtr& fetch);
     void drop(FetchPtr fetch);
     void complete(const FetchPtr& fetch);
-    void noteOutcome(const EdsCalendar& calendar, const std::string& problem);
 
     MainLoop& loop;
     Log& log;
     EdsRegistry registry;
     std::map<std::string, std::shared_ptr<const EdsConnection>> connections; // by calendar
-    std::map<std::string, std::string> problems; // of the calendars that were not read last time
+    std::set<std::string> failing; // the calendars that were not read last time
     std::set<FetchPtr> fetches;
     std::string serviceProblem;
     CallbackList<> answers; // the service was found, or is not there
