@@ -18,7 +18,8 @@ endif()
 
 if(QUORVA_FUZZ)
     target_compile_options(quorva_compiler INTERFACE
-        -fsanitize=fuzzer-no-link,address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer -g -O1)
+        -fsanitize=fuzzer-no-link,address,undefined -fno-sanitize-recover=all
+        -fno-omit-frame-pointer -g -O1)
     target_link_options(quorva_compiler INTERFACE -fsanitize=address,undefined)
 endif()
 
