@@ -1,5 +1,6 @@
 #include "platform/linux/ICalendarReader.h"
 
+#include "catalogue/Text.h"
 #include "platform/linux/ICalendarScope.h"
 
 #include <algorithm>

@@ -1,4 +1,5 @@
 // The zones that an iCalendar object defines, and the names of zones in its times.
+#include "catalogue/Text.h"
 #include "platform/linux/ICalendarScope.h"
 
 namespace quorva {

@@ -159,12 +159,6 @@ std::string upperCased(std::string_view text) {
     return capitals;
 }
 
-std::string_view trimmed(std::string_view text) {
-    constexpr std::string_view blanks = " \t\r\n";
-    text.remove_prefix(std::min(text.find_first_not_of(blanks), text.size()));
-    return text.substr(0, text.find_last_not_of(blanks) + 1);
-}
-
 std::string unescapedText(std::string_view value) {
     std::string plain;
     plain.reserve(value.size());

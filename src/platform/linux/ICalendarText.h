@@ -67,9 +67,6 @@ struct ContentLine {
 /// The text in capitals, as far as it is ASCII.
 [[nodiscard]] std::string upperCased(std::string_view text);
 
-/// The text without blanks and line ends around it.
-[[nodiscard]] std::string_view trimmed(std::string_view text);
-
 /// A TEXT value without its backslashes.
 [[nodiscard]] std::string unescapedText(std::string_view value);
 
