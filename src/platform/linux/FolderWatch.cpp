@@ -87,7 +87,8 @@ void FolderWatch::receiveEvents() {
             }
             // The kernel has ended this watch: the folder is gone.
             if ((event.mask & IN_IGNORED) != 0)
-                std::erase_if(watches, [&](const auto& each) { return each.second == event.wd; });
+                std::erase_if(
+                    watches, [ended = event.wd](const auto& each) { return each.second == ended; });
         }
     }
     const auto told = onChange; // may end this
