@@ -4,7 +4,6 @@ add_library(quorva_compiler INTERFACE)
 target_compile_options(quorva_compiler INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror
     -Wno-missing-field-initializers # fields left out of a designated initializer take their default
-    -Wno-restrict # g++ 12 gives false alarms about std::string (GCC bug 105651)
     -fmacro-prefix-map=${PROJECT_SOURCE_DIR}/=)
 
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)

@@ -2,8 +2,6 @@
 #include "catalogue/Text.h"
 #include "platform/linux/ICalendarScope.h"
 
-#include "catalogue/Text.h"
-
 namespace quorva {
 
 void ICalendarScope::beginZone() {
