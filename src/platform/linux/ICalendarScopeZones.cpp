@@ -1,7 +1,6 @@
 // The zones that an iCalendar object defines, and the names of zones in its times.
-#include "platform/linux/ICalendarScope.h"
-
 #include "catalogue/Text.h"
+#include "platform/linux/ICalendarScope.h"
 
 namespace quorva {
 
