@@ -43,28 +43,25 @@ private:
     MainLoop& loop;
 };
 
-/// One run of the program, as far as calendars go.
+/// One run of the program. The store stays: its library's registry is shared within a process.
 struct Program {
-    Program(MainLoop& loop, Log& log, const std::filesystem::path& home)
-        : file(home / "preferences.json"),
+    Program(MainLoop& loop, CalendarStore& store, Log& log, const std::filesystem::path& path)
+        : file(path),
           preferences(loop, log, file),
-          store(loop, log, {.root = home / "calendars", .folders = {}}, {}),
           monitor(loop, store, preferences, log, openSslSha256) {}
 
     LinuxWholeFile file;
     JsonPreferences preferences;
-    LinuxCalendarStore store;
     CalendarMonitor monitor;
-    int changes = 0;
-    Subscription counting = store.onChange([this] { ++changes; });
 };
 
 class CalendarMonitorTest : public CalendarServiceTest {
 protected:
     /// Starts the program, or starts it again, and waits for its first scan.
     void start() {
+        counting = store.onChange([this] { ++changes; });
         program.reset();
-        program.emplace(hasty, log, home.path);
+        program.emplace(hasty, store, log, home.path / "preferences.json");
         monitor().onBotDetected = [this](const auto& bot) { events.push_back("+" + bot.id); };
         monitor().onBotDisappeared = [this](const auto& bot) { events.push_back("-" + bot.id); };
         monitor().startMonitoring();
@@ -89,6 +86,9 @@ protected:
     const std::string fred = "ATTENDEE:mailto:fred@fireflies.ai\r\n";
     const TemporaryFolder home;
     HastyMainLoop hasty{loop};
+    LinuxCalendarStore store{hasty, log, {.root = home.path / "calendars", .folders = {}}, {}};
+    int changes = 0;
+    Subscription counting;
     std::vector<std::string> events;
     std::optional<Program> program;
 };
@@ -124,7 +124,7 @@ TEST_F(CalendarMonitorTest, announcesABotThatIsInvitedLaterAsSoonAsTheServiceTel
     CalendarWriter writer;
     ASSERT_TRUE(writer.put(vevent("meeting", now + 2h, "")));
     start();
-    ASSERT_TRUE(comesTo([&] { return program->changes == 1; })) << "the accounts were found";
+    ASSERT_TRUE(comesTo([&] { return changes == 1; })) << "the accounts were found";
     EXPECT_THAT(listed(), IsEmpty());
 
     ASSERT_TRUE(writer.put(vevent("meeting", now + 2h, "SEQUENCE:1\r\n" + otter)));
