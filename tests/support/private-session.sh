@@ -6,21 +6,23 @@ set -u
 
 folder=$(mktemp -d "${TMPDIR:-/tmp}/session.XXXXXX") || exit 1
 
-# The services are nobody's children by now. They are known by the home they were started with,
-# and a stopped one has to be killed.
+# The services are nobody's children by now. They are known by the home they were started with.
 processesOfSession() {
     grep -lsz "^HOME=$folder$" /proc/[0-9]*/environ | while IFS=/ read -r _ _ process _; do
         echo "$process"
     done
 }
 
+# The bus removes its socket when it is asked to end, not when it is killed.
 leaveNothing() {
     trap - EXIT
-    local processes
-    for _ in {1..200}; do
+    local processes attempt signal=TERM
+    for attempt in {1..200}; do
         mapfile -t processes < <(processesOfSession)
         [[ ${#processes[@]} -eq 0 ]] && break
-        kill -KILL "${processes[@]}" 2>/dev/null
+        ((attempt < 50)) || signal=KILL
+        kill -$signal "${processes[@]}" 2>/dev/null
+        kill -CONT "${processes[@]}" 2>/dev/null
         sleep 0.02
     done
     rm -rf "$folder"
