@@ -5,6 +5,7 @@
 
 #include <array>
 #include <libedataserver/libedataserver.h>
+#include <string_view>
 #include <thread>
 #include <utility>
 
@@ -40,7 +41,7 @@ private:
     void run() {
         g_main_context_push_thread_default(context.get());
         if (const auto bus = connect())
-            follow();
+            follow(bus.get());
         g_main_context_pop_thread_default(context.get());
     }
 
@@ -55,7 +56,7 @@ private:
         return bus;
     }
 
-    void follow() {
+    void follow(GDBusConnection* bus) {
         GError* error = nullptr;
         const GObjectPtr<ESourceRegistry> owned(
             e_source_registry_new_sync(cancellable.get(), &error));
@@ -63,8 +64,10 @@ private:
             return tell({.state = State::failed, .problem = messageOf(error)});
         registry = owned.get();
         if (!knowsSources())
-            return tell(
-                {.state = State::absent, .problem = "Evolution Data Server is not installed"});
+            return tell(isServiceKnown(bus)
+                            ? News{.state = State::failed, .problem = "it told of no calendars"}
+                            : News{.state = State::absent,
+                                   .problem = "Evolution Data Server is not installed"});
         tellSources();
         listen();
         // The loop's end is a task of the loop, so that an early one is not missed.
@@ -80,6 +83,28 @@ private:
         const bool known = list != nullptr;
         g_list_free_full(list, g_object_unref);
         return known;
+    }
+
+    /// Whether the service runs on the bus, or could be started there.
+    [[nodiscard]] bool isServiceKnown(GDBusConnection* bus) const {
+        constexpr std::string_view service = "org.gnome.evolution.dataserver.Sources5";
+        constexpr int patience = 5000; // ms
+        for (const auto* const list : {"ListNames", "ListActivatableNames"}) {
+            const GVariantPtr reply(g_dbus_connection_call_sync(
+                bus, "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", list,
+                nullptr, G_VARIANT_TYPE("(as)"), G_DBUS_CALL_FLAGS_NONE, patience,
+                cancellable.get(), nullptr));
+            if (!reply)
+                return true; // not known to be absent
+            const GVariantPtr names(g_variant_get_child_value(reply.get(), 0));
+            for (gsize i = 0; i < g_variant_n_children(names.get()); ++i) {
+                const gchar* name = nullptr;
+                g_variant_get_child(names.get(), i, "&s", &name);
+                if (name == service)
+                    return true;
+            }
+        }
+        return false;
     }
 
     void listen() {

@@ -50,6 +50,7 @@ template <typename T>
 using GObjectPtr = std::unique_ptr<T, Release<g_object_unref>>;
 using GErrorPtr = std::unique_ptr<GError, Release<g_error_free>>;
 using GKeyFilePtr = std::unique_ptr<GKeyFile, Release<g_key_file_unref>>;
+using GVariantPtr = std::unique_ptr<GVariant, Release<g_variant_unref>>;
 using GCharsPtr = std::unique_ptr<gchar, Release<g_free>>;
 using GStringsPtr = std::unique_ptr<gchar*, Release<g_strfreev>>;
 using GMainLoopPtr = std::unique_ptr<GMainLoop, Release<g_main_loop_unref>>;
