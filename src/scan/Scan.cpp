@@ -108,10 +108,10 @@ SourceReport Scan::calendarReport() const {
         return report(SourceStatus::unavailable, "there is no calendar to look at");
     const auto& unread = *calendar.unreadCalendars;
     if (unread.empty())
-        return report(SourceStatus::ok, fmt::format("looked at the next 24 hours of {} calendars",
+        return report(SourceStatus::ok, fmt::format("looked at the next 24 hours; calendars: {}",
                                                     *calendar.calendarCount));
-    auto detail =
-        fmt::format("{} of {} calendars can't be read", unread.size(), *calendar.calendarCount);
+    auto detail = fmt::format("calendars that can't be read: {} of {}", unread.size(),
+                              *calendar.calendarCount);
     for (const auto& [name, reason] : unread)
         detail += fmt::format("; {}: {}", name, reason);
     return report(SourceStatus::unavailable, std::move(detail));
