@@ -24,7 +24,8 @@ MANAGER = systemd_manager.MAIN_IFACE
 @pytest.fixture
 def session_bus(computer):
     daemon = computer.start(
-        ["dbus-daemon", "--session", "--nofork", "--nopidfile", "--print-address"],
+        ["dbus-daemon", "--session", "--nofork", "--nopidfile", "--print-address",
+         f"--address=unix:dir={computer.home}"],
         stdout=subprocess.PIPE, text=True)
     address = daemon.stdout.readline().strip()
     computer.environment["DBUS_SESSION_BUS_ADDRESS"] = address
