@@ -5,6 +5,7 @@
 #include <benchmark/benchmark.h>
 
 #include <chrono>
+#include <ctime>
 #include <string>
 #include <vector>
 
@@ -16,6 +17,19 @@ template <typename Work>
     const auto start = std::chrono::steady_clock::now();
     work();
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
+/// The processor time that this process spends on `work`, in seconds.
+template <typename Work>
+[[nodiscard]] double cpuSecondsOf(Work&& work) {
+    const auto now = [] {
+        timespec time{};
+        ::clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
+        return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
+    };
+    const double start = now();
+    work();
+    return now() - start;
 }
 
 /// The middle one of at least one value.
@@ -73,5 +87,8 @@ private:
 void registerScanBenchmarks(Summary& summary);
 void registerLogBenchmarks(Summary& summary);
 void registerCalendarBenchmarks(Summary& summary);
+void registerMatchingBenchmarks(Summary& summary);
+/// Only within tests/support/private-session.sh, for they write to the session's calendars.
+void registerEdsBenchmarks(Summary& summary);
 
 } // namespace quorva::bench

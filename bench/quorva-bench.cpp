@@ -12,6 +12,8 @@ int main(int count, char* texts[]) {
     quorva::bench::registerScanBenchmarks(summary);
     quorva::bench::registerLogBenchmarks(summary);
     quorva::bench::registerCalendarBenchmarks(summary);
+    quorva::bench::registerMatchingBenchmarks(summary);
+    quorva::bench::registerEdsBenchmarks(summary);
     benchmark::RunSpecifiedBenchmarks();
     benchmark::Shutdown();
     std::printf("\n%s", summary.toText().c_str());

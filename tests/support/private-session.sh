@@ -37,7 +37,7 @@ export ASAN_OPTIONS="fast_unwind_on_malloc=0${ASAN_OPTIONS:+:$ASAN_OPTIONS}"
 
 mkdir -m 700 "$folder/runtime" || exit 1
 unset DISPLAY WAYLAND_DISPLAY DBUS_SESSION_BUS_ADDRESS DBUS_STARTER_ADDRESS DBUS_STARTER_BUS_TYPE
-HOME=$folder \
+QUORVA_PRIVATE_SESSION=$folder HOME=$folder \
 XDG_RUNTIME_DIR=$folder/runtime \
 XDG_CONFIG_HOME=$folder/config XDG_DATA_HOME=$folder/data \
 XDG_CACHE_HOME=$folder/cache XDG_STATE_HOME=$folder/state \
