@@ -28,6 +28,21 @@ bool hasCategory(UChar32 c, uint32_t mask) {
     return (U_GET_GC_MASK(c) & mask) != 0;
 }
 
+/// Whether this character becomes several in lower case, or one that depends on its neighbours. No
+/// others do but by the rules of a language (Unicode's SpecialCasing).
+constexpr bool isLoweredInContext(UChar32 c) {
+    constexpr UChar32 dottedI = 0x130;
+    constexpr UChar32 sigma = 0x3A3;
+    return c == dottedI || c == sigma;
+}
+
+std::string fullyLowerCased(std::string_view text) {
+    std::string lower;
+    const icu::StringPiece bytes(text.data(), static_cast<int32_t>(text.size()));
+    icu::UnicodeString::fromUTF8(bytes).toLower(icu::Locale::getRoot()).toUTF8String(lower);
+    return lower;
+}
+
 constexpr uint32_t letterOrNumber = U_GC_L_MASK | U_GC_N_MASK;
 
 } // namespace
@@ -38,9 +53,24 @@ std::string lowerCased(std::string_view text) {
         std::transform(lower.begin(), lower.end(), lower.begin(), lowerAscii);
         return lower;
     }
-    lower.clear();
-    const icu::StringPiece bytes(text.data(), static_cast<int32_t>(text.size()));
-    icu::UnicodeString::fromUTF8(bytes).toLower(icu::Locale::getRoot()).toUTF8String(lower);
+    constexpr std::size_t mostGrowth = 3; // an invalid byte becomes the three of U+FFFD
+    lower.resize(text.size() * mostGrowth);
+    const auto* bytes = reinterpret_cast<const uint8_t*>(text.data());
+    const auto length = static_cast<int32_t>(text.size());
+    int32_t size = 0;
+    for (int32_t at = 0; at < length;) {
+        if (isAscii(text[static_cast<std::size_t>(at)])) {
+            lower[static_cast<std::size_t>(size++)] =
+                lowerAscii(text[static_cast<std::size_t>(at++)]);
+            continue;
+        }
+        UChar32 c = 0;
+        U8_NEXT_OR_FFFD(bytes, at, length, c);
+        if (isLoweredInContext(c))
+            return fullyLowerCased(text);
+        U8_APPEND_UNSAFE(lower.data(), size, u_tolower(c));
+    }
+    lower.resize(static_cast<std::size_t>(size));
     return lower;
 }
 

@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
+#include <unicode/locid.h>
+#include <unicode/unistr.h>
 
 namespace quorva {
 namespace {
@@ -116,7 +118,18 @@ TEST(ObjectionRecord, comesBackAsItWasStored) {
 
 TEST(Text, lowerCasesByUnicodeWithoutALocale) {
     EXPECT_EQ(lowerCased("ÄÖ İ"), "äö i\u0307");
+    EXPECT_EQ(lowerCased("ΟΔΟΣ Σ"), "οδος σ");
     EXPECT_EQ(lowerCased("a\xff\x42"), "a\uFFFDb");
+    for (UChar32 c = 0x80; c < 0x20000; ++c) {
+        if (U_IS_SURROGATE(c))
+            continue;
+        const icu::UnicodeString character(c);
+        std::string utf8;
+        std::string lower;
+        character.toUTF8String(utf8);
+        icu::UnicodeString(character).toLower(icu::Locale::getRoot()).toUTF8String(lower);
+        ASSERT_EQ(lowerCased(utf8), lower) << c;
+    }
 }
 
 TEST(Text, spellsOutWhatWouldRearrangeALine) {
