@@ -13,8 +13,8 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <libecal/libecal.h>
+#include <sstream>
 #include <string>
 
 namespace quorva {
@@ -90,9 +90,11 @@ protected:
         return processes;
     }
 
+    /// Empty for a process that has ended meanwhile: a stream's own operators do not throw.
     static std::string contentsOf(const std::filesystem::path& file) {
-        std::ifstream stream(file);
-        return {std::istreambuf_iterator<char>(stream), {}};
+        std::ostringstream contents;
+        contents << std::ifstream(file).rdbuf();
+        return contents.str();
     }
 
     GLibMainLoop loop;
