@@ -56,10 +56,15 @@ using GStringsPtr = std::unique_ptr<gchar*, Release<g_strfreev>>;
 using GMainLoopPtr = std::unique_ptr<GMainLoop, Release<g_main_loop_unref>>;
 using DirectoryPtr = std::unique_ptr<DIR, Release<::closedir>>;
 
+struct DestroySource {
+    void operator()(GSource* source) const {
+        g_source_destroy(source);
+        g_source_unref(source);
+    }
+};
+
 /// A GSource that is part of a main context; destroyed with its owner.
-using GSourcePtr = std::unique_ptr<GSource, decltype([](GSource* source) {
-                                       g_source_destroy(source);
-                                       g_source_unref(source);
-                                   })>;
+using GSourcePtr = std::unique_ptr<GSource, DestroySource>;
+using GMainContextPtr = std::unique_ptr<GMainContext, Release<g_main_context_unref>>;
 
 } // namespace quorva

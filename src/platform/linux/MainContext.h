@@ -3,6 +3,7 @@
 #pragma once
 
 #include "platform/Subscription.h"
+#include "platform/linux/Handles.h"
 
 #include <glib.h>
 
@@ -24,6 +25,21 @@ inline void postTo(GMainContext* context, int priority, Task task) {
         new Task(std::move(task)), [](gpointer posted) { delete static_cast<Task*>(posted); });
     g_source_attach(source, context);
     g_source_unref(source);
+}
+
+/// Runs `task` once in the thread-default main context, after so many milliseconds, unless the
+/// source is dropped before.
+[[nodiscard]] inline GSourcePtr contextTimer(guint milliseconds, Task task) {
+    GSourcePtr source(g_timeout_source_new(milliseconds));
+    g_source_set_callback(
+        source.get(),
+        [](gpointer timed) -> gboolean {
+            (*static_cast<Task*>(timed))();
+            return G_SOURCE_REMOVE;
+        },
+        new Task(std::move(task)), [](gpointer timed) { delete static_cast<Task*>(timed); });
+    g_source_attach(source.get(), g_main_context_get_thread_default());
+    return source;
 }
 
 /// As MainLoop::post.

@@ -1,0 +1,264 @@
+#include "platform/linux/AtspiApplication.h"
+
+#include "platform/linux/BusCall.h"
+#include "platform/linux/MainContext.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <utility>
+
+namespace quorva {
+namespace {
+
+/// The application and its windows. More windows than this are a fault of the application.
+constexpr TreeExtent windowList{.maxDepth = 2, .maxElements = 257, .descends = nullptr};
+
+constexpr guint longestReading = 20'000; // milliseconds
+constexpr guint silenceAfterSlowness = 30'000;
+constexpr guint timeForMoreChanges = 1000;
+constexpr gint64 longestTrust = 55'000'000; // microseconds: changes may not have been told
+constexpr std::size_t maxEarlyChanges = 10'000;
+
+} // namespace
+
+/// A window that a plan wants, or whose outline has to say so.
+struct AtspiApplication::Window {
+    AtspiReference reference;
+    std::string title;
+    TreeExtent extent;
+    AtspiTreeReader::Texts texts = AtspiTreeReader::Texts::none;
+    std::unique_ptr<AtspiTreeReader> reader;
+    gint64 lastWhole = 0;
+
+    [[nodiscard]] bool isWatched() const { return reader && texts == AtspiTreeReader::Texts::all; }
+};
+
+AtspiApplication::AtspiApplication(GDBusConnection* bus_, AtspiEvents& events_, std::string name,
+                                   Task onRead_)
+    : bus(G_DBUS_CONNECTION(g_object_ref(bus_))),
+      events(events_),
+      root{std::move(name), atspi::rootPath},
+      onRead(std::move(onRead_)),
+      enabled(EINPROGRESS) {}
+
+AtspiApplication::~AtspiApplication() = default;
+
+void AtspiApplication::read(std::shared_ptr<const ReadingPlan> plan_, bool enables_) {
+    plan = std::move(plan_);
+    enables = enables_;
+    if (state == State::reading)
+        isReadAgain = true;
+    else if (state == State::ready)
+        begin();
+}
+
+void AtspiApplication::begin() {
+    state = State::reading;
+    isReadAgain = false;
+    soon.reset();
+    if (!calls) {
+        calls = std::make_unique<AtspiCalls>(bus.get(), lifetime.guard([this] {
+            giveUp("it does not answer");
+            waitForAnswer();
+        }));
+        list = std::make_unique<AtspiTreeReader>(*calls, traits, root);
+    }
+    deadline = contextTimer(longestReading, [this] {
+        giveUp("it answers too slowly");
+        silence = contextTimer(silenceAfterSlowness, [this] { state = State::ready; });
+    });
+    hasTraits ? askToExpose() : askToolkit();
+}
+
+void AtspiApplication::askToolkit() {
+    calls->get(root, atspi::application, "ToolkitName", lifetime.guard([this](GVariant* reply) {
+        traits.toolkit = toolkitOf(decodeTextProperty(reply).value_or(""));
+        hasTraits = true;
+        askToExpose();
+    }));
+}
+
+/// Chromium and what is built on it show no document before somebody has asked for attributes, and
+/// may stop when nobody has for a while.
+void AtspiApplication::askToExpose() {
+    list->forget();
+    const auto next = lifetime.guard([this] { takeWindowList(); });
+    if (!enables)
+        return list->read(windowList, AtspiTreeReader::Texts::none, next);
+    calls->send({root, atspi::accessible, "GetAttributes"},
+                lifetime.guard([this, next](GVariant* reply) {
+                    enabled = reply != nullptr ? 0 : ENOTSUP;
+                    list->read(windowList, AtspiTreeReader::Texts::none, next);
+                }));
+}
+
+void AtspiApplication::takeWindowList() {
+    if (list->tree()->role == AccessibilityRole::unreadable) {
+        giveUp("it does not answer as an application should");
+        silence = contextTimer(silenceAfterSlowness, [this] { state = State::ready; });
+        return;
+    }
+    auto former = std::exchange(open, {});
+    for (auto& [reference, title] : list->listChildren()) {
+        const auto known = std::find_if(former.begin(), former.end(), [&](const auto& window) {
+            return window && window->reference == reference;
+        });
+        open.push_back(known != former.end() ? std::move(*known) : std::make_unique<Window>());
+        open.back()->reference = std::move(reference);
+        open.back()->title = std::move(title);
+    }
+    readWindow(0);
+}
+
+void AtspiApplication::readWindow(std::size_t index) {
+    if (index == open.size())
+        return finish();
+    auto& window = *open[index];
+    const auto first = plan->byTitle(window.title);
+    if (first.extent.maxElements == 0) {
+        window.reader.reset();
+        return readWindow(index + 1);
+    }
+    if (!window.reader) {
+        window.reader = std::make_unique<AtspiTreeReader>(*calls, traits, window.reference);
+        window.texts = AtspiTreeReader::Texts::none;
+        window.extent = first.extent;
+        window.lastWhole = g_get_monotonic_time();
+    } else if (g_get_monotonic_time() - window.lastWhole >= longestTrust) {
+        window.lastWhole = g_get_monotonic_time();
+        window.reader->forget();
+    }
+    first.isFinal ? readWhole(index, first.extent) : readOutline(index, first.extent);
+}
+
+/// Reads as much as was read before. Where the documents are shown no more, others may be: those
+/// of another tab, or others in their place.
+void AtspiApplication::readOutline(std::size_t index, const TreeExtent& outline) {
+    auto& window = *open[index];
+    const auto next = lifetime.guard([this, index, outline] { decide(index, outline); });
+    window.reader->forgetWayToDocuments();
+    window.reader->read(window.extent, window.texts, lifetime.guard([this, index, next] {
+        auto& read = *open[index];
+        if (read.reader->showsDocument())
+            return next();
+        read.reader->hasDocument() ? read.reader->forgetDocuments() : read.reader->forget();
+        read.reader->read(read.extent, read.texts, next);
+    }));
+}
+
+void AtspiApplication::decide(std::size_t index, const TreeExtent& outline) {
+    auto& window = *open[index];
+    const auto extent = plan->byTree(window.title, *window.reader->tree());
+    if (extent.maxElements > 0)
+        return readWhole(index, extent);
+    if (!window.isWatched())
+        return readWindow(index + 1);
+    window.texts = AtspiTreeReader::Texts::none;
+    window.extent = outline;
+    window.reader->read(outline, window.texts,
+                        lifetime.guard([this, index] { readWindow(index + 1); }));
+}
+
+/// What is read is followed from before it is read, so that no change falls between.
+void AtspiApplication::readWhole(std::size_t index, const TreeExtent& extent) {
+    const auto start = lifetime.guard([this, index, extent] {
+        auto& window = *open[index];
+        window.texts = AtspiTreeReader::Texts::all;
+        window.extent = extent;
+        window.reader->read(extent, window.texts,
+                            lifetime.guard([this, index] { readWindow(index + 1); }));
+    });
+    if (changes)
+        return start();
+    changes = events.follow(
+        root.bus, lifetime.guard([this](const AtspiEvent& event) { receive(event); }), start);
+}
+
+void AtspiApplication::finish() {
+    published = {.state = ReadState::read, .problem = {}, .windows = {}};
+    for (const auto& window : open) {
+        AccessibleWindow shown;
+        shown.title = window->title;
+        if (window->reader) {
+            shown.state = ReadState::read;
+            shown.extent = window->extent;
+            shown.tree = window->reader->tree();
+        }
+        published.windows.push_back(std::move(shown));
+    }
+    if (std::none_of(open.begin(), open.end(),
+                     [](const auto& window) { return window->isWatched(); }))
+        changes.reset();
+    deadline.reset();
+    state = State::ready;
+    for (const auto& event : std::exchange(early, {}))
+        apply(event);
+    if (isReadAgain || isExposing())
+        readSoon();
+    onRead();
+}
+
+/// Whether the application may be about to show documents that it was asked for lately.
+bool AtspiApplication::isExposing() {
+    const bool lacksDocument = std::any_of(open.begin(), open.end(), [](const auto& window) {
+        return window->reader && !window->isWatched() && !window->reader->hasDocument();
+    });
+    return enables && lacksDocument && looksForDocuments-- > 0;
+}
+
+/// What was known may be wrong by the time it answers again.
+void AtspiApplication::giveUp(std::string problem) {
+    state = State::silent;
+    deadline.reset();
+    soon.reset();
+    early.clear();
+    open.clear();
+    list.reset();
+    calls.reset();
+    changes.reset();
+    hasTraits = false;
+    enabled = ETIMEDOUT;
+    published = {.state = ReadState::couldNotBeRead, .problem = std::move(problem), .windows = {}};
+    onRead();
+}
+
+/// One question is left with it; the answer, however late, ends the silence.
+void AtspiApplication::waitForAnswer() {
+    callBus(bus.get(),
+            {root.bus.c_str(), root.path.c_str(), atspi::accessible, "GetRole", nullptr, G_MAXINT},
+            lifetime.guard([this](GVariant*) {
+                state = State::ready;
+                begin();
+            }));
+}
+
+void AtspiApplication::receive(const AtspiEvent& event) {
+    if (state != State::reading)
+        return apply(event);
+    if (early.size() < maxEarlyChanges) {
+        early.push_back(event);
+        return;
+    }
+    for (const auto& window : open) // too many to follow
+        window->lastWhole = g_get_monotonic_time() - longestTrust;
+}
+
+void AtspiApplication::apply(const AtspiEvent& event) {
+    bool matters = event.change == AtspiChange::windows || event.change == AtspiChange::document ||
+                   (list && list->note(event));
+    for (const auto& window : open)
+        matters = (window->isWatched() && window->reader->note(event)) || matters;
+    if (matters)
+        readSoon();
+}
+
+/// Changes come in swarms: those of a second are read together.
+void AtspiApplication::readSoon() {
+    if (!soon && state == State::ready)
+        soon = contextTimer(timeForMoreChanges, [this] {
+            if (state == State::ready)
+                begin();
+        });
+}
+
+} // namespace quorva

@@ -1,0 +1,88 @@
+// One application on the accessibility bus: asks it to expose its trees, reads those of its windows
+// that a plan wants, follows their changes, and gives up on it for a while when it does not answer.
+// Belongs to the thread, and to the thread-default main context, that made it.
+#pragma once
+
+#include "platform/AccessibilityTree.h"
+#include "platform/Lifetime.h"
+#include "platform/linux/AtspiCalls.h"
+#include "platform/linux/AtspiEvents.h"
+#include "platform/linux/AtspiTreeReader.h"
+#include "platform/linux/Handles.h"
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace quorva {
+
+class AtspiApplication {
+public:
+    /// `bus` is the accessibility bus, `events` those on it, which must outlive the application;
+    /// `name` is the application's own on it. `onRead` is called after
+    /// each reading, the failed ones included.
+    AtspiApplication(GDBusConnection* bus, AtspiEvents& events, std::string name, Task onRead);
+    ~AtspiApplication();
+
+    AtspiApplication(const AtspiApplication&) = delete;
+    AtspiApplication& operator=(const AtspiApplication&) = delete;
+
+    /// Reads what the plan wants, as far as it is not known. While a reading is under way, another
+    /// one follows it; while the application does not answer there is none.
+    void read(std::shared_ptr<const ReadingPlan> plan, bool enables);
+
+    /// The windows as they were last read completely; `couldNotBeRead` while it does not answer.
+    [[nodiscard]] const AccessibleWindows& windows() const { return published; }
+
+    /// As AccessibilityTree::enable.
+    [[nodiscard]] int enableResult() const { return enabled; }
+
+private:
+    enum class State { ready, reading, silent };
+    struct Window;
+
+    void begin();
+    void askToolkit();
+    void askToExpose();
+    void takeWindowList();
+    void readWindow(std::size_t index);
+    void readOutline(std::size_t index, const TreeExtent& outline);
+    void decide(std::size_t index, const TreeExtent& outline);
+    void readWhole(std::size_t index, const TreeExtent& extent);
+    void finish();
+    bool isExposing();
+    void giveUp(std::string problem);
+    void waitForAnswer();
+    void receive(const AtspiEvent& event);
+    void apply(const AtspiEvent& event);
+    void readSoon();
+
+    GObjectPtr<GDBusConnection> bus;
+    AtspiEvents& events;
+    const AtspiReference root;
+    const Task onRead;
+
+    std::shared_ptr<const ReadingPlan> plan;
+    bool enables = false;
+    int enabled;
+
+    State state = State::ready;
+    bool isReadAgain = false; ///< another reading follows the one under way
+    AtspiApplicationTraits traits;
+    bool hasTraits = false;
+    int looksForDocuments = 4; ///< soon after it was first asked to expose them
+    std::unique_ptr<AtspiCalls> calls;
+    std::unique_ptr<AtspiTreeReader> list; ///< the application and its windows, not what is below
+    std::vector<std::unique_ptr<Window>> open;
+    Subscription changes;          ///< while a window is watched
+    std::vector<AtspiEvent> early; ///< changes told during a reading
+    GSourcePtr deadline;
+    GSourcePtr soon;
+    GSourcePtr silence;
+    AccessibleWindows published;
+    Lifetime lifetime;
+};
+
+} // namespace quorva

@@ -1,0 +1,66 @@
+// Calls over D-Bus that come back as a call.
+#pragma once
+
+#include "platform/linux/Handles.h"
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <utility>
+
+namespace quorva {
+
+/// One method call. `parameters` may be floating, or null for none.
+struct BusCall {
+    const char* destination;
+    const char* path;
+    const char* interface;
+    const char* method;
+    GVariant* parameters = nullptr;
+    int timeout = -1; ///< milliseconds; -1 for the usual 25 seconds, G_MAXINT for none
+    GDBusCallFlags flags = G_DBUS_CALL_FLAGS_NO_AUTO_START;
+    GCancellable* cancellable = nullptr;
+};
+
+/// Gets the parameters of the reply, null for any failure; these live as long as the call.
+using BusReply = std::function<void(GVariant* reply)>;
+
+/// Sends the call, and calls `done` once in the thread-default main context, never within this
+/// call.
+inline void callBus(GDBusConnection* bus, const BusCall& call, BusReply done) {
+    g_dbus_connection_call(
+        bus, call.destination, call.path, call.interface, call.method, call.parameters, nullptr,
+        call.flags, call.timeout, call.cancellable,
+        [](GObject* source, GAsyncResult* result, gpointer owned) {
+            const std::unique_ptr<BusReply> reply(static_cast<BusReply*>(owned));
+            GError* error = nullptr;
+            const GVariantPtr value(
+                g_dbus_connection_call_finish(G_DBUS_CONNECTION(source), result, &error));
+            const GErrorPtr failure(error);
+            (*reply)(value.get());
+        },
+        new BusReply(std::move(done)));
+}
+
+/// Opens a connection to a message bus, and calls `done` once with it, null for any failure, in the
+/// thread-default main context, never within this call.
+inline void openBus(const std::string& address,
+                    std::function<void(GObjectPtr<GDBusConnection>&)> done) {
+    using Done = std::function<void(GObjectPtr<GDBusConnection>&)>;
+    g_dbus_connection_new_for_address(
+        address.c_str(),
+        static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
+                                          G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION),
+        nullptr, nullptr,
+        [](GObject*, GAsyncResult* result, gpointer owned) {
+            const std::unique_ptr<Done> call(static_cast<Done*>(owned));
+            GError* error = nullptr;
+            GObjectPtr<GDBusConnection> bus(
+                g_dbus_connection_new_for_address_finish(result, &error));
+            const GErrorPtr failure(error);
+            (*call)(bus);
+        },
+        new Done(std::move(done)));
+}
+
+} // namespace quorva
