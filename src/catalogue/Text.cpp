@@ -1,12 +1,15 @@
 #include "catalogue/Text.h"
 
 #include <fmt/format.h>
+#include <unicode/brkiter.h>
 #include <unicode/locid.h>
 #include <unicode/uchar.h>
 #include <unicode/unistr.h>
+#include <unicode/utext.h>
 #include <unicode/utf8.h>
 
 #include <algorithm>
+#include <memory>
 
 namespace quorva {
 namespace {
@@ -15,13 +18,12 @@ constexpr bool isAscii(char c) {
     return static_cast<unsigned char>(c) < 0x80;
 }
 
-constexpr char lowerAscii(char c) {
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+constexpr bool startsCodePoint(char c) {
+    return (static_cast<unsigned char>(c) & 0xC0U) != 0x80;
 }
 
-constexpr bool isAsciiLetterOrDigit(char c) {
-    const char lower = lowerAscii(c);
-    return (lower >= 'a' && lower <= 'z') || (c >= '0' && c <= '9');
+constexpr char lowerAscii(char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }
 
 bool hasCategory(UChar32 c, uint32_t mask) {
@@ -44,6 +46,73 @@ std::string fullyLowerCased(std::string_view text) {
 }
 
 constexpr uint32_t letterOrNumber = U_GC_L_MASK | U_GC_N_MASK;
+
+/// Whether the last character but for marks is of the categories in `mask`, which holds no marks.
+bool endsIn(std::string_view text, uint32_t mask) {
+    const auto* bytes = reinterpret_cast<const uint8_t*>(text.data());
+    for (auto at = static_cast<int32_t>(text.size()); at > 0;) {
+        UChar32 c = 0;
+        U8_PREV_OR_FFFD(bytes, 0, at, c);
+        if (!hasCategory(c, U_GC_M_MASK))
+            return hasCategory(c, mask);
+    }
+    return false;
+}
+
+bool beginsWith(std::string_view text, uint32_t mask) {
+    if (text.empty())
+        return false;
+    const auto* bytes = reinterpret_cast<const uint8_t*>(text.data());
+    int32_t at = 0;
+    UChar32 c = 0;
+    U8_NEXT_OR_FFFD(bytes, at, static_cast<int32_t>(text.size()), c);
+    return hasCategory(c, mask);
+}
+
+/// The text without the characters at both ends that are of a kind.
+std::string_view trimmedOf(std::string_view text, UBool (*isOfKind)(UChar32)) {
+    const auto* bytes = reinterpret_cast<const uint8_t*>(text.data());
+    auto length = static_cast<int32_t>(text.size());
+    int32_t start = 0;
+    for (int32_t next = 0; next < length; start = next) {
+        UChar32 c = 0;
+        U8_NEXT_OR_FFFD(bytes, next, length, c);
+        if (!isOfKind(c))
+            break;
+    }
+    for (int32_t previous = length; previous > start; length = previous) {
+        UChar32 c = 0;
+        U8_PREV_OR_FFFD(bytes, start, previous, c);
+        if (!isOfKind(c))
+            break;
+    }
+    return text.substr(static_cast<std::size_t>(start), static_cast<std::size_t>(length - start));
+}
+
+/// Finds where user-perceived characters end; null when ICU's rules are missing.
+std::unique_ptr<icu::BreakIterator> makeClusterBreaks() {
+    UErrorCode status = U_ZERO_ERROR;
+    std::unique_ptr<icu::BreakIterator> breaks(
+        icu::BreakIterator::createCharacterInstance(icu::Locale::getRoot(), status));
+    if (U_FAILURE(status))
+        breaks.reset();
+    return breaks;
+}
+
+std::size_t countClusters(std::string_view text) {
+    thread_local const auto breaks = makeClusterBreaks(); // takes longer than most texts do
+    UErrorCode status = U_ZERO_ERROR;
+    const icu::LocalUTextPointer characters(
+        utext_openUTF8(nullptr, text.data(), static_cast<int64_t>(text.size()), &status));
+    if (breaks)
+        breaks->setText(characters.getAlias(), status);
+    if (!breaks || U_FAILURE(status)) // code points are the nearest
+        return static_cast<std::size_t>(std::count_if(text.begin(), text.end(), startsCodePoint));
+    std::size_t count = 0;
+    while (breaks->next() != icu::BreakIterator::DONE)
+        ++count;
+    return count;
+}
 
 } // namespace
 
@@ -75,49 +144,38 @@ std::string lowerCased(std::string_view text) {
 }
 
 std::string_view trimmed(std::string_view text) {
-    const auto* bytes = reinterpret_cast<const uint8_t*>(text.data());
-    auto length = static_cast<int32_t>(text.size());
-    int32_t start = 0;
-    for (int32_t next = 0; next < length; start = next) {
-        UChar32 c = 0;
-        U8_NEXT_OR_FFFD(bytes, next, length, c);
-        if (!u_isUWhiteSpace(c))
-            break;
-    }
-    for (int32_t previous = length; previous > start; length = previous) {
-        UChar32 c = 0;
-        U8_PREV_OR_FFFD(bytes, start, previous, c);
-        if (!u_isUWhiteSpace(c))
-            break;
-    }
-    return text.substr(static_cast<std::size_t>(start), static_cast<std::size_t>(length - start));
+    return trimmedOf(text, u_isUWhiteSpace);
+}
+
+std::string_view trimmedOfBlanks(std::string_view text) {
+    return trimmedOf(text, u_isblank);
 }
 
 bool endsInLetterOrNumber(std::string_view text) {
-    if (text.empty())
-        return false;
-    if (isAscii(text.back()))
-        return isAsciiLetterOrDigit(text.back());
-    const auto* bytes = reinterpret_cast<const uint8_t*>(text.data());
-    UChar32 c = 0;
-    for (auto at = static_cast<int32_t>(text.size()); at > 0;) {
-        U8_PREV_OR_FFFD(bytes, 0, at, c);
-        if (!hasCategory(c, U_GC_M_MASK))
-            break;
-    }
-    return hasCategory(c, letterOrNumber);
+    return endsIn(text, letterOrNumber);
 }
 
 bool continuesWord(std::string_view text) {
-    if (text.empty())
-        return false;
-    if (isAscii(text.front()))
-        return isAsciiLetterOrDigit(text.front());
-    const auto* bytes = reinterpret_cast<const uint8_t*>(text.data());
-    int32_t at = 0;
-    UChar32 c = 0;
-    U8_NEXT_OR_FFFD(bytes, at, static_cast<int32_t>(text.size()), c);
-    return hasCategory(c, letterOrNumber | U_GC_M_MASK);
+    return beginsWith(text, letterOrNumber | U_GC_M_MASK);
+}
+
+bool endsInLetter(std::string_view text) {
+    return endsIn(text, U_GC_L_MASK);
+}
+
+bool continuesLetters(std::string_view text) {
+    return beginsWith(text, U_GC_L_MASK | U_GC_M_MASK);
+}
+
+std::size_t characterCount(std::string_view text) {
+    if (std::all_of(text.begin(), text.end(), isAscii)) {
+        std::size_t count = text.size();
+        for (auto at = text.find("\r\n"); at != std::string_view::npos;
+             at = text.find("\r\n", at + 2))
+            --count;
+        return count;
+    }
+    return countClusters(text);
 }
 
 std::string_view lastPathComponent(std::string_view path) {

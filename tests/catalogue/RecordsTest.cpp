@@ -132,6 +132,16 @@ TEST(Text, lowerCasesByUnicodeWithoutALocale) {
     }
 }
 
+TEST(Text, countsWhatPeopleTakeForCharacters) {
+    const std::pair<const char*, std::size_t> cases[] = {
+        {"", 0},     {"abc", 3},           {"a\r\nb\n\r", 5},
+        {"é", 1},    {"e\u0301\u0323", 1}, {"👩‍👩‍👧🇩🇪!", 3},
+        {"한국", 2}, {"é\r\n", 2},
+    };
+    for (const auto& [text, count] : cases)
+        EXPECT_EQ(characterCount(text), count) << text;
+}
+
 TEST(Text, spellsOutWhatWouldRearrangeALine) {
     EXPECT_EQ(printable("a\nb\x1b[2J\u202ec é"), "a\\nb\\u001b[2J\\u202ec é");
     EXPECT_EQ(printable("\xc3"), "\uFFFD");
