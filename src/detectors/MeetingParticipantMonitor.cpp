@@ -1,0 +1,373 @@
+#include "detectors/MeetingParticipantMonitor.h"
+
+#include "catalogue/Text.h"
+#include "detectors/WindowScan.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+namespace quorva {
+namespace {
+
+constexpr int wholeApplication = -1; ///< in place of a window's index
+constexpr std::size_t fewTexts = 20; ///< so few are no meeting's page, but part of one
+
+bool hostsMeetings(const std::string& bundleIdentifier) {
+    const auto platforms = meetingPlatforms();
+    return std::any_of(platforms.begin(), platforms.end(), [&](const MeetingPlatform& platform) {
+        return isHostedBy(platform, bundleIdentifier);
+    });
+}
+
+template <typename Element>
+void append(std::vector<Element>& all, const std::vector<Element>& more) {
+    all.insert(all.end(), more.begin(), more.end());
+}
+
+template <typename Detection>
+void announce(const std::vector<Detection>& next,
+              const std::vector<Detection> previous, // a callback may change the list
+              std::unordered_set<std::string>& previousIds,
+              const std::function<void(const Detection&)>& onDetected,
+              const std::function<void(const Detection&)>& onDisappeared) {
+    std::unordered_set<std::string> ids;
+    for (const auto& detection : next)
+        ids.insert(detection.id);
+    for (const auto& detection : next)
+        if (!previousIds.contains(detection.id) && onDetected)
+            onDetected(detection);
+    for (const auto& detection : previous)
+        if (!ids.contains(detection.id) && onDisappeared)
+            onDisappeared(detection);
+    previousIds = std::move(ids);
+}
+
+} // namespace
+
+MeetingParticipantMonitor::MeetingParticipantMonitor(MainLoop& loop_, Applications& applications_,
+                                                     AccessibilityTree& tree_, Log& log_)
+    : hasAccessibilityPermission(tree_.isTrusted()),
+      loop(loop_),
+      applications(applications_),
+      tree(tree_),
+      log(log_) {}
+
+void MeetingParticipantMonitor::startMonitoring() {
+    if (isMonitoring)
+        return;
+    hasAccessibilityPermission = tree.isTrusted();
+    if (!hasAccessibilityPermission) {
+        log.info("Cannot start participant monitoring: no Accessibility permission",
+                 logCategory::participant);
+        return;
+    }
+    isMonitoring = true;
+    log.info(fmt::format("Started participant list monitoring (poll interval: {:.1f}s)",
+                         pollInterval.count()),
+             logCategory::participant);
+    schedulePass();
+    pollTimer = loop.every(pollInterval, lifetime.guard([this] { schedulePass(); }));
+    readObserver = tree.onRead(lifetime.guard([this] { scheduleMissedPass(); }));
+}
+
+void MeetingParticipantMonitor::stopMonitoring() {
+    isMonitoring = false;
+    pollTimer.reset();
+    readObserver.reset();
+    tree.request({});
+    activeMeetingPlatform = std::nullopt;
+    log.info("Stopped participant list monitoring", logCategory::participant);
+}
+
+void MeetingParticipantMonitor::schedulePass() {
+    loop.post(lifetime.guard([this] {
+        if (isMonitoring)
+            performScan();
+    }));
+}
+
+/// Sees to it that what the last pass missed is looked at without waiting for the next one.
+void MeetingParticipantMonitor::scheduleMissedPass() {
+    if (isMissedPassScheduled || waitingWindows.empty())
+        return;
+    isMissedPassScheduled = true;
+    loop.post(lifetime.guard([this] {
+        isMissedPassScheduled = false;
+        if (isMonitoring)
+            performMissedPass();
+    }));
+}
+
+/// Only where that makes a difference: what is read over and over is not to hurry the passes.
+void MeetingParticipantMonitor::performMissedPass() {
+    if (waitingIn(watched(applications.runningApplications())) != waitingWindows)
+        performScan();
+}
+
+void MeetingParticipantMonitor::performScan() {
+    if (!hasAccessibilityPermission || isScanning)
+        return;
+    isScanning = true;
+    Pass pass = beginPass();
+    for (const auto& platform : meetingPlatforms())
+        scanPlatform(platform, pass);
+    request(pass.applications);
+    remember(pass);
+    publish(pass);
+    isScanning = false;
+    lastScanDate = loop.now();
+}
+
+bool MeetingParticipantMonitor::readAhead() {
+    if (!hasAccessibilityPermission)
+        return true;
+    const auto present = watched(applications.runningApplications());
+    for (const auto& application : present)
+        if (const auto which = accessibilitySwitchOf(application.bundleIdentifier))
+            tree.enable(application.process, *which);
+    request(present);
+    return waitingIn(present).empty();
+}
+
+MeetingParticipantMonitor::Pass MeetingParticipantMonitor::beginPass() {
+    Pass pass{.now = loop.now()};
+    const auto running = applications.runningApplications();
+    for (const auto& application : running)
+        pass.running.insert(application.processIdentifier);
+    pass.applications = watched(running);
+    pass.coverage.applications = pass.applications.size();
+    return pass;
+}
+
+/// The applications that may hold meetings, with their windows as they were last read.
+std::vector<MeetingParticipantMonitor::WatchedApplication>
+MeetingParticipantMonitor::watched(const std::vector<RunningApplication>& running) const {
+    std::vector<WatchedApplication> watched;
+    for (const auto& application : running) {
+        if (!application.bundleIdentifier || !hostsMeetings(*application.bundleIdentifier))
+            continue;
+        auto [state, problem, windows] = tree.windows(application.processIdentifier);
+        auto& added = watched.emplace_back(WatchedApplication{
+            .process = application.processIdentifier,
+            .bundleIdentifier = *application.bundleIdentifier,
+            .name = application.localizedName.value_or(*application.bundleIdentifier),
+            .state = state,
+            .problem = std::move(problem),
+        });
+        if (state == ReadState::read)
+            for (auto& window : windows)
+                added.windows.push_back(label(std::move(window)));
+    }
+    return watched;
+}
+
+/// What of them has not been read yet.
+std::set<MeetingParticipantMonitor::WindowKey>
+MeetingParticipantMonitor::waitingIn(const std::vector<WatchedApplication>& watched) {
+    std::set<WindowKey> waiting;
+    for (const auto& application : watched) {
+        if (application.state == ReadState::notReadYet)
+            waiting.insert({application.process, wholeApplication});
+        for (const auto& platform : meetingPlatforms())
+            if (isHostedBy(platform, application.bundleIdentifier))
+                for (std::size_t i = 0; i < application.windows.size(); ++i)
+                    if (kindOf(application.windows[i], platform) == WindowKind::notReadYet)
+                        waiting.insert({application.process, static_cast<int>(i)});
+    }
+    return waiting;
+}
+
+void MeetingParticipantMonitor::request(const std::vector<WatchedApplication>& watched) {
+    std::vector<ReadingRequest> requests;
+    for (const auto& application : watched)
+        requests.push_back({application.process, planFor(application.bundleIdentifier)});
+    tree.request(std::move(requests));
+}
+
+const std::shared_ptr<const ReadingPlan>&
+MeetingParticipantMonitor::planFor(const std::string& bundleIdentifier) {
+    auto& plan = plans[bundleIdentifier];
+    if (!plan)
+        plan = makeReadingPlan(bundleIdentifier);
+    return plan;
+}
+
+void MeetingParticipantMonitor::scanPlatform(const MeetingPlatform& platform, Pass& pass) {
+    for (const auto& application : pass.applications) {
+        if (!isHostedBy(platform, application.bundleIdentifier))
+            continue;
+        enable(application);
+        if (application.state == ReadState::read)
+            scanApplication(platform, application, pass);
+        else if (application.state == ReadState::couldNotBeRead)
+            noteFailing(application, wholeApplication, {}, application.problem, pass);
+        else
+            noteWaiting(application, wholeApplication, {}, pass);
+    }
+}
+
+void MeetingParticipantMonitor::enable(const WatchedApplication& application) {
+    const auto which = accessibilitySwitchOf(application.bundleIdentifier);
+    if (!which)
+        return;
+    const auto process = application.process;
+    const int error = tree.enable(process, *which);
+    const bool isElectron = which == AccessibilitySwitch::manualAccessibility;
+    std::string message;
+    if (error == 0)
+        message =
+            isElectron
+                ? fmt::format("Enabled Accessibility tree for Electron app (PID: {})", process)
+                : fmt::format("Enabled AXEnhancedUserInterface for browser (PID: {})", process);
+    else
+        message = isElectron ? fmt::format("Could not enable AX tree for PID {} (error: {}) — will "
+                                           "use partial tree",
+                                           process, error)
+                             : fmt::format("Could not enable AXEnhancedUserInterface for PID {} "
+                                           "(error: {})",
+                                           process, error);
+    log.debug(message, logCategory::participant);
+}
+
+void MeetingParticipantMonitor::scanApplication(const MeetingPlatform& platform,
+                                                const WatchedApplication& application, Pass& pass) {
+    for (std::size_t i = 0; i < application.windows.size(); ++i) {
+        const WindowKey key{application.process, static_cast<int>(i)};
+        if (platform.isBrowser && pass.claimedBrowserWindows.contains(key))
+            continue;
+        const auto& labelled = application.windows[i];
+        const auto& window = labelled.window;
+        switch (kindOf(labelled, platform)) {
+        case WindowKind::none:
+            break;
+        case WindowKind::notReadYet:
+            noteWaiting(application, key.second, window.title, pass);
+            break;
+        case WindowKind::couldNotBeRead:
+            noteFailing(application, key.second, window.title, window.problem, pass);
+            break;
+        case WindowKind::meeting:
+            if (platform.isBrowser)
+                pass.claimedBrowserWindows.insert(key);
+            scanWindow(platform, application, window, pass);
+            break;
+        }
+    }
+}
+
+void MeetingParticipantMonitor::scanWindow(const MeetingPlatform& platform,
+                                           const WatchedApplication& application,
+                                           const AccessibleWindow& window, Pass& pass) {
+    pass.scannedPlatformNames.insert(platform.name);
+    const auto& findings = walks.walk(platform, window, pass.now);
+    ++pass.coverage.windows;
+    pass.coverage.cutShort += findings.isCutShort ? 1 : 0;
+    if (findings.textCount == 0)
+        pass.coverage.unread.push_back({application.process, application.name, window.title,
+                                        "it shows no text to a screen reader"});
+    logDiagnostics(platform, findings);
+    pass.activeMeetingPlatform = platform.name;
+    if (!findings.isMeeting) {
+        log.debug("Teams window without active meeting signals — skipped",
+                  logCategory::participant);
+        return;
+    }
+    pass.activeProcesses[platform.name].insert(application.process);
+    append(pass.bots, findings.bots);
+    append(pass.indicators, findings.indicators);
+}
+
+void MeetingParticipantMonitor::logDiagnostics(const MeetingPlatform& platform,
+                                               const MeetingWindowFindings& findings) {
+    const auto notice = [&](const std::string& message) {
+        log.notice(message, logCategory::participant);
+    };
+    if (findings.textCount == 0)
+        notice(
+            fmt::format("AX tree empty for {} window — permission or browser AX setting may be off",
+                        platform.name));
+    else if (platform.isBrowser && findings.textCount < fewTexts)
+        notice(fmt::format("AX tree partial for {}: only {} elements (expected 100+)",
+                           platform.name, findings.textCount));
+    if (findings.isCutShort)
+        notice(fmt::format("Element budget exhausted ({}) scanning {}",
+                           wholeWindowExtent(platform.isBrowser).maxElements, platform.name));
+}
+
+/// Lists what could not be read, once a pass, and logs it when it begins to fail. Its title is
+/// nobody's business, and does not go into the log.
+void MeetingParticipantMonitor::noteFailing(const WatchedApplication& application, int index,
+                                            const std::string& windowTitle,
+                                            const std::string& problem, Pass& pass) {
+    const WindowKey key{application.process, index};
+    if (!pass.failing.insert(key).second)
+        return;
+    pass.coverage.unread.push_back({application.process, application.name, windowTitle, problem});
+    if (!failingWindows.contains(key))
+        log.notice(fmt::format("{} of {} (PID: {}) can't be read: {}",
+                               index == wholeApplication ? "The windows" : "A window",
+                               printable(application.name), application.process,
+                               printable(problem)),
+                   logCategory::participant);
+}
+
+void MeetingParticipantMonitor::noteWaiting(const WatchedApplication& application, int index,
+                                            const std::string& windowTitle, Pass& pass) {
+    if (pass.waiting.insert({application.process, index}).second)
+        pass.coverage.notReadYet.push_back(
+            {application.process, application.name, windowTitle, {}});
+}
+
+/// Takes over what the next pass has to know.
+void MeetingParticipantMonitor::remember(Pass& pass) {
+    walks.endPass();
+    for (const auto& key : failingWindows)
+        if (pass.waiting.contains(key)) // being read again, which may fail again
+            pass.failing.insert(key);
+    failingWindows = std::move(pass.failing);
+    waitingWindows = std::move(pass.waiting);
+
+    platformWindowsAccessible.clear();
+    for (const auto& platform : meetingPlatforms())
+        platformWindowsAccessible[platform.name] =
+            pass.scannedPlatformNames.contains(platform.name);
+    for (auto& [name, processes] : pass.activeProcesses)
+        knownActiveMeetingPIDs[name].merge(processes);
+    for (auto& [name, processes] : knownActiveMeetingPIDs)
+        std::erase_if(processes, [&](auto process) { return !pass.running.contains(process); });
+    std::erase_if(knownActiveMeetingPIDs, [](const auto& entry) { return entry.second.empty(); });
+}
+
+void MeetingParticipantMonitor::publish(Pass& pass) {
+    coverage = std::move(pass.coverage);
+    activeMeetingPlatform = pass.activeMeetingPlatform;
+
+    auto foundBots = firstOfEachKey(std::move(pass.bots));
+    std::stable_sort(foundBots.begin(), foundBots.end(),
+                     [](const auto& a, const auto& b) { return a.confidence > b.confidence; });
+    auto bots = retainedBots.endPass(std::move(foundBots), pass.now,
+                                     [this](const auto& bot) { return reachOf(bot); });
+    auto indicators = retainedIndicators.endPass(
+        firstOfEachKey(std::move(pass.indicators)), pass.now, [&](const auto& indicator) {
+            auto reach = reachOf(indicator);
+            reach.isOver =
+                pass.activeMeetingPlatform && pass.activeMeetingPlatform != indicator.platformName;
+            return reach;
+        });
+
+    announce(bots, *participantBotDetections, previousBotIds, onBotDetected, onBotDisappeared);
+    announce(indicators, *recordingIndicators, previousIndicatorIds, onRecordingIndicatorDetected,
+             onRecordingIndicatorDisappeared);
+    participantBotDetections = std::move(bots);
+    recordingIndicators = std::move(indicators);
+}
+
+template <typename Detection>
+MeetingReach MeetingParticipantMonitor::reachOf(const Detection& detection) const {
+    const auto accessible = platformWindowsAccessible.find(detection.platformName);
+    return {.isRunning = knownActiveMeetingPIDs.contains(detection.platformName),
+            .isAccessible = accessible != platformWindowsAccessible.end() && accessible->second};
+}
+
+} // namespace quorva

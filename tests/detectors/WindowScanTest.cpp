@@ -1,0 +1,129 @@
+#include "detectors/WindowScan.h"
+
+#include "detectors/MeetingPlatforms.h"
+#include "support/AccessibleElements.h"
+
+#include <gmock/gmock.h>
+
+namespace quorva {
+namespace {
+
+using enum AccessibilityRole;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+/// The element below `depth` groups: at that depth, where the topmost group is a window.
+AccessibleElementPtr below(int depth, AccessibleElementPtr lowest) {
+    for (int i = 0; i < depth; ++i)
+        lowest = element(group, {}, {lowest});
+    return lowest;
+}
+
+TEST(WindowScan, collectsShortTextsInTheOrderOfTheTree) {
+    std::string accents;
+    for (int i = 0; i < 199; ++i)
+        accents += "é";
+    const auto full = std::make_shared<const AccessibleElement>(AccessibleElement{
+        .role = button,
+        .value = "value",
+        .title = " title\n",
+        .description = "title",
+        .help = " \t\n",
+        .roleDescription = "button",
+        .children = {element(staticText, std::string(199, 'a')),
+                     element(staticText, std::string(200, 'b')), element(staticText, accents),
+                     element(staticText, accents + "é")},
+    });
+    const auto tree = element(window, "top", {full, element(unreadable, "last")});
+    const auto found = collectTexts(*tree, wholeWindowExtent(false));
+    EXPECT_THAT(found.texts, ElementsAre("top", "value", "title", "title", "button",
+                                         std::string(199, 'a'), accents, "last"));
+    EXPECT_EQ(found.elementCount, 7);
+}
+
+TEST(WindowScan, leavesOutDecorationAndTheToolbarsOfDocuments) {
+    Elements children;
+    for (const auto role : {menuBar, scrollBar, splitter, ruler, image, colorWell, slider})
+        children.push_back(element(role, "no", {element(staticText, "no")}));
+    children.push_back(element(toolbar, "yes"));
+    const auto tree = element(window, {}, std::move(children));
+    const auto found = collectTexts(*tree, wholeWindowExtent(false));
+    EXPECT_THAT(found.texts, ElementsAre("yes"));
+    EXPECT_EQ(found.elementCount, 2) << "what is left out costs nothing";
+
+    const auto nested = [](int depthOfParent) {
+        return below(depthOfParent + 1, element(toolbar, "bar"));
+    };
+    EXPECT_THAT(collectTexts(*nested(3), wholeWindowExtent(true)).texts, ElementsAre("bar"));
+    EXPECT_THAT(collectTexts(*nested(4), wholeWindowExtent(true)).texts, IsEmpty());
+}
+
+TEST(WindowScan, endsWhereTheBudgetsDo) {
+    for (const bool isBrowser : {false, true}) {
+        const auto extent = wholeWindowExtent(isBrowser);
+        const int deepest = (isBrowser ? 30 : 20) - 1;
+        EXPECT_THAT(collectTexts(*below(deepest, element(staticText, "x")), extent).texts,
+                    ElementsAre("x"));
+        EXPECT_THAT(collectTexts(*below(deepest + 1, element(staticText, "x")), extent).texts,
+                    IsEmpty());
+
+        // Half of them in the first branch: the budget is one for the whole window.
+        const int most = isBrowser ? 5000 : 2000;
+        const auto half = static_cast<std::size_t>(most / 2);
+        const auto wide =
+            element(window, "top",
+                    {listOf(std::vector<std::string>(half, "a")),
+                     listOf(std::vector<std::string>(half, "b")), element(staticText, "last")});
+        const auto found = collectTexts(*wide, extent);
+        EXPECT_EQ(found.elementCount, most);
+        EXPECT_EQ(found.texts.size(), static_cast<std::size_t>(most) - 2);
+        EXPECT_EQ(found.texts.back(), "b");
+    }
+}
+
+TEST(WindowScan, findsThePageInContainersNearTheTop) {
+    const auto page = [](std::string url) { return element(webArea, {}, {}, std::move(url)); };
+    EXPECT_EQ(findWebAreaURL(*below(8, page("near"))), "near");
+    EXPECT_EQ(findWebAreaURL(*below(9, page("far"))), "");
+    for (const auto role : {group, scrollArea, splitGroup, tabGroup})
+        EXPECT_EQ(findWebAreaURL(*element(window, {}, {element(role, {}, {page("x")})})), "x");
+    EXPECT_EQ(findWebAreaURL(*element(window, {}, {element(toolbar, {}, {page("x")})})), "");
+    // A page without an address does not hide the next one, and what it embeds is not the window's.
+    const auto embedding = element(webArea, {}, {page("embedded")});
+    EXPECT_EQ(findWebAreaURL(*element(window, {}, {embedding, page("second"), page("third")})),
+              "second");
+}
+
+TEST(WindowScan, takesTwoControlsOfAMeetingForAMeeting) {
+    using Texts = std::vector<std::string_view>;
+    EXPECT_FALSE(hasActiveMeetingSignals(Texts{}));
+    EXPECT_FALSE(hasActiveMeetingSignals(Texts{"Leave", "Ann will leave", "Chat"}));
+    EXPECT_TRUE(hasActiveMeetingSignals(Texts{"LEAVE (Ctrl+Shift+H)", "Chat", "Mute"}));
+    EXPECT_TRUE(hasActiveMeetingSignals(Texts{"Raise hand", "Raise hand"}));
+}
+
+TEST(MeetingPlatforms, tellThePlatformByTheAddress) {
+    EXPECT_EQ(platformForURL("https://APP.zoom.us/wc/1/join"), "Zoom");
+    EXPECT_EQ(platformForURL("https://us05web.zoom.us/wc/1"), "Zoom");
+    EXPECT_EQ(platformForURL("https://teams.microsoft.com/v2/"), "Teams");
+    EXPECT_EQ(platformForURL("https://teams.live.com/meet/1"), "Teams");
+    EXPECT_EQ(platformForURL("https://teams.cloud.microsoft/"), "Teams");
+    EXPECT_EQ(platformForURL("https://meet.google.com/a?from=teams.live.com"), "Teams");
+    EXPECT_EQ(platformForURL("https://meet.google.com/abc-defg-hij"), "Google Meet");
+    EXPECT_EQ(platformForURL("https://zoom.us/pricing"), std::nullopt);
+}
+
+TEST(MeetingPlatforms, knowSearchPagesByTheirTitles) {
+    for (const auto* const title :
+         {"zoom meeting - Google Search", "Meet - Google", "x - Google", "teams - Bing", "Bing - x",
+          "meet at DuckDuckGo", "a - Yahoo Search Results",
+          "zoom meeting - Google Search - Google Chrome", "x - Google - Google Chrome - Work"})
+        EXPECT_TRUE(isNonMeetingBrowserTitle(title)) << title;
+    for (const auto* const title :
+         {"", "Meet – abc-defg-hij", "Zoom Meeting - Mozilla Firefox",
+          "Google Meet - Google Chrome", "Weekly | Microsoft Teams - Google Chrome - Work"})
+        EXPECT_FALSE(isNonMeetingBrowserTitle(title)) << title;
+}
+
+} // namespace
+} // namespace quorva

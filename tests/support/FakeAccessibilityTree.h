@@ -1,0 +1,155 @@
+// Windows of applications in memory. What a reading plan did not ask for is not there to be seen,
+// and what has been asked for is there when the reader has got round to it.
+#pragma once
+
+#include "platform/AccessibilityTree.h"
+#include "platform/MainLoop.h"
+
+#include <cerrno>
+#include <map>
+#include <utility>
+
+namespace quorva {
+
+class FakeAccessibilityTree final : public AccessibilityTree {
+public:
+    /// The loop must outlive the tree.
+    explicit FakeAccessibilityTree(MainLoop& loop_) : loop(loop_) {}
+
+    struct Window {
+        std::string title;
+        AccessibleElementPtr tree;
+        std::string problem = {}; ///< not empty: it cannot be read
+        bool isAnswering = true;  ///< false: it is being read for ever
+        bool isReadWholly = true; ///< false: of it only what is read first has been read
+    };
+    struct Application {
+        std::vector<Window> windows;
+        std::string problem = {};
+        bool isAnswering = true;
+    };
+    struct Enabling {
+        ProcessIdentifier process;
+        AccessibilitySwitch which;
+        bool operator==(const Enabling&) const = default;
+    };
+
+    std::map<ProcessIdentifier, Application> applications; ///< as they are now
+    bool isOn = true;
+    int enableError = 0;
+    std::vector<Enabling> enabled;
+    std::vector<ReadingRequest> requested; ///< the last request
+    CallbackList<> trustChanges;
+    CallbackList<> reads;
+
+    [[nodiscard]] bool isTrusted() const override { return isOn; }
+    [[nodiscard]] Subscription onTrustChange(Task callback) override {
+        return trustChanges.add(std::move(callback));
+    }
+    int enable(ProcessIdentifier process, AccessibilitySwitch which) override {
+        enabled.push_back({process, which});
+        return enableError;
+    }
+
+    /// The reader keeps up with what has been requested; those who follow it are told when it has
+    /// begun.
+    void request(std::vector<ReadingRequest> requests) override {
+        std::map<ProcessIdentifier, Readings> kept;
+        bool isNew = false;
+        for (const auto& [process, plan] : requests) {
+            isNew = isNew || !readings.contains(process);
+            kept[process] = std::move(readings[process]);
+        }
+        readings = std::move(kept);
+        requested = std::move(requests);
+        if (isNew)
+            loop.post([this] { reads.call(); });
+    }
+
+    [[nodiscard]] AccessibleWindows windows(ProcessIdentifier process) const override {
+        for (const auto& each : requested)
+            if (each.process == process)
+                return read(each);
+        return {};
+    }
+
+    [[nodiscard]] Subscription onRead(Task callback) override {
+        return reads.add(std::move(callback));
+    }
+
+private:
+    /// A reading is the same object as long as what it was made of is.
+    struct Reading {
+        AccessibleElementPtr source;
+        TreeExtent extent;
+        AccessibleElementPtr tree;
+    };
+    using Readings = std::vector<Reading>;
+
+    [[nodiscard]] AccessibleWindows read(const ReadingRequest& asked) const {
+        const auto found = applications.find(asked.process);
+        if (found == applications.end())
+            return {.state = ReadState::couldNotBeRead, .problem = "it shows nothing"};
+        const auto& application = found->second;
+        if (!application.problem.empty())
+            return {.state = ReadState::couldNotBeRead, .problem = application.problem};
+        if (!application.isAnswering)
+            return {};
+        AccessibleWindows answer{.state = ReadState::read};
+        for (const auto& window : application.windows)
+            answer.windows.push_back(read(window, *asked.plan, readings[asked.process]));
+        return answer;
+    }
+
+    static AccessibleWindow read(const Window& window, const ReadingPlan& plan,
+                                 Readings& readings) {
+        AccessibleWindow answer{.title = window.title};
+        auto [extent, isFinal] = plan.byTitle(window.title);
+        if (extent.maxElements == 0)
+            return answer;
+        if (!window.problem.empty()) {
+            answer.state = ReadState::couldNotBeRead;
+            answer.problem = window.problem;
+        }
+        if (!window.problem.empty() || !window.isAnswering)
+            return answer;
+        answer.tree = reading(window.tree, extent, readings);
+        if (!isFinal)
+            if (const auto whole = plan.byTree(window.title, *answer.tree);
+                whole.maxElements > 0 && window.isReadWholly) {
+                extent = whole;
+                answer.tree = reading(window.tree, extent, readings);
+            }
+        answer.state = ReadState::read;
+        answer.extent = extent;
+        return answer;
+    }
+
+    static AccessibleElementPtr reading(const AccessibleElementPtr& source,
+                                        const TreeExtent& extent, Readings& readings) {
+        for (const auto& known : readings)
+            if (known.source == source && known.extent == extent)
+                return known.tree;
+        int budget = extent.maxElements;
+        const auto tree = cut(*source, extent, 0, budget);
+        readings.push_back({source, extent, tree});
+        return tree;
+    }
+
+    static AccessibleElementPtr cut(const AccessibleElement& element, const TreeExtent& extent,
+                                    int depth, int& budget) {
+        --budget;
+        auto copy = std::make_shared<AccessibleElement>(element);
+        copy->children.clear();
+        if (depth + 1 < extent.maxDepth)
+            for (const auto& child : element.children)
+                if (budget > 0 && extent.descends(element.role, child->role, depth))
+                    copy->children.push_back(cut(*child, extent, depth + 1, budget));
+        return copy;
+    }
+
+    MainLoop& loop;
+    mutable std::map<ProcessIdentifier, Readings> readings;
+};
+
+} // namespace quorva
