@@ -33,10 +33,8 @@ struct AtspiApplication::Window {
     [[nodiscard]] bool isWatched() const { return reader && texts == AtspiTreeReader::Texts::all; }
 };
 
-AtspiApplication::AtspiApplication(GDBusConnection* bus_, AtspiEvents& events_, std::string name,
-                                   Task onRead_)
-    : bus(G_DBUS_CONNECTION(g_object_ref(bus_))),
-      events(events_),
+AtspiApplication::AtspiApplication(const AtspiBus& bus_, std::string name, Task onRead_)
+    : bus(bus_),
       root{std::move(name), atspi::rootPath},
       onRead(std::move(onRead_)),
       enabled(EINPROGRESS) {}
@@ -57,7 +55,7 @@ void AtspiApplication::begin() {
     isReadAgain = false;
     soon.reset();
     if (!calls) {
-        calls = std::make_unique<AtspiCalls>(bus.get(), lifetime.guard([this] {
+        calls = std::make_unique<AtspiCalls>(bus.bulk, lifetime.guard([this] {
             giveUp("it does not answer");
             waitForAnswer();
         }));
@@ -170,7 +168,7 @@ void AtspiApplication::readWhole(std::size_t index, const TreeExtent& extent) {
     });
     if (changes)
         return start();
-    changes = events.follow(
+    changes = bus.events.follow(
         root.bus, lifetime.guard([this](const AtspiEvent& event) { receive(event); }), start);
 }
 
@@ -224,7 +222,7 @@ void AtspiApplication::giveUp(std::string problem) {
 
 /// One question is left with it; the answer, however late, ends the silence.
 void AtspiApplication::waitForAnswer() {
-    callBus(bus.get(),
+    callBus(bus.main,
             {root.bus.c_str(), root.path.c_str(), atspi::accessible, "GetRole", nullptr, G_MAXINT},
             lifetime.guard([this](GVariant*) {
                 state = State::ready;

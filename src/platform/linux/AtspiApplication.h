@@ -18,12 +18,18 @@
 
 namespace quorva {
 
+/// The accessibility bus as applications are read over it. What it refers to must outlive them.
+struct AtspiBus {
+    GDBusConnection* main; ///< for single calls
+    AtspiConnection& bulk; ///< for elements
+    AtspiEvents& events;
+};
+
 class AtspiApplication {
 public:
-    /// `bus` is the accessibility bus, `events` those on it, which must outlive the application;
-    /// `name` is the application's own on it. `onRead` is called after
-    /// each reading, the failed ones included.
-    AtspiApplication(GDBusConnection* bus, AtspiEvents& events, std::string name, Task onRead);
+    /// `name` is the application's own on the bus. `onRead` is called after each reading, the
+    /// failed ones included.
+    AtspiApplication(const AtspiBus& bus, std::string name, Task onRead);
     ~AtspiApplication();
 
     AtspiApplication(const AtspiApplication&) = delete;
@@ -59,8 +65,7 @@ private:
     void apply(const AtspiEvent& event);
     void readSoon();
 
-    GObjectPtr<GDBusConnection> bus;
-    AtspiEvents& events;
+    const AtspiBus bus;
     const AtspiReference root;
     const Task onRead;
 

@@ -1,7 +1,7 @@
 #include "platform/linux/AtspiCalls.h"
 
-#include "platform/linux/BusCall.h"
-
+#include <algorithm>
+#include <list>
 #include <utility>
 
 namespace quorva {
@@ -11,77 +11,106 @@ constexpr int maxInFlight = 48;        // more does not make it faster
 constexpr gint64 patience = 1'500'000; // microseconds
 constexpr guint lookInterval = 250;    // milliseconds
 
+using MessagePtr = std::unique_ptr<sd_bus_message, Release<sd_bus_message_unref>>;
+using SlotPtr = std::unique_ptr<sd_bus_slot, Release<sd_bus_slot_unref>>;
+
+MessagePtr messageOf(sd_bus* bus, const AtspiCall& call) {
+    sd_bus_message* made = nullptr;
+    if (sd_bus_message_new_method_call(bus, &made, call.object.bus.c_str(),
+                                       call.object.path.c_str(), call.interface, call.method) < 0)
+        return nullptr;
+    MessagePtr message(made);
+    sd_bus_message_set_auto_start(made, 0);
+    for (const char* const text : call.texts)
+        sd_bus_message_append_basic(made, SD_BUS_TYPE_STRING, text);
+    for (const std::int32_t number : call.numbers)
+        sd_bus_message_append_basic(made, SD_BUS_TYPE_INT32, &number);
+    return message;
+}
+
 } // namespace
 
+struct AtspiCalls::Pending {
+    std::weak_ptr<State> state;
+    Reply reply;
+    SlotPtr slot; ///< dropping it gives the call up
+};
+
 struct AtspiCalls::State {
-    GObjectPtr<GDBusConnection> bus;
-    std::function<void()> onHang;
-    GObjectPtr<GCancellable> cancellable{g_cancellable_new()};
+    AtspiConnection& connection;
+    Task onHang;
     GMainContextPtr context{g_main_context_ref_thread_default()};
     GSourcePtr watch;
-    int inFlight = 0;
+    std::list<Pending> inFlight;
     gint64 lastAnswer = 0;
     bool isOver = false;
 
     void end() {
         isOver = true;
+        inFlight.clear();
         watch.reset();
-        g_cancellable_cancel(cancellable.get());
     }
 };
 
-AtspiCalls::AtspiCalls(GDBusConnection* bus, std::function<void()> onHang)
-    : state(std::make_shared<State>()) {
-    state->bus.reset(G_DBUS_CONNECTION(g_object_ref(bus)));
-    state->onHang = std::move(onHang);
-}
+AtspiCalls::AtspiCalls(AtspiConnection& connection, Task onHang)
+    : state(std::make_shared<State>(State{connection, std::move(onHang)})) {}
 
 AtspiCalls::~AtspiCalls() {
     state->end();
 }
 
 void AtspiCalls::send(const AtspiCall& call, Reply reply) {
-    if (state->isOver) {
-        const GVariantPtr unused(call.parameters != nullptr ? g_variant_ref_sink(call.parameters)
-                                                            : nullptr);
+    if (state->isOver)
         return;
-    }
-    if (state->inFlight++ == 0) {
+    if (state->inFlight.empty()) {
         state->lastAnswer = g_get_monotonic_time();
         state->watch.reset(g_timeout_source_new(lookInterval));
         g_source_set_callback(state->watch.get(), look, state.get(), nullptr);
         g_source_attach(state->watch.get(), state->context.get());
     }
-    callBus(state->bus.get(),
-            {call.object.bus.c_str(), call.object.path.c_str(), call.interface, call.method,
-             call.parameters, G_MAXINT, G_DBUS_CALL_FLAGS_NO_AUTO_START, state->cancellable.get()},
-            [held = state, reply = std::move(reply)](GVariant* value) {
-                if (held->isOver)
-                    return;
-                held->lastAnswer = g_get_monotonic_time();
-                if (--held->inFlight == 0)
-                    held->watch.reset();
-                reply(value);
-            });
+    auto& pending = state->inFlight.emplace_back(Pending{state, std::move(reply), nullptr});
+    auto* const bus = state->connection.bus();
+    const auto message = bus != nullptr ? messageOf(bus, call) : nullptr;
+    sd_bus_slot* slot = nullptr;
+    if (message && sd_bus_call_async(bus, &slot, message.get(), receive, &pending, UINT64_MAX) >= 0)
+        pending.slot.reset(slot);
+    // What could not be sent is not answered: the connection is lost, and its owner is told.
 }
 
 void AtspiCalls::get(const AtspiReference& object, const char* interface, const char* property,
                      Reply reply) {
-    send({object, atspi::properties, "Get", g_variant_new("(ss)", interface, property)},
-         std::move(reply));
+    send({object, atspi::properties, "Get", {interface, property}}, std::move(reply));
 }
 
 int AtspiCalls::room() const {
-    return state->isOver ? 0 : maxInFlight - state->inFlight;
+    return state->isOver ? 0 : maxInFlight - static_cast<int>(state->inFlight.size());
+}
+
+int AtspiCalls::receive(sd_bus_message* message, void* answered, sd_bus_error*) {
+    auto* const pending = static_cast<Pending*>(answered);
+    const auto state = pending->state.lock();
+    if (!state)
+        return 0;
+    const auto found = std::find_if(state->inFlight.begin(), state->inFlight.end(),
+                                    [&](const Pending& each) { return &each == pending; });
+    std::list<Pending> done; // kept until the end: it is the callback's own slot
+    done.splice(done.end(), state->inFlight, found);
+    state->lastAnswer = g_get_monotonic_time();
+    if (state->inFlight.empty())
+        state->watch.reset();
+    const auto body =
+        sd_bus_message_is_method_error(message, nullptr) > 0 ? nullptr : bodyOf(message);
+    done.front().reply(body.get());
+    return 0;
 }
 
 gboolean AtspiCalls::look(gpointer watched) {
-    const auto& state = *static_cast<State*>(watched);
+    auto& state = *static_cast<State*>(watched);
     if (g_get_monotonic_time() - state.lastAnswer < patience)
         return G_SOURCE_CONTINUE;
     const auto onHang = state.onHang; // may end the owner, and with it the state
-    static_cast<State*>(watched)->isOver = true;
-    g_cancellable_cancel(state.cancellable.get());
+    state.isOver = true;
+    state.inFlight.clear();
     onHang();
     return G_SOURCE_REMOVE;
 }

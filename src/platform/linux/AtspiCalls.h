@@ -3,21 +3,24 @@
 // Belongs to the thread, and to the thread-default main context, that made it.
 #pragma once
 
+#include "platform/linux/AtspiConnection.h"
 #include "platform/linux/AtspiProtocol.h"
 #include "platform/linux/Handles.h"
 
+#include <cstdint>
 #include <functional>
+#include <initializer_list>
 #include <memory>
-#include <string>
 
 namespace quorva {
 
-/// One method call. `parameters` may be floating, or null for none.
+/// One method call, whose parameters are texts, then numbers.
 struct AtspiCall {
     const AtspiReference& object;
     const char* interface;
     const char* method;
-    GVariant* parameters = nullptr;
+    std::initializer_list<const char*> texts = {};
+    std::initializer_list<std::int32_t> numbers = {};
 };
 
 class AtspiCalls {
@@ -25,9 +28,10 @@ public:
     /// Gets the parameters of the reply, null for any failure; these live as long as the call.
     using Reply = std::function<void(GVariant* reply)>;
 
-    /// `onHang` is called once when calls are in flight and none has been answered for `patience`:
-    /// all of them are given up then, without a reply, and so are those made later.
-    AtspiCalls(GDBusConnection* bus, std::function<void()> onHang);
+    /// `connection` must outlive the object. `onHang` is called once when calls are in flight and
+    /// none has been answered for a second and a half: all of them are given up then, without a
+    /// reply, and so are those made later.
+    AtspiCalls(AtspiConnection& connection, Task onHang);
 
     /// Gives up what is in flight, without replies.
     ~AtspiCalls();
@@ -35,6 +39,7 @@ public:
     AtspiCalls(const AtspiCalls&) = delete;
     AtspiCalls& operator=(const AtspiCalls&) = delete;
 
+    /// The reply comes later, never within this call.
     void send(const AtspiCall& call, Reply reply);
 
     /// As send, for the value of a property.
@@ -46,7 +51,9 @@ public:
 
 private:
     struct State;
+    struct Pending;
     static gboolean look(gpointer state);
+    static int receive(sd_bus_message* message, void* pending, sd_bus_error*);
 
     std::shared_ptr<State> state;
 };

@@ -88,8 +88,9 @@ private:
     void settleDocuments();
 
     void advance(const NodePtr& node);
-    void ask(const NodePtr& node, const char* interface, const char* method, GVariant* parameters,
-             Answer answer);
+    void ask(const NodePtr& node, const char* interface, const char* method, Answer answer,
+             std::initializer_list<const char*> textParameters = {},
+             std::initializer_list<std::int32_t> numberParameters = {});
     void askProperty(const NodePtr& node, const char* name, Answer answer);
     void askDetails(const NodePtr& node);
     void askDocument(const NodePtr& node);

@@ -33,21 +33,21 @@ bool AtspiTreeReader::wantsChildren(const Node& node) const {
 /// state of a document whether to ask at all.
 void AtspiTreeReader::advance(const NodePtr& node) {
     if (!node->hasRole)
-        return ask(node, atspi::accessible, "GetRole", nullptr, &AtspiTreeReader::takeRole);
+        return ask(node, atspi::accessible, "GetRole", &AtspiTreeReader::takeRole);
     if (!isPart(*node) || node->depth >= extent.maxDepth)
         return;
     if (!node->hasDetails)
         return askDetails(node);
     if (!node->hasState && wantsState(*node)) {
-        ask(node, atspi::accessible, "GetState", nullptr, &AtspiTreeReader::takeState);
+        ask(node, atspi::accessible, "GetState", &AtspiTreeReader::takeState);
         if (node->isDocument())
             askDocument(node);
     } else if (!node->hasChildren && wantsChildren(*node)) {
         askChildren(node);
     }
+    // To the end: Firefox has nothing to say of the first so many characters of a shorter text.
     if (!node->hasText && wantsText(*node))
-        ask(node, atspi::text, "GetText", g_variant_new("(ii)", 0, -1), // Firefox bears no more
-            &AtspiTreeReader::takeText);
+        ask(node, atspi::text, "GetText", &AtspiTreeReader::takeText, {}, {0, -1});
     if (texts == Texts::all)
         askRoleName(*node);
 }
@@ -66,10 +66,11 @@ void AtspiTreeReader::askRoleName(const Node& node) {
 }
 
 void AtspiTreeReader::ask(const NodePtr& node, const char* interface, const char* method,
-                          GVariant* parameters, Answer answer) {
+                          Answer answer, std::initializer_list<const char*> textParameters,
+                          std::initializer_list<std::int32_t> numberParameters) {
     ++asked;
     ++node->asked;
-    calls.send({node->reference, interface, method, parameters},
+    calls.send({node->reference, interface, method, textParameters, numberParameters},
                lifetime.guard([this, answer, weak = std::weak_ptr(node)](GVariant* reply) {
                    --asked;
                    if (const auto read = weak.lock(); read && !read->isDropped) {
@@ -95,14 +96,14 @@ void AtspiTreeReader::settle(const NodePtr& node) {
 }
 
 void AtspiTreeReader::askProperty(const NodePtr& node, const char* name, Answer answer) {
-    ask(node, atspi::properties, "Get", g_variant_new("(ss)", atspi::accessible, name), answer);
+    ask(node, atspi::properties, "Get", answer, {atspi::accessible, name});
 }
 
 /// All properties at once from those programs that bear the question: some end at it.
 void AtspiTreeReader::askDetails(const NodePtr& node) {
     if (traits.toolkit != AtspiToolkit::unknown)
-        return ask(node, atspi::properties, "GetAll", g_variant_new("(s)", atspi::accessible),
-                   &AtspiTreeReader::takeDetails);
+        return ask(node, atspi::properties, "GetAll", &AtspiTreeReader::takeDetails,
+                   {atspi::accessible});
     askProperty(node, "Name", &AtspiTreeReader::takeName);
     askProperty(node, "Description", &AtspiTreeReader::takeDescription);
     askProperty(node, "ChildCount", &AtspiTreeReader::takeCount);
@@ -115,18 +116,17 @@ void AtspiTreeReader::askDocument(const NodePtr& node) {
                                   ? traits.toolkit == AtspiToolkit::gecko
                                   : traits.toolkit == AtspiToolkit::chromium;
         if (!isOthers)
-            ask(node, atspi::document, "GetAttributeValue", g_variant_new("(s)", key),
-                &AtspiTreeReader::takeAddress);
+            ask(node, atspi::document, "GetAttributeValue", &AtspiTreeReader::takeAddress, {key});
     }
 }
 
 void AtspiTreeReader::askChildren(const NodePtr& node) {
     if (node->childCount <= std::max(extent.maxElements, manyChildren))
-        return ask(node, atspi::accessible, "GetChildren", nullptr, &AtspiTreeReader::takeChildren);
+        return ask(node, atspi::accessible, "GetChildren", &AtspiTreeReader::takeChildren);
     const auto end = std::min(node->nextChild + childrenAtOnce, extent.maxElements);
     while (node->nextChild < end)
-        ask(node, atspi::accessible, "GetChildAtIndex", g_variant_new("(i)", node->nextChild++),
-            &AtspiTreeReader::takeChild);
+        ask(node, atspi::accessible, "GetChildAtIndex", &AtspiTreeReader::takeChild, {},
+            {node->nextChild++});
 }
 
 void AtspiTreeReader::takeRole(Node& node, GVariant* reply) {

@@ -36,8 +36,9 @@ struct AtspiWorker::Connected {
         std::unique_ptr<AtspiApplication> application; ///< null when nobody wants it
     };
 
-    Connected(GObjectPtr<GDBusConnection> bus_, const std::string& address)
+    Connected(GObjectPtr<GDBusConnection> bus_, const std::string& address, const Task& onLost)
         : bus(std::move(bus_)),
+          bulk(address, onLost),
           events(GObjectPtr<GDBusConnection>(G_DBUS_CONNECTION(g_object_ref(bus.get()))), address) {
     }
     ~Connected() {
@@ -56,6 +57,7 @@ struct AtspiWorker::Connected {
     }
 
     GObjectPtr<GDBusConnection> bus;
+    AtspiConnection bulk;
     AtspiEvents events;
     gulong closed = 0;
     guint owners = 0;
@@ -141,7 +143,8 @@ void AtspiWorker::open(const std::string& address) {
 }
 
 void AtspiWorker::join(GObjectPtr<GDBusConnection> bus, const std::string& address) {
-    connected = std::make_unique<Connected>(std::move(bus), address);
+    connected =
+        std::make_unique<Connected>(std::move(bus), address, lifetime.guard([this] { lose(); }));
     connected->closed =
         g_signal_connect(connected->bus.get(), "closed",
                          G_CALLBACK(+[](GDBusConnection*, gboolean, GError*, gpointer self) {
@@ -255,7 +258,7 @@ void AtspiWorker::assign() {
         heard.insert(process);
         if (!speaker.application)
             speaker.application = std::make_unique<AtspiApplication>(
-                connected->bus.get(), connected->events, name,
+                AtspiBus{connected->bus.get(), connected->bulk, connected->events}, name,
                 lifetime.guard([this, process] { report(process); }));
         speaker.application->read(request->reading.plan, request->enables);
     }

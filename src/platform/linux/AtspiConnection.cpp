@@ -1,0 +1,179 @@
+#include "platform/linux/AtspiConnection.h"
+
+#include "platform/linux/MainContext.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <utility>
+
+namespace quorva {
+
+struct AtspiConnection::Source {
+    GSource base;
+    AtspiConnection* owner;
+    GPollFD poll;
+};
+
+AtspiConnection::AtspiConnection(const std::string& address, Task onLost_)
+    : onLost(std::move(onLost_)) {
+    sd_bus* made = nullptr;
+    if (sd_bus_new(&made) < 0)
+        return;
+    connection.reset(made);
+    if (sd_bus_set_address(made, address.c_str()) < 0 || sd_bus_set_bus_client(made, 1) < 0 ||
+        sd_bus_start(made) < 0) {
+        connection.reset();
+        return;
+    }
+    static GSourceFuncs functions{prepare, check, dispatch, nullptr, nullptr, nullptr};
+    source.reset(g_source_new(&functions, sizeof(Source)));
+    auto* const attached = reinterpret_cast<Source*>(source.get());
+    attached->owner = this;
+    attached->poll = {sd_bus_get_fd(made), 0, 0};
+    g_source_add_poll(source.get(), &attached->poll);
+    g_source_attach(source.get(), g_main_context_get_thread_default());
+}
+
+AtspiConnection::~AtspiConnection() = default;
+
+gboolean AtspiConnection::prepare(GSource* source, gint* timeout) {
+    auto* const self = reinterpret_cast<Source*>(source);
+    auto* const bus = self->owner->bus();
+    const int events = sd_bus_get_events(bus);
+    self->poll.events = static_cast<gushort>(std::max(events, 0));
+    std::uint64_t until = UINT64_MAX;
+    *timeout = -1;
+    return events < 0 || (sd_bus_get_timeout(bus, &until) >= 0 && until == 0) ? TRUE : FALSE;
+}
+
+gboolean AtspiConnection::check(GSource* source) {
+    return reinterpret_cast<Source*>(source)->poll.revents != 0 ? TRUE : FALSE;
+}
+
+/// A turn deals with many messages, but lets others have theirs.
+gboolean AtspiConnection::dispatch(GSource* source, GSourceFunc, gpointer) {
+    constexpr int atOnce = 64;
+    auto* const owner = reinterpret_cast<Source*>(source)->owner;
+    for (int i = 0; i < atOnce; ++i) {
+        const int result = sd_bus_process(owner->bus(), nullptr);
+        if (g_source_is_destroyed(source) != FALSE)
+            return G_SOURCE_REMOVE;
+        if (result < 0) {
+            const auto call = owner->onLost; // may end the owner
+            call();
+            return G_SOURCE_REMOVE;
+        }
+        if (result == 0)
+            break;
+    }
+    return G_SOURCE_CONTINUE;
+}
+
+namespace {
+
+constexpr int deepest = 16;
+
+GVariantPtr sunk(GVariant* value) {
+    return GVariantPtr(value != nullptr ? g_variant_ref_sink(value) : nullptr);
+}
+
+GVariantPtr valueOf(sd_bus_message* message, int depth);
+
+/// The values up to the end of the message or of the container that it stands in.
+bool addRest(sd_bus_message* message, GVariantBuilder* builder, int depth) {
+    while (sd_bus_message_at_end(message, 0) == 0) {
+        const auto value = valueOf(message, depth);
+        if (!value)
+            return false;
+        g_variant_builder_add_value(builder, value.get());
+    }
+    return true;
+}
+
+GVariantPtr containerOf(sd_bus_message* message, char type, const char* contents, int depth) {
+    const std::string inner(contents != nullptr ? contents : "");
+    const std::string signature = type == 'a'   ? "a" + inner
+                                  : type == 'v' ? "v"
+                                  : type == 'e' ? "{" + inner + "}"
+                                                : "(" + inner + ")";
+    if (depth > deepest || sd_bus_message_enter_container(message, type, inner.c_str()) <= 0)
+        return nullptr;
+    GVariantBuilder builder;
+    g_variant_builder_init(&builder, G_VARIANT_TYPE(signature.c_str()));
+    if (!addRest(message, &builder, depth + 1) || sd_bus_message_exit_container(message) < 0) {
+        g_variant_builder_clear(&builder);
+        return nullptr;
+    }
+    return sunk(g_variant_builder_end(&builder));
+}
+
+template <typename Number, typename Make>
+GVariantPtr numberOf(sd_bus_message* message, char type, Make make) {
+    Number number{};
+    return sd_bus_message_read_basic(message, type, &number) > 0 ? sunk(make(number)) : nullptr;
+}
+
+GVariantPtr textOf(sd_bus_message* message, char type) {
+    const char* text = nullptr;
+    if (sd_bus_message_read_basic(message, type, &text) <= 0)
+        return nullptr;
+    if (type == SD_BUS_TYPE_STRING && g_utf8_validate(text, -1, nullptr) != FALSE)
+        return sunk(g_variant_new_string(text));
+    if (type == SD_BUS_TYPE_OBJECT_PATH && g_variant_is_object_path(text) != FALSE)
+        return sunk(g_variant_new_object_path(text));
+    if (type == SD_BUS_TYPE_SIGNATURE && g_variant_is_signature(text) != FALSE)
+        return sunk(g_variant_new_signature(text));
+    return nullptr;
+}
+
+GVariantPtr valueOf(sd_bus_message* message, int depth) {
+    char type = 0;
+    const char* contents = nullptr;
+    if (sd_bus_message_peek_type(message, &type, &contents) <= 0)
+        return nullptr;
+    switch (type) {
+    case SD_BUS_TYPE_STRING:
+    case SD_BUS_TYPE_OBJECT_PATH:
+    case SD_BUS_TYPE_SIGNATURE:
+        return textOf(message, type);
+    case SD_BUS_TYPE_BOOLEAN:
+        return numberOf<int>(message, type, g_variant_new_boolean);
+    case SD_BUS_TYPE_BYTE:
+        return numberOf<std::uint8_t>(message, type, g_variant_new_byte);
+    case SD_BUS_TYPE_INT16:
+        return numberOf<std::int16_t>(message, type, g_variant_new_int16);
+    case SD_BUS_TYPE_UINT16:
+        return numberOf<std::uint16_t>(message, type, g_variant_new_uint16);
+    case SD_BUS_TYPE_INT32:
+        return numberOf<std::int32_t>(message, type, g_variant_new_int32);
+    case SD_BUS_TYPE_UINT32:
+        return numberOf<std::uint32_t>(message, type, g_variant_new_uint32);
+    case SD_BUS_TYPE_INT64:
+        return numberOf<gint64>(message, type, g_variant_new_int64);
+    case SD_BUS_TYPE_UINT64:
+        return numberOf<guint64>(message, type, g_variant_new_uint64);
+    case SD_BUS_TYPE_DOUBLE:
+        return numberOf<double>(message, type, g_variant_new_double);
+    case SD_BUS_TYPE_ARRAY:
+    case SD_BUS_TYPE_DICT_ENTRY:
+    case SD_BUS_TYPE_STRUCT:
+    case SD_BUS_TYPE_VARIANT:
+        return containerOf(message, type, contents, depth);
+    default:
+        return nullptr;
+    }
+}
+
+} // namespace
+
+GVariantPtr bodyOf(sd_bus_message* message) {
+    GVariantBuilder builder;
+    g_variant_builder_init(&builder, G_VARIANT_TYPE_TUPLE);
+    if (addRest(message, &builder, 0))
+        return sunk(g_variant_builder_end(&builder));
+    g_variant_builder_clear(&builder);
+    return nullptr;
+}
+
+} // namespace quorva

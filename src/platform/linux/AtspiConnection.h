@@ -1,0 +1,45 @@
+// The connection to the accessibility bus over which elements are asked for: thousands of calls a
+// second at times, which is why it is systemd's client library, that needs a third of the time of
+// GLib's. Signals come over another connection.
+// Belongs to the thread, and to the thread-default main context, that made it.
+#pragma once
+
+#include "platform/Subscription.h"
+#include "platform/linux/Handles.h"
+
+#include <systemd/sd-bus.h>
+
+#include <memory>
+#include <string>
+
+namespace quorva {
+
+class AtspiConnection {
+public:
+    /// Connects to the bus at this address, without waiting for it. `onLost` is called when the
+    /// connection could not be made or has ended, as a task of its own.
+    AtspiConnection(const std::string& address, Task onLost);
+    ~AtspiConnection();
+
+    AtspiConnection(const AtspiConnection&) = delete;
+    AtspiConnection& operator=(const AtspiConnection&) = delete;
+
+    /// Null where the connection could not even be begun.
+    [[nodiscard]] sd_bus* bus() const { return connection.get(); }
+
+private:
+    struct Source;
+    static gboolean prepare(GSource* source, gint* timeout);
+    static gboolean check(GSource* source);
+    static gboolean dispatch(GSource* source, GSourceFunc, gpointer);
+
+    std::unique_ptr<sd_bus, Release<sd_bus_close_unref>> connection;
+    const Task onLost;
+    GSourcePtr source;
+};
+
+/// The body of a message as one tuple; null when it can't be read, or holds what no reply of the
+/// accessibility bus does.
+[[nodiscard]] GVariantPtr bodyOf(sd_bus_message* message);
+
+} // namespace quorva
