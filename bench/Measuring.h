@@ -88,6 +88,7 @@ void registerScanBenchmarks(Summary& summary);
 void registerLogBenchmarks(Summary& summary);
 void registerCalendarBenchmarks(Summary& summary);
 void registerMatchingBenchmarks(Summary& summary);
+void registerMeetingBenchmarks(Summary& summary);
 void registerParticipantBenchmarks(Summary& summary);
 /// Only within tests/support/private-session.sh, for they write to the session's calendars.
 void registerEdsBenchmarks(Summary& summary);

@@ -13,6 +13,7 @@ int main(int count, char* texts[]) {
     quorva::bench::registerLogBenchmarks(summary);
     quorva::bench::registerCalendarBenchmarks(summary);
     quorva::bench::registerMatchingBenchmarks(summary);
+    quorva::bench::registerMeetingBenchmarks(summary);
     quorva::bench::registerParticipantBenchmarks(summary);
     quorva::bench::registerEdsBenchmarks(summary);
     benchmark::RunSpecifiedBenchmarks();

@@ -6,11 +6,13 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cerrno>
 
 namespace quorva {
 namespace {
 
 constexpr int wholeApplication = -1; ///< in place of a window's index
+constexpr auto showsNothing = "it shows nothing to a screen reader";
 constexpr std::size_t fewTexts = 20; ///< so few are no meeting's page, but part of one
 
 bool hostsMeetings(const std::string& bundleIdentifier) {
@@ -123,11 +125,12 @@ bool MeetingParticipantMonitor::readAhead() {
     if (!hasAccessibilityPermission)
         return true;
     const auto present = watched(applications.runningApplications());
+    bool isEnabling = false;
     for (const auto& application : present)
         if (const auto which = accessibilitySwitchOf(application.bundleIdentifier))
-            tree.enable(application.process, *which);
+            isEnabling |= tree.enable(application.process, *which) == EINPROGRESS;
     request(present);
-    return waitingIn(present).empty();
+    return !isEnabling && waitingIn(present).empty();
 }
 
 MeetingParticipantMonitor::Pass MeetingParticipantMonitor::beginPass() {
@@ -180,6 +183,7 @@ MeetingParticipantMonitor::waitingIn(const std::vector<WatchedApplication>& watc
 
 void MeetingParticipantMonitor::request(const std::vector<WatchedApplication>& watched) {
     std::vector<ReadingRequest> requests;
+    requests.reserve(watched.size());
     for (const auto& application : watched)
         requests.push_back({application.process, planFor(application.bundleIdentifier)});
     tree.request(std::move(requests));
@@ -203,7 +207,7 @@ void MeetingParticipantMonitor::scanPlatform(const MeetingPlatform& platform, Pa
         else if (application.state == ReadState::couldNotBeRead)
             noteFailing(application, wholeApplication, {}, application.problem, pass);
         else
-            noteWaiting(application, wholeApplication, {}, pass);
+            noteWaiting(application, wholeApplication, pass);
     }
 }
 
@@ -242,7 +246,7 @@ void MeetingParticipantMonitor::scanApplication(const MeetingPlatform& platform,
         case WindowKind::none:
             break;
         case WindowKind::notReadYet:
-            noteWaiting(application, key.second, window.title, pass);
+            noteWaiting(application, key.second, pass);
             break;
         case WindowKind::couldNotBeRead:
             noteFailing(application, key.second, window.title, window.problem, pass);
@@ -264,8 +268,8 @@ void MeetingParticipantMonitor::scanWindow(const MeetingPlatform& platform,
     ++pass.coverage.windows;
     pass.coverage.cutShort += findings.isCutShort ? 1 : 0;
     if (findings.textCount == 0)
-        pass.coverage.unread.push_back({application.process, application.name, window.title,
-                                        "it shows no text to a screen reader"});
+        pass.coverage.unread.push_back(
+            {application.process, application.name, window.title, showsNothing});
     logDiagnostics(platform, findings);
     pass.activeMeetingPlatform = platform.name;
     if (!findings.isMeeting) {
@@ -313,10 +317,17 @@ void MeetingParticipantMonitor::noteFailing(const WatchedApplication& applicatio
 }
 
 void MeetingParticipantMonitor::noteWaiting(const WatchedApplication& application, int index,
-                                            const std::string& windowTitle, Pass& pass) {
-    if (pass.waiting.insert({application.process, index}).second)
-        pass.coverage.notReadYet.push_back(
-            {application.process, application.name, windowTitle, {}});
+                                            Pass& pass) {
+    if (!pass.waiting.insert({application.process, index}).second)
+        return;
+    UnreadMeetingWindow waiting{application.process, application.name, {}, {}};
+    if (index != wholeApplication) {
+        const auto& window = application.windows[static_cast<std::size_t>(index)].window;
+        waiting.windowTitle = window.title;
+        if (window.tree && window.tree->children.empty())
+            waiting.problem = showsNothing;
+    }
+    pass.coverage.notReadYet.push_back(std::move(waiting));
 }
 
 /// Takes over what the next pass has to know.

@@ -138,8 +138,7 @@ private:
     void logDiagnostics(const MeetingPlatform& platform, const MeetingWindowFindings& findings);
     void noteFailing(const WatchedApplication& application, int index,
                      const std::string& windowTitle, const std::string& problem, Pass& pass);
-    static void noteWaiting(const WatchedApplication& application, int index,
-                            const std::string& windowTitle, Pass& pass);
+    static void noteWaiting(const WatchedApplication& application, int index, Pass& pass);
 
     void remember(Pass& pass);
     void publish(Pass& pass);

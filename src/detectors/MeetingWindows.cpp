@@ -84,7 +84,7 @@ WindowKind kindOf(const LabelledWindow& labelled, const MeetingPlatform& platfor
     if (window.state == ReadState::notReadYet || !window.tree)
         return WindowKind::notReadYet;
     if (platform.isBrowser && !isMeeting())
-        return WindowKind::none;
+        return window.tree->children.empty() ? WindowKind::notReadYet : WindowKind::none;
     return covers(window.extent, wholeWindowExtent(platform.isBrowser)) ? WindowKind::meeting
                                                                         : WindowKind::notReadYet;
 }

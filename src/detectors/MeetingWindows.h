@@ -28,7 +28,8 @@ struct LabelledWindow {
 /// What a window is to a platform.
 enum class WindowKind {
     none,           ///< no meeting of this platform
-    notReadYet,     ///< not known, or a meeting that has not been read as far as needed
+    notReadYet,     ///< not known, or a meeting that has not been read as far as needed;
+                    ///< a browser that shows nothing at all has yet to expose its pages
     couldNotBeRead, ///< not known, or a meeting
     meeting,        ///< a meeting of this platform, read
 };

@@ -2,6 +2,7 @@
 // take the services they use, never this bundle.
 #pragma once
 
+#include "platform/AccessibilityTree.h"
 #include "platform/Applications.h"
 #include "platform/CalendarStore.h"
 #include "platform/Log.h"
@@ -17,6 +18,7 @@ struct Platform {
     ProcessTable& processTable;
     Applications& applications;
     CalendarStore& calendars;
+    AccessibilityTree& accessibility;
     Sha256 sha256;
 };
 

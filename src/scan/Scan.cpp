@@ -4,20 +4,44 @@
 #include <nlohmann/json.hpp>
 
 namespace quorva {
+namespace {
+
+constexpr auto processesCannotBeListed =
+    "the processes can't be listed: /proc is not mounted or can't be read";
+
+std::string describeUnread(const UnreadMeetingWindow& unread) {
+    auto what = unread.applicationName;
+    if (!unread.windowTitle.empty())
+        what += fmt::format(" \"{}\"", unread.windowTitle);
+    return what + ": " + (unread.problem.empty() ? "no answer yet" : unread.problem);
+}
+
+} // namespace
 
 Scan::Scan(const ScanOptions& options_, Platform& platform)
     : options(options_),
       loop(platform.loop),
+      processTable(platform.processTable),
+      accessibility(platform.accessibility),
       processes(platform.loop, platform.applications, platform.processTable),
-      calendar(platform.loop, platform.calendars, preferences, platform.log, platform.sha256) {}
+      calendar(platform.loop, platform.calendars, preferences, platform.log, platform.sha256),
+      meetings(platform.loop, platform.applications, platform.accessibility, platform.log) {}
 
 void Scan::look(std::function<void(ScanReport)> done) {
     finished = [this, done = std::move(done)] {
-        done({reports(), loop.now(), processes.detectedBots, calendar.calendarDetections});
+        done({.sources = reports(),
+              .lookedAt = loop.now(),
+              .processes = processes.detectedBots,
+              .invitations = calendar.calendarDetections,
+              .participants = meetings.participantBotDetections,
+              .indicators = meetings.recordingIndicators});
     };
+    expectAnswers();
     if (options.asksFor(ScanSource::process))
         processes.scan();
+    answered(ScanSource::process);
     whenCalendarsAnswered([this] { calendar.scanCalendar(); });
+    whenMeetingsRead([this] { meetings.performScan(); });
 }
 
 void Scan::watch(Print print, std::function<void(std::vector<SourceReport>)> done) {
@@ -32,9 +56,23 @@ void Scan::watch(Print print, std::function<void(std::vector<SourceReport>)> don
     processes.onBotDisappeared = printer("disappeared", ScanSource::process);
     calendar.onBotDetected = printer("appeared", ScanSource::calendar);
     calendar.onBotDisappeared = printer("disappeared", ScanSource::calendar);
+    meetings.onBotDetected = printer("appeared", ScanSource::meeting);
+    meetings.onBotDisappeared = printer("disappeared", ScanSource::meeting);
+    meetings.onRecordingIndicatorDetected = printer("appeared", ScanSource::meeting);
+    meetings.onRecordingIndicatorDisappeared = printer("disappeared", ScanSource::meeting);
+
+    expectAnswers();
     if (options.asksFor(ScanSource::process))
         processes.startMonitoring();
+    answered(ScanSource::process);
     whenCalendarsAnswered([this] { calendar.startMonitoring(); });
+    if (options.asksFor(ScanSource::meeting))
+        meetings.startMonitoring();
+    whenMeetingsRead([] {}); // the monitor looks at them by itself
+}
+
+void Scan::expectAnswers() {
+    awaited = {ScanSource::process, ScanSource::calendar, ScanSource::meeting};
 }
 
 /// Starts the scan of the calendars, where it is asked for and allowed; it is over when they have
@@ -42,20 +80,44 @@ void Scan::watch(Print print, std::function<void(std::vector<SourceReport>)> don
 void Scan::whenCalendarsAnswered(Task start) {
     if (!options.asksFor(ScanSource::calendar) ||
         *calendar.authorizationStatus != CalendarAuthorization::fullAccess)
-        return finish();
+        return answered(ScanSource::calendar);
     subscriptions.push_back(calendar.lastScanDate.observe([this](const std::optional<Time>& date) {
         if (date)
-            finish();
+            answered(ScanSource::calendar);
     }));
     subscriptions.push_back(calendar.authorizationStatus.observe([this](auto status) {
         if (status != CalendarAuthorization::fullAccess)
-            finish();
+            answered(ScanSource::calendar);
     }));
     start();
 }
 
+/// Does something when the windows have been read, where that is asked for and allowed, or when it
+/// has taken too long.
+void Scan::whenMeetingsRead(Task then) {
+    if (!options.asksFor(ScanSource::meeting) || !*meetings.hasAccessibilityPermission)
+        return answered(ScanSource::meeting);
+    const auto endWaiting = [this, then = std::move(then)] {
+        then();
+        answered(ScanSource::meeting);
+    };
+    const auto check = [this, endWaiting] {
+        if (awaited.contains(ScanSource::meeting) && meetings.readAhead())
+            endWaiting();
+    };
+    subscriptions.push_back(accessibility.onRead(lifetime.guard(check)));
+    subscriptions.push_back(loop.after(readingTime, lifetime.guard([this, endWaiting] {
+        if (awaited.contains(ScanSource::meeting))
+            endWaiting();
+    })));
+    check();
+}
+
 /// Published fields tell of a change before it is made: what has been found is read a task later.
-void Scan::finish() {
+void Scan::answered(ScanSource source) {
+    awaited.erase(source);
+    if (!awaited.empty())
+        return;
     loop.post(lifetime.guard([this] {
         if (const auto once = std::exchange(finished, nullptr))
             once();
@@ -73,8 +135,7 @@ std::vector<SourceReport> Scan::reports() const {
             reports.push_back(calendarReport());
             break;
         case ScanSource::meeting:
-            reports.push_back(
-                {source, SourceStatus::unavailable, "this version does not read meeting windows"});
+            reports.push_back(meetingReport());
             break;
         }
     return reports;
@@ -83,8 +144,7 @@ std::vector<SourceReport> Scan::reports() const {
 SourceReport Scan::processReport() const {
     const auto& [listed, seen, denied] = *processes.coverage;
     if (!listed)
-        return {ScanSource::process, SourceStatus::unavailable,
-                "the processes can't be listed: /proc is not mounted or can't be read"};
+        return {ScanSource::process, SourceStatus::unavailable, processesCannotBeListed};
     auto detail = fmt::format("looked at {} processes", seen);
     if (denied > 0)
         detail +=
@@ -114,6 +174,32 @@ SourceReport Scan::calendarReport() const {
                               *calendar.calendarCount);
     for (const auto& [name, reason] : unread)
         detail += fmt::format("; {}: {}", name, reason);
+    return report(SourceStatus::unavailable, std::move(detail));
+}
+
+SourceReport Scan::meetingReport() const {
+    const auto report = [](SourceStatus status, std::string detail) {
+        return SourceReport{ScanSource::meeting, status, std::move(detail)};
+    };
+    if (!*meetings.hasAccessibilityPermission)
+        return report(SourceStatus::noAccess,
+                      "accessibility is switched off: switch it on in the desktop's accessibility "
+                      "settings, or with \"gsettings set org.gnome.desktop.interface "
+                      "toolkit-accessibility true\", and restart the programs that run already");
+    if (const auto listed = processTable.processIdentifiers(); !listed || listed->empty())
+        return report(SourceStatus::unavailable, processesCannotBeListed);
+    const auto& looked = *meetings.coverage;
+    auto detail = fmt::format("applications that may hold meetings: {}; meeting windows: {}",
+                              looked.applications, looked.windows);
+    if (looked.cutShort > 0)
+        detail += fmt::format("; of these, hold more than is looked at: {}", looked.cutShort);
+    auto unread = looked.unread;
+    unread.insert(unread.end(), looked.notReadYet.begin(), looked.notReadYet.end());
+    if (unread.empty())
+        return report(SourceStatus::ok, std::move(detail));
+    detail = fmt::format("windows that can't be read: {}", unread.size());
+    for (const auto& each : unread)
+        detail += "; " + describeUnread(each);
     return report(SourceStatus::unavailable, std::move(detail));
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "detectors/CalendarMonitor.h"
+#include "detectors/MeetingParticipantMonitor.h"
 #include "detectors/ProcessMonitor.h"
 #include "platform/Platform.h"
 #include "scan/NoPreferences.h"
@@ -9,6 +10,7 @@
 #include "scan/ScanReport.h"
 
 #include <functional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -32,18 +34,28 @@ public:
     void watch(Print print, std::function<void(std::vector<SourceReport>)> done);
 
 private:
-    void whenCalendarsAnswered(Task next);
-    void finish();
+    void expectAnswers();
+    void whenCalendarsAnswered(Task start);
+    void whenMeetingsRead(Task then);
+    void answered(ScanSource source);
     [[nodiscard]] std::vector<SourceReport> reports() const;
     [[nodiscard]] SourceReport processReport() const;
     [[nodiscard]] SourceReport calendarReport() const;
+    [[nodiscard]] SourceReport meetingReport() const;
 
     const ScanOptions options;
     MainLoop& loop;
+    ProcessTable& processTable;
+    AccessibilityTree& accessibility;
     NoPreferences preferences;
     ProcessMonitor processes;
     CalendarMonitor calendar;
-    Task finished; ///< once, when every source has been looked at
+    MeetingParticipantMonitor meetings;
+
+    const Seconds readingTime{10.0}; ///< that windows are waited for
+
+    std::set<ScanSource> awaited; ///< the sources that have not been looked at yet
+    Task finished;                ///< once, when every source has been looked at
     std::vector<Subscription> subscriptions;
     Lifetime lifetime;
 };

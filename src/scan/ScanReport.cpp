@@ -92,6 +92,42 @@ std::string invitationTable(const std::vector<CalendarBotDetection>& invitations
     return table(rows);
 }
 
+std::string participantTable(const std::vector<ParticipantBotDetection>& bots) {
+    std::vector<Row> rows{
+        {"IN A MEETING", "CATEGORY", "CONFIDENCE", "PLATFORM", "PARTICIPANT", "WINDOW"}};
+    for (const auto& bot : bots)
+        rows.push_back({printable(bot.botDisplayName), std::string(displayName(bot.category)),
+                        fmt::format("{} %", bot.confidence), bot.platformName,
+                        printable(bot.matchedParticipantName), printable(bot.windowTitle)});
+    return table(rows);
+}
+
+std::string nameOf(IndicatorType type) {
+    switch (type) {
+    case IndicatorType::cloudRecording:
+        return "Cloud recording";
+    case IndicatorType::aiCompanion:
+        return "AI Companion";
+    case IndicatorType::copilot:
+        return "Copilot";
+    case IndicatorType::transcription:
+        return "Transcription";
+    case IndicatorType::gemini:
+        return "Gemini";
+    case IndicatorType::recording:
+        break;
+    }
+    return "Recording";
+}
+
+std::string indicatorTable(const std::vector<RecordingIndicatorDetection>& indicators) {
+    std::vector<Row> rows{{"BANNER", "PLATFORM", "TEXT", "WINDOW"}};
+    for (const auto& indicator : indicators)
+        rows.push_back({nameOf(indicator.indicatorType), indicator.platformName,
+                        printable(indicator.indicatorText), printable(indicator.windowTitle)});
+    return table(rows);
+}
+
 template <typename Detection>
 Json describeEach(const std::vector<Detection>& detections) {
     Json list = Json::array();
@@ -102,8 +138,12 @@ Json describeEach(const std::vector<Detection>& detections) {
 
 } // namespace
 
+std::size_t ScanReport::found() const {
+    return processes.size() + invitations.size() + participants.size() + indicators.size();
+}
+
 int ScanReport::exitStatus() const {
-    if (!processes.empty() || !invitations.empty())
+    if (found() > 0)
         return 1;
     const bool isComplete = std::all_of(sources.begin(), sources.end(), [](const auto& report) {
         return report.status == SourceStatus::ok;
@@ -125,18 +165,19 @@ Json ScanReport::toJson() const {
             {"detections",
              {{"process", describeEach(processes)},
               {"calendar", describeEach(invitations)},
-              {"participants", Json::array()},
-              {"indicators", Json::array()}}}};
+              {"participants", describeEach(participants)},
+              {"indicators", describeEach(indicators)}}}};
 }
 
 std::string ScanReport::toText() const {
-    std::string text = processTable(processes) + invitationTable(invitations, lookedAt);
+    std::string text = processTable(processes) + invitationTable(invitations, lookedAt) +
+                       participantTable(participants) + indicatorTable(indicators);
     switch (exitStatus()) {
     case 0:
         text += "Nothing found.\n";
         break;
     case 1:
-        text += fmt::format("Found: {}.\n", processes.size() + invitations.size());
+        text += fmt::format("Found: {}.\n", found());
         break;
     default:
         text += "Nothing found, but not everything could be looked at.\n";
@@ -173,6 +214,27 @@ Json describe(const CalendarBotDetection& invitation) {
             {"eventIdentifier", invitation.eventIdentifier},
             {"calendarName", invitation.calendarName},
             {"detectedAt", iso8601(invitation.detectedAt)}};
+}
+
+Json describe(const ParticipantBotDetection& bot) {
+    return {{"id", bot.id},
+            {"platformName", bot.platformName},
+            {"matchedParticipantName", bot.matchedParticipantName},
+            {"botPatternMatched", bot.botPatternMatched},
+            {"botDisplayName", bot.botDisplayName},
+            {"category", rawValue(bot.category)},
+            {"confidence", bot.confidence},
+            {"windowTitle", bot.windowTitle},
+            {"detectedAt", iso8601(bot.detectedAt)}};
+}
+
+Json describe(const RecordingIndicatorDetection& indicator) {
+    return {{"id", indicator.id},
+            {"platformName", indicator.platformName},
+            {"indicatorText", indicator.indicatorText},
+            {"indicatorType", rawValue(indicator.indicatorType)},
+            {"windowTitle", indicator.windowTitle},
+            {"detectedAt", iso8601(indicator.detectedAt)}};
 }
 
 std::string watchLine(std::string_view event, ScanSource source, const Json& detection, Time at) {

@@ -32,6 +32,8 @@ struct ScanReport {
     Time lookedAt;
     std::vector<DetectedBot> processes;
     std::vector<CalendarBotDetection> invitations;
+    std::vector<ParticipantBotDetection> participants;
+    std::vector<RecordingIndicatorDetection> indicators;
 
     /// 1 when something was found; else 3 when a source could not be looked at; else 0.
     [[nodiscard]] int exitStatus() const;
@@ -42,11 +44,16 @@ struct ScanReport {
     /// The report for people: an aligned table with the reason for each hit. Control characters in
     /// what was found are made visible.
     [[nodiscard]] std::string toText() const;
+
+private:
+    [[nodiscard]] std::size_t found() const;
 };
 
 /// A detection with the fields of its record, enumerations as raw values, dates as ISO 8601 UTC.
 [[nodiscard]] nlohmann::ordered_json describe(const DetectedBot& bot);
 [[nodiscard]] nlohmann::ordered_json describe(const CalendarBotDetection& invitation);
+[[nodiscard]] nlohmann::ordered_json describe(const ParticipantBotDetection& bot);
+[[nodiscard]] nlohmann::ordered_json describe(const RecordingIndicatorDetection& indicator);
 
 /// One line of a watch, without a line feed.
 [[nodiscard]] std::string watchLine(std::string_view event, ScanSource source,

@@ -50,7 +50,8 @@ protected:
         monitor->performScan();
     }
     void shows(ProcessIdentifier process, std::string title, AccessibleElementPtr window) {
-        tree.applications[process].windows = {{.title = std::move(title), .tree = window}};
+        tree.applications[process].windows = {
+            {.title = std::move(title), .tree = std::move(window)}};
     }
     void inZoom(const std::vector<std::string>& texts) {
         shows(zoom, "Zoom Meeting", meetingWindow(texts));

@@ -121,7 +121,7 @@ TEST_F(MeetingParticipantMonitorTest, repeatsItselfOverAWindowThatHasNotChanged)
     EXPECT_EQ(monitor->participantBotDetections->front().detectedAt, loop.now() - 5s);
     EXPECT_THAT(monitor->coverage->unread,
                 ElementsAre(UnreadMeetingWindow{zoom, "Zoom", "Zoom Meeting",
-                                                "it shows no text to a screen reader"}));
+                                                "it shows nothing to a screen reader"}));
 
     tree.applications[chrome].windows[1].title = "Meet – new";
     pass();
@@ -220,12 +220,27 @@ TEST_F(MeetingParticipantMonitorTest, looksAgainAtOnceWhenWhatItMissedHasBeenRea
     tree.reads.call();
     loop.runPosted();
     EXPECT_EQ(passes, 3U) << "nothing was missed";
+
+    // A browser that was asked to expose its pages needs a moment.
+    shows(chrome, "Meet – a", element(AccessibilityRole::window));
+    loop.advance(5s);
+    EXPECT_THAT(monitor->coverage->notReadYet,
+                ElementsAre(UnreadMeetingWindow{chrome, "Chrome", "Meet – a",
+                                                "it shows nothing to a screen reader"}));
+    shows(chrome, "Meet – a", browserWindow("https://meet.google.com/a", {otter}));
+    tree.reads.call();
+    announced();
+    loop.runPosted();
+    EXPECT_THAT(announced(), ElementsAre("+Google Meet-otter.ai notetaker"));
 }
 
 TEST_F(MeetingParticipantMonitorTest, saysWhetherWaitingForTheReaderGainsAnything) {
     tree.applications[zoom].windows = {{"Zoom Meeting", meetingWindow({otter})}, {"Chat", nullptr}};
     tree.applications[chrome].problem = "no answer";
     EXPECT_FALSE(monitor->readAhead());
+    tree.enableError = EINPROGRESS;
+    EXPECT_FALSE(monitor->readAhead());
+    tree.enableError = ETIMEDOUT;
     EXPECT_TRUE(monitor->readAhead());
     auto& window = tree.applications[zoom].windows[0];
     window.isAnswering = false;

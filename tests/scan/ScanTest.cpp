@@ -1,5 +1,7 @@
 #include "scan/Scan.h"
 
+#include "support/AccessibleElements.h"
+#include "support/FakeAccessibilityTree.h"
 #include "support/FakeCalendarStore.h"
 #include "support/FakeProcesses.h"
 #include "support/RecordingLog.h"
@@ -50,6 +52,7 @@ protected:
         scan.look([&](ScanReport found) { report = std::move(found); });
         EXPECT_FALSE(report) << "the answer is a task of the main loop";
         loop.runPosted();
+        loop.advance(report ? 0s : 10s); // windows are waited for
         return report.value();
     }
 
@@ -63,12 +66,18 @@ protected:
              .calendarName = "Work"});
     }
 
+    void inZoom(const std::vector<std::string>& texts) {
+        applications.running = {{"us.zoom.xos", "Zoom", std::nullopt, 100}};
+        tree.applications[100].windows = {{"Zoom Meeting", meetingWindow(texts)}};
+    }
+
     VirtualMainLoop loop;
     RecordingLog log;
     FakeProcessTable table;
     FakeApplications applications;
     FakeCalendarStore calendars;
-    Platform platform{loop, log, table, applications, calendars, [](std::string_view text) {
+    FakeAccessibilityTree tree{loop};
+    Platform platform{loop, log, table, applications, calendars, tree, [](std::string_view text) {
                           Sha256Digest digest{};
                           std::copy_n(text.begin(), std::min(text.size(), digest.size()),
                                       digest.begin());
@@ -76,6 +85,7 @@ protected:
                       }};
     const ScanOptions processOnly = only(ScanSource::process);
     const ScanOptions calendarOnly = only(ScanSource::calendar);
+    const ScanOptions meetingOnly = only(ScanSource::meeting);
 };
 
 TEST_F(ScanTest, tellsClearFoundAndIncompleteApart) {
@@ -83,6 +93,8 @@ TEST_F(ScanTest, tellsClearFoundAndIncompleteApart) {
     EXPECT_EQ(look(processOnly).toJson()["verdict"], "clear");
 
     const auto everything = *parseScanOptions({}).options;
+    EXPECT_EQ(look(everything).exitStatus(), 0);
+    tree.isOn = false;
     EXPECT_EQ(look(everything).exitStatus(), 3);
     EXPECT_EQ(look(everything).toJson()["verdict"], "incomplete");
 
@@ -155,6 +167,80 @@ TEST_F(ScanTest, learnsThatThereAreNoCalendarsOnlyWhenTheyAnswer) {
     EXPECT_EQ(report->sources.at(0).status, SourceStatus::unavailable);
 }
 
+TEST_F(ScanTest, findsNoteTakersAndBannersInMeetings) {
+    inZoom({"Ann", "Acme Notetaker", "Recording to the cloud"});
+    const auto report = look(meetingOnly);
+    EXPECT_EQ(report.exitStatus(), 1);
+    const auto detections = report.toJson()["detections"];
+    EXPECT_EQ(detections["participants"], Json::parse(R"([{"id":"Zoom-acme notetaker",
+        "platformName":"Zoom","matchedParticipantName":"Acme Notetaker",
+        "botPatternMatched":"notetaker","botDisplayName":"Acme Notetaker",
+        "category":"transcription","confidence":80,"windowTitle":"Zoom Meeting",
+        "detectedAt":"2026-03-02T09:00:00.000Z"}])"));
+    EXPECT_EQ(detections["indicators"], Json::parse(R"([{"id":"Zoom-recording to the cloud",
+        "platformName":"Zoom","indicatorText":"Recording to the cloud",
+        "indicatorType":"cloudRecording","windowTitle":"Zoom Meeting",
+        "detectedAt":"2026-03-02T09:00:00.000Z"}])"));
+    EXPECT_EQ(report.toText(),
+              "IN A MEETING    CATEGORY       CONFIDENCE  PLATFORM  PARTICIPANT     WINDOW\n"
+              "Acme Notetaker  Transcription  80 %        Zoom      Acme Notetaker  Zoom Meeting\n"
+              "\n"
+              "BANNER           PLATFORM  TEXT                    WINDOW\n"
+              "Cloud recording  Zoom      Recording to the cloud  Zoom Meeting\n"
+              "\nFound: 2.\n"
+              "  meeting   ok           applications that may hold meetings: 1; meeting windows: "
+              "1\n");
+}
+
+TEST_F(ScanTest, saysWhyMeetingsCouldNotBeLookedAt) {
+    tree.isOn = false;
+    const auto off = look(meetingOnly);
+    EXPECT_EQ(off.exitStatus(), 3);
+    EXPECT_EQ(off.sources.at(0).status, SourceStatus::noAccess);
+    EXPECT_THAT(off.sources.at(0).detail, HasSubstr("toolkit-accessibility true"));
+
+    tree.isOn = true;
+    inZoom({"Ann"});
+    auto& windows = tree.applications[100].windows;
+    windows.push_back({.title = "Zoom Meeting 2", .tree = {}, .problem = "it went away"});
+    const auto partly = look(meetingOnly);
+    EXPECT_EQ(partly.exitStatus(), 3);
+    EXPECT_EQ(
+        partly.sources.at(0),
+        (SourceReport{ScanSource::meeting, SourceStatus::unavailable,
+                      "windows that can't be read: 1; Zoom \"Zoom Meeting 2\": it went away"}));
+
+    windows.pop_back();
+    EXPECT_EQ(look(meetingOnly).exitStatus(), 0);
+    table.canBeListed = false;
+    EXPECT_EQ(look(meetingOnly).exitStatus(), 3) << "who knows what runs";
+}
+
+TEST_F(ScanTest, waitsForWindowsToBeReadButNotForEver) {
+    inZoom({"Acme Notetaker"});
+    auto& application = tree.applications[100];
+    application.isAnswering = false;
+    Scan scan(meetingOnly, platform);
+    std::optional<ScanReport> report;
+    scan.look([&](ScanReport found) { report = std::move(found); });
+    loop.advance(9s);
+    EXPECT_FALSE(report);
+    application.isAnswering = true;
+    tree.reads.call();
+    loop.runPosted();
+    ASSERT_TRUE(report);
+    EXPECT_EQ(report->exitStatus(), 1);
+
+    application.isAnswering = false;
+    Scan late(meetingOnly, platform);
+    report.reset();
+    late.look([&](ScanReport found) { report = std::move(found); });
+    loop.advance(10s);
+    ASSERT_TRUE(report);
+    EXPECT_EQ(report->exitStatus(), 3);
+    EXPECT_EQ(report->sources.at(0).detail, "windows that can't be read: 1; Zoom: no answer yet");
+}
+
 TEST_F(ScanTest, describesEachDetectionWithItsFields) {
     table.run(7, "/opt/a\xff/Otter.app/x");
     const auto json = Json::parse(dump(look(processOnly).toJson()));
@@ -206,6 +292,32 @@ TEST_F(ScanTest, watchPrintsAppearancesAndDisappearancesOnce) {
     EXPECT_EQ(lines[2]["source"], "calendar");
     EXPECT_EQ(lines[2]["detection"]["botName"], "Otter.ai");
     EXPECT_EQ(lines[3]["event"], "disappeared");
+}
+
+TEST_F(ScanTest, watchPrintsWhatComesAndGoesInMeetings) {
+    std::vector<std::string> lines;
+    std::vector<SourceReport> reports;
+    inZoom({"Ann"});
+    Scan scan(meetingOnly, platform);
+    scan.watch(
+        [&](const std::string& line) {
+            const auto json = Json::parse(line);
+            EXPECT_EQ(json["source"], "meeting");
+            lines.push_back(json["event"].get<std::string>() + " " +
+                            json["detection"]["id"].get<std::string>());
+        },
+        [&](std::vector<SourceReport> first) { reports = std::move(first); });
+    loop.runPosted();
+    ASSERT_EQ(reports.size(), 1U);
+    EXPECT_THAT(reports[0].detail, HasSubstr("meeting windows: 1"));
+    inZoom({"Acme Notetaker", "Recording to the cloud"});
+    loop.advance(5s);
+    inZoom({"Ann"});
+    loop.advance(15s);
+    EXPECT_THAT(lines,
+                ElementsAre("appeared Zoom-acme notetaker", "appeared Zoom-recording to the cloud",
+                            "disappeared Zoom-acme notetaker",
+                            "disappeared Zoom-recording to the cloud"));
 }
 
 } // namespace

@@ -131,7 +131,7 @@ private:
             if (known.source == source && known.extent == extent)
                 return known.tree;
         int budget = extent.maxElements;
-        const auto tree = cut(*source, extent, 0, budget);
+        auto tree = cut(*source, extent, 0, budget);
         readings.push_back({source, extent, tree});
         return tree;
     }
