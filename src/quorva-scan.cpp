@@ -1,6 +1,7 @@
 // quorva-scan: looks for note-takers and recorders from the command line, for scripts, servers and
 // support. Puts the Linux services together and hands them to the scan.
 #include "core/QuorvaLog.h"
+#include "platform/linux/AtspiAccessibilityTree.h"
 #include "platform/linux/DesktopEntries.h"
 #include "platform/linux/GLibMainLoop.h"
 #include "platform/linux/JournalLog.h"
@@ -84,7 +85,9 @@ struct LinuxServices {
     DesktopEntries entries{loop, log, DesktopEntries::standardPlaces()};
     LinuxApplications applications{loop, processTable, entries, ApplicationScopes()};
     LinuxCalendarStore calendars;
-    Platform platform{loop, log, processTable, applications, calendars, openSslSha256};
+    AtspiAccessibilityTree accessibility;
+    Platform platform{loop,      log,           processTable, applications,
+                      calendars, accessibility, openSslSha256};
 };
 
 void startLogFile(LinuxServices& services) {

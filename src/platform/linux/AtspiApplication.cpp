@@ -29,6 +29,7 @@ struct AtspiApplication::Window {
     AtspiTreeReader::Texts texts = AtspiTreeReader::Texts::none;
     std::unique_ptr<AtspiTreeReader> reader;
     gint64 lastWhole = 0;
+    bool isOutlined = false; ///< its documents say what it is
 
     [[nodiscard]] bool isWatched() const { return reader && texts == AtspiTreeReader::Texts::all; }
 };
@@ -126,6 +127,7 @@ void AtspiApplication::readWindow(std::size_t index) {
         window.lastWhole = g_get_monotonic_time();
         window.reader->forget();
     }
+    window.isOutlined = !first.isFinal;
     first.isFinal ? readWhole(index, first.extent) : readOutline(index, first.extent);
 }
 
@@ -137,7 +139,7 @@ void AtspiApplication::readOutline(std::size_t index, const TreeExtent& outline)
     window.reader->forgetWayToDocuments();
     window.reader->read(window.extent, window.texts, lifetime.guard([this, index, next] {
         auto& read = *open[index];
-        if (read.reader->showsDocument())
+        if (read.reader->showsDocument() && read.reader->hasDocument())
             return next();
         read.reader->hasDocument() ? read.reader->forgetDocuments() : read.reader->forget();
         read.reader->read(read.extent, read.texts, next);
@@ -168,16 +170,46 @@ void AtspiApplication::readWhole(std::size_t index, const TreeExtent& extent) {
     });
     if (changes)
         return start();
-    changes = bus.events.follow(
-        root.bus, lifetime.guard([this](const AtspiEvent& event) { receive(event); }), start);
+    const auto follow = lifetime.guard([this, start] {
+        changes = bus.events.follow(
+            root.bus, lifetime.guard([this](const AtspiEvent& event) { receive(event); }), start);
+    });
+    hasPeer ? follow() : connectDirectly(follow);
+}
+
+/// Much is going to be asked: the application's own socket spares the bus the work, where there is
+/// one that can be reached.
+void AtspiApplication::connectDirectly(Task next) {
+    hasPeer = true;
+    calls->send({root, atspi::application, "GetApplicationBusAddress"},
+                lifetime.guard([this, next = std::move(next)](GVariant* reply) {
+                    const auto address = decodeText(reply).value_or("");
+                    if (!address.empty())
+                        peer = std::make_unique<AtspiConnection>(
+                            address, AtspiConnection::Kind::peer,
+                            lifetime.guard([this] { losePeer(); }));
+                    if (peer && peer->bus() != nullptr)
+                        calls->use(*peer, root.bus);
+                    next();
+                }));
+}
+
+/// What was asked over the socket stays without an answer, and is asked again over the bus.
+void AtspiApplication::losePeer() {
+    if (state == State::silent)
+        return;
+    endReading();
+    state = State::ready;
+    begin();
 }
 
 void AtspiApplication::finish() {
     published = {.state = ReadState::read, .problem = {}, .windows = {}};
+    const bool awaitsDocuments = isExposing();
     for (const auto& window : open) {
         AccessibleWindow shown;
         shown.title = window->title;
-        if (window->reader) {
+        if (window->reader && !(awaitsDocuments && window->isOutlined)) {
             shown.state = ReadState::read;
             shown.extent = window->extent;
             shown.tree = window->reader->tree();
@@ -191,33 +223,42 @@ void AtspiApplication::finish() {
     state = State::ready;
     for (const auto& event : std::exchange(early, {}))
         apply(event);
-    if (isReadAgain || isExposing())
+    if (isReadAgain || awaitsDocuments)
         readSoon();
     onRead();
 }
 
-/// Whether the application may be about to show documents that it was asked for lately.
+/// Whether the application may be about to show the documents that it was asked for lately: it
+/// shows those of all its windows or none.
 bool AtspiApplication::isExposing() {
-    const bool lacksDocument = std::any_of(open.begin(), open.end(), [](const auto& window) {
-        return window->reader && !window->isWatched() && !window->reader->hasDocument();
+    const bool wantsDocuments = std::any_of(open.begin(), open.end(),
+                                            [](const auto& window) { return window->isOutlined; });
+    const bool hasDocuments = std::any_of(open.begin(), open.end(), [](const auto& window) {
+        return window->reader && window->reader->hasDocument();
     });
-    return enables && lacksDocument && looksForDocuments-- > 0;
+    return enables && wantsDocuments && !hasDocuments && looksForDocuments-- > 0;
 }
 
 /// What was known may be wrong by the time it answers again.
 void AtspiApplication::giveUp(std::string problem) {
+    endReading();
     state = State::silent;
+    hasPeer = false;
+    hasTraits = false;
+    enabled = ETIMEDOUT;
+    published = {.state = ReadState::couldNotBeRead, .problem = std::move(problem), .windows = {}};
+    onRead();
+}
+
+void AtspiApplication::endReading() {
     deadline.reset();
     soon.reset();
     early.clear();
     open.clear();
     list.reset();
     calls.reset();
+    peer.reset();
     changes.reset();
-    hasTraits = false;
-    enabled = ETIMEDOUT;
-    published = {.state = ReadState::couldNotBeRead, .problem = std::move(problem), .windows = {}};
-    onRead();
 }
 
 /// One question is left with it; the answer, however late, ends the silence.

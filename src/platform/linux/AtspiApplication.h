@@ -57,9 +57,12 @@ private:
     void readOutline(std::size_t index, const TreeExtent& outline);
     void decide(std::size_t index, const TreeExtent& outline);
     void readWhole(std::size_t index, const TreeExtent& extent);
+    void connectDirectly(Task next);
+    void losePeer();
     void finish();
     bool isExposing();
     void giveUp(std::string problem);
+    void endReading();
     void waitForAnswer();
     void receive(const AtspiEvent& event);
     void apply(const AtspiEvent& event);
@@ -78,6 +81,8 @@ private:
     AtspiApplicationTraits traits;
     bool hasTraits = false;
     int looksForDocuments = 4; ///< soon after it was first asked to expose them
+    bool hasPeer = false;      ///< the application's own socket has been tried
+    std::unique_ptr<AtspiConnection> peer;
     std::unique_ptr<AtspiCalls> calls;
     std::unique_ptr<AtspiTreeReader> list; ///< the application and its windows, not what is below
     std::vector<std::unique_ptr<Window>> open;

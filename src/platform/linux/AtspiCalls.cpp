@@ -14,9 +14,11 @@ constexpr guint lookInterval = 250;    // milliseconds
 using MessagePtr = std::unique_ptr<sd_bus_message, Release<sd_bus_message_unref>>;
 using SlotPtr = std::unique_ptr<sd_bus_slot, Release<sd_bus_slot_unref>>;
 
-MessagePtr messageOf(sd_bus* bus, const AtspiCall& call) {
+MessagePtr messageOf(const AtspiConnection& connection, const AtspiCall& call) {
+    const bool isPeer = connection.kind() == AtspiConnection::Kind::peer;
     sd_bus_message* made = nullptr;
-    if (sd_bus_message_new_method_call(bus, &made, call.object.bus.c_str(),
+    if (sd_bus_message_new_method_call(connection.bus(), &made,
+                                       isPeer ? nullptr : call.object.bus.c_str(),
                                        call.object.path.c_str(), call.interface, call.method) < 0)
         return nullptr;
     MessagePtr message(made);
@@ -39,11 +41,17 @@ struct AtspiCalls::Pending {
 struct AtspiCalls::State {
     AtspiConnection& connection;
     Task onHang;
-    GMainContextPtr context{g_main_context_ref_thread_default()};
+    GMainContextPtr context;
     GSourcePtr watch;
     std::list<Pending> inFlight;
     gint64 lastAnswer = 0;
     bool isOver = false;
+    AtspiConnection* peer = nullptr;
+    std::string owner; ///< of the peer
+
+    [[nodiscard]] AtspiConnection& connectionFor(const AtspiCall& call) const {
+        return peer != nullptr && call.object.bus == owner ? *peer : connection;
+    }
 
     void end() {
         isOver = true;
@@ -53,7 +61,13 @@ struct AtspiCalls::State {
 };
 
 AtspiCalls::AtspiCalls(AtspiConnection& connection, Task onHang)
-    : state(std::make_shared<State>(State{connection, std::move(onHang)})) {}
+    : state(std::make_shared<State>(State{connection,
+                                          std::move(onHang),
+                                          GMainContextPtr(g_main_context_ref_thread_default()),
+                                          {},
+                                          {},
+                                          0,
+                                          false})) {}
 
 AtspiCalls::~AtspiCalls() {
     state->end();
@@ -69,12 +83,18 @@ void AtspiCalls::send(const AtspiCall& call, Reply reply) {
         g_source_attach(state->watch.get(), state->context.get());
     }
     auto& pending = state->inFlight.emplace_back(Pending{state, std::move(reply), nullptr});
-    auto* const bus = state->connection.bus();
-    const auto message = bus != nullptr ? messageOf(bus, call) : nullptr;
+    const auto& connection = state->connectionFor(call);
+    auto* const bus = connection.bus();
+    const auto message = bus != nullptr ? messageOf(connection, call) : nullptr;
     sd_bus_slot* slot = nullptr;
     if (message && sd_bus_call_async(bus, &slot, message.get(), receive, &pending, UINT64_MAX) >= 0)
         pending.slot.reset(slot);
     // What could not be sent is not answered: the connection is lost, and its owner is told.
+}
+
+void AtspiCalls::use(AtspiConnection& peer, std::string owner) {
+    state->peer = &peer;
+    state->owner = std::move(owner);
 }
 
 void AtspiCalls::get(const AtspiReference& object, const char* interface, const char* property,

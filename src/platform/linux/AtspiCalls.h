@@ -11,6 +11,7 @@
 #include <functional>
 #include <initializer_list>
 #include <memory>
+#include <string>
 
 namespace quorva {
 
@@ -38,6 +39,10 @@ public:
 
     AtspiCalls(const AtspiCalls&) = delete;
     AtspiCalls& operator=(const AtspiCalls&) = delete;
+
+    /// Sends what is for `owner` over its own connection from now on, which must outlive the object
+    /// too.
+    void use(AtspiConnection& peer, std::string owner);
 
     /// The reply comes later, never within this call.
     void send(const AtspiCall& call, Reply reply);

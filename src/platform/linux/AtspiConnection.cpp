@@ -15,14 +15,14 @@ struct AtspiConnection::Source {
     GPollFD poll;
 };
 
-AtspiConnection::AtspiConnection(const std::string& address, Task onLost_)
-    : onLost(std::move(onLost_)) {
+AtspiConnection::AtspiConnection(const std::string& address, Kind kind, Task onLost_)
+    : ofKind(kind), onLost(std::move(onLost_)) {
     sd_bus* made = nullptr;
     if (sd_bus_new(&made) < 0)
         return;
     connection.reset(made);
-    if (sd_bus_set_address(made, address.c_str()) < 0 || sd_bus_set_bus_client(made, 1) < 0 ||
-        sd_bus_start(made) < 0) {
+    if (sd_bus_set_address(made, address.c_str()) < 0 ||
+        sd_bus_set_bus_client(made, kind == Kind::bus ? 1 : 0) < 0 || sd_bus_start(made) < 0) {
         connection.reset();
         return;
     }

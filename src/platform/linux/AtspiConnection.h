@@ -16,13 +16,18 @@ namespace quorva {
 
 class AtspiConnection {
 public:
-    /// Connects to the bus at this address, without waiting for it. `onLost` is called when the
-    /// connection could not be made or has ended, as a task of its own.
-    AtspiConnection(const std::string& address, Task onLost);
+    /// To a message bus, or to one program that answers by itself.
+    enum class Kind { bus, peer };
+
+    /// Connects to this address, without waiting for it. `onLost` is called when the connection
+    /// could not be made or has ended, never within a call.
+    AtspiConnection(const std::string& address, Kind kind, Task onLost);
     ~AtspiConnection();
 
     AtspiConnection(const AtspiConnection&) = delete;
     AtspiConnection& operator=(const AtspiConnection&) = delete;
+
+    [[nodiscard]] Kind kind() const { return ofKind; }
 
     /// Null where the connection could not even be begun.
     [[nodiscard]] sd_bus* bus() const { return connection.get(); }
@@ -33,6 +38,7 @@ private:
     static gboolean check(GSource* source);
     static gboolean dispatch(GSource* source, GSourceFunc, gpointer);
 
+    const Kind ofKind;
     std::unique_ptr<sd_bus, Release<sd_bus_close_unref>> connection;
     const Task onLost;
     GSourcePtr source;

@@ -201,7 +201,8 @@ bool AtspiTreeReader::showsDocument() const {
 
 bool AtspiTreeReader::hasDocument() const {
     return std::any_of(nodesOfPath.begin(), nodesOfPath.end(), [](const auto& entry) {
-        return entry.second->isDocument() && entry.second->isShown;
+        const auto& node = *entry.second;
+        return node.isDocument() && node.isShown && node.childCount != 0;
     });
 }
 

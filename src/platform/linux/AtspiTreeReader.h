@@ -66,7 +66,7 @@ public:
     /// Whether the last completed reading met a document that says it is shown.
     [[nodiscard]] bool showsDocument() const;
 
-    /// Whether the window has a document, shown or counted as such.
+    /// Whether the window has a document, shown or counted as such, that is not empty.
     [[nodiscard]] bool hasDocument() const;
 
 private:

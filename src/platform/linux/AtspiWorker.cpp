@@ -18,7 +18,7 @@ constexpr const char* busName = "org.freedesktop.DBus";
 constexpr const char* busPath = "/org/freedesktop/DBus";
 
 constexpr int longestStatus = 5000;   // milliseconds
-constexpr int longestRegistry = 1500; // milliseconds
+constexpr int longestRegistry = 3000; // milliseconds
 constexpr guint timeToEmbed = 300;    // milliseconds, from joining the bus to the registry's list
 constexpr std::size_t maxApplications = 1000;
 
@@ -38,7 +38,7 @@ struct AtspiWorker::Connected {
 
     Connected(GObjectPtr<GDBusConnection> bus_, const std::string& address, const Task& onLost)
         : bus(std::move(bus_)),
-          bulk(address, onLost),
+          bulk(address, AtspiConnection::Kind::bus, onLost),
           events(GObjectPtr<GDBusConnection>(G_DBUS_CONNECTION(g_object_ref(bus.get()))), address) {
     }
     ~Connected() {
@@ -185,16 +185,17 @@ void AtspiWorker::noteOwner(GVariant* change) {
     }
 }
 
+/// The registry is started by the question where it does not run. One that does not answer in time
+/// leaves what is known of the applications.
 void AtspiWorker::listApplications() {
     connected->listSoon.reset();
     callBus(connected->bus.get(),
             {atspi::registryName, atspi::rootPath, atspi::accessible, "GetChildren", nullptr,
-             longestRegistry},
+             longestRegistry, G_DBUS_CALL_FLAGS_NONE},
             lifetime.guard([this](GVariant* reply) {
-                const auto listed = decodeReferences(reply, "", maxApplications);
                 if (!connected)
                     return;
-                if (listed)
+                if (const auto listed = decodeReferences(reply, "", maxApplications))
                     takeApplications(*listed);
                 else if (!connected->isListed)
                     lose();
