@@ -77,7 +77,7 @@ void Scan::expectAnswers() {
 
 /// Starts the scan of the calendars, where it is asked for and allowed; it is over when they have
 /// answered, or when there turn out to be none.
-void Scan::whenCalendarsAnswered(Task start) {
+void Scan::whenCalendarsAnswered(const Task& start) {
     if (!options.asksFor(ScanSource::calendar) ||
         *calendar.authorizationStatus != CalendarAuthorization::fullAccess)
         return answered(ScanSource::calendar);

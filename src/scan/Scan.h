@@ -35,7 +35,7 @@ public:
 
 private:
     void expectAnswers();
-    void whenCalendarsAnswered(Task start);
+    void whenCalendarsAnswered(const Task& start);
     void whenMeetingsRead(Task then);
     void answered(ScanSource source);
     [[nodiscard]] std::vector<SourceReport> reports() const;

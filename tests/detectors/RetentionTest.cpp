@@ -78,6 +78,15 @@ TEST_F(RetentionTest, keepsABotForAsLongAsItMayStillBeThere) {
     }
 }
 
+TEST_F(RetentionTest, countsMissesInARow) {
+    for (int i = 0; i < 9; ++i) {
+        inZoom({i % 3 == 0 ? otter : "Ann"});
+        pass();
+        loop.advance(4s);
+    }
+    EXPECT_THAT(announced(), ElementsAre("+Zoom-otter.ai notetaker"));
+}
+
 TEST_F(RetentionTest, startsAnewWithABotThatWasGone) {
     for (int round = 0; round < 2; ++round) {
         for (int i = 0; i < 2; ++i) {

@@ -92,6 +92,7 @@ TEST(WindowScan, findsThePageInContainersNearTheTop) {
     const auto embedding = element(webArea, {}, {page("embedded")});
     EXPECT_EQ(findWebAreaURL(*element(window, {}, {embedding, page("second"), page("third")})),
               "second");
+    EXPECT_FALSE(outlineExtent().descends(webArea, group, 3)) << "nor is it read";
 }
 
 TEST(WindowScan, takesTwoControlsOfAMeetingForAMeeting) {
