@@ -220,7 +220,7 @@ GVariant* PlayedApplication::answerOf(const PlayedElement& element, const Played
     if (method == "GetChildren") {
         GVariantBuilder children;
         g_variant_builder_init(&children, G_VARIANT_TYPE("a(so)"));
-        for (const auto& child : element.children)
+        for (const auto& child : *element.children)
             g_variant_builder_add_value(&children, referenceTo(child));
         return g_variant_new("(a(so))", &children);
     }
@@ -228,9 +228,9 @@ GVariant* PlayedApplication::answerOf(const PlayedElement& element, const Played
         std::int32_t index = 0;
         g_variant_get(parameters, "(i)", &index);
         const bool isThere =
-            index >= 0 && static_cast<std::size_t>(index) < element.children.size();
+            index >= 0 && static_cast<std::size_t>(index) < (*element.children).size();
         return g_variant_new(
-            "(@(so))", isThere ? referenceTo(element.children[static_cast<std::size_t>(index)])
+            "(@(so))", isThere ? referenceTo((*element.children)[static_cast<std::size_t>(index)])
                                : g_variant_new("(so)", "", atspi::nullPath));
     }
     return nullptr;
@@ -246,7 +246,7 @@ GVariant* PlayedApplication::propertyOf(const PlayedElement& element,
         return g_variant_new_string("");
     if (name == "ChildCount")
         return g_variant_new_int32(
-            element.childCount.value_or(static_cast<std::int32_t>(element.children.size())));
+            element.childCount.value_or(static_cast<std::int32_t>((*element.children).size())));
     return nullptr;
 }
 

@@ -6,12 +6,14 @@
 
 #include <cstdint>
 #include <functional>
+#include <initializer_list>
 #include <map>
 #include <memory>
 #include <mutex>
 #include <optional>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 namespace quorva {
@@ -27,13 +29,29 @@ inline constexpr std::uint32_t paragraph = 73;
 inline constexpr std::uint32_t document = 95;
 } // namespace played
 
+/// The identifiers of an element's children; copies share them.
+class PlayedChildren {
+public:
+    PlayedChildren() = default;
+    PlayedChildren(std::initializer_list<std::string> identifiers)
+        : PlayedChildren(std::vector(identifiers)) {}
+    PlayedChildren(std::vector<std::string> identifiers)
+        : all(std::make_shared<const std::vector<std::string>>(std::move(identifiers))) {}
+
+    [[nodiscard]] const std::vector<std::string>& operator*() const { return *all; }
+
+private:
+    std::shared_ptr<const std::vector<std::string>> all =
+        std::make_shared<const std::vector<std::string>>();
+};
+
 /// An element as it shows itself. Its identifier is the last part of its object path.
 struct PlayedElement {
     std::uint32_t role = played::panel;
     std::string name = {};
     std::string text = {};
     std::string url = {};
-    std::vector<std::string> children = {};
+    PlayedChildren children = {};
     std::optional<std::int32_t> childCount = {}; ///< where it lies about its children
     bool isShowing = true;
     bool managesDescendants = false;

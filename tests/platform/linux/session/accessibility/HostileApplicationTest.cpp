@@ -27,7 +27,7 @@ PlayedElement person(const std::string& name) {
     return {.role = played::listItem, .name = name, .text = name};
 }
 
-std::vector<std::string> numbers(int count) {
+PlayedChildren numbers(int count) {
     std::vector<std::string> all;
     for (int i = 0; i < count; ++i)
         all.push_back("n" + std::to_string(i));
@@ -35,7 +35,7 @@ std::vector<std::string> numbers(int count) {
 }
 
 /// "top" with children, which have none.
-Script aList(const std::vector<std::string>& children, std::optional<std::int32_t> count = {},
+Script aList(const PlayedChildren& children, std::optional<std::int32_t> count = {},
              bool managesDescendants = false) {
     return inWindow([=](const std::string& identifier) {
         return identifier == "top" ? PlayedElement{.role = played::list,
@@ -56,11 +56,29 @@ Treat answering(const std::string& method, const char* reply) {
     };
 }
 
+/// So many children, whatever their number is said to be.
+Treat crowding(int children) {
+    GVariantBuilder all;
+    g_variant_builder_init(&all, G_VARIANT_TYPE("a(so)"));
+    for (int i = 0; i < children; ++i)
+        g_variant_builder_add(&all, "(so)", "",
+                              ("/org/a11y/atspi/accessible/n" + std::to_string(i)).c_str());
+    const std::shared_ptr<GVariant> reply(g_variant_ref_sink(g_variant_new("(a(so))", &all)),
+                                          g_variant_unref);
+    g_variant_get_data(reply.get()); // serialises it once
+    return [reply](const PlayedQuestion& question) -> PlayedTreatment {
+        if (question.element != "top" || question.method != "GetChildren")
+            return {};
+        return {PlayedTreatment::Kind::reply, reply.get()};
+    };
+}
+
 /// Every third question is for something that has just gone.
 Treat vanishing() {
     return [asked = std::make_shared<int>(0)](const PlayedQuestion& question) -> PlayedTreatment {
-        return {question.element != "root" && ++*asked % 3 == 0 ? PlayedTreatment::Kind::vanished
-                                                                : PlayedTreatment::Kind::answer};
+        const bool isContent = question.element != "root" && question.element != "window";
+        return {isContent && ++*asked % 3 == 0 ? PlayedTreatment::Kind::vanished
+                                               : PlayedTreatment::Kind::answer};
     };
 }
 
@@ -92,8 +110,8 @@ const Hostility hostilities[] = {
          return PlayedElement{.name = identifier, .children = {identifier == "top" ? "a" : "top"}};
      }),
      nullptr, "gtk", 30},
-    {"wideCycle", inWindow([](const std::string& identifier) {
-         return PlayedElement{.name = identifier, .children = numbers(300)};
+    {"wideCycle", inWindow([children = numbers(300)](const std::string& identifier) {
+         return PlayedElement{.name = identifier, .children = children};
      }),
      nullptr, "gtk", 2000},
     {"ownAncestor", inWindow([](const std::string&) {
@@ -104,7 +122,7 @@ const Hostility hostilities[] = {
     {"millionChildren", aList(numbers(3000), 1'000'000), nullptr, "gtk", 2000},
     {"millionChildrenOfWhichNoneIsThere", aList({}, 1'000'000), nullptr, "gtk", 2},
     {"millionChildrenMadeUpWhenAskedFor", aList(numbers(3000), 1'000'000, true), nullptr, "gtk", 2},
-    {"childrenBeyondTheirNumber", aList(numbers(200'000), 3), nullptr, "gtk", 2000},
+    {"childrenBeyondTheirNumber", aList({}, 3), crowding(200'000), "gtk", 2000},
     {"fewerChildrenThanTheirNumber", aList({"ann"}, 5), nullptr, "gtk", 3},
     {"noNumberOfChildren", aList({"ann"}, -1), nullptr, "gtk", 3},
     {"numberBelowAll", aList({"ann"}, std::numeric_limits<std::int32_t>::min()), nullptr, "gtk", 3},
@@ -177,8 +195,8 @@ TEST_P(HostileApplicationTest, endsItsReadingAndLeavesTimeForOthers) {
 
     application.forgetQuestions();
     (void)comesToAsking(
-        processes, [] { return false; }, Seconds(2));
-    EXPECT_LE(application.questions(), 60); // the windows' titles in each of four passes
+        processes, [] { return false; }, Seconds(1.2));
+    EXPECT_LE(application.questions(), 30); // the windows' titles in each of two passes
     EXPECT_EQ(readingOf(self), read);
     RecordProperty("questions", first);
 }
