@@ -30,7 +30,14 @@ bool AtspiNode::mayHaveText() const {
 }
 
 void AtspiNode::forget() {
-    hasRole = hasDetails = hasState = hasText = hasChildren = false;
+    hasRole = hasState = hasText = false;
+    forgetChildren();
+}
+
+void AtspiNode::forgetChildren() {
+    hasDetails = hasChildren = false; // the number of children is one of the details
+    listed.clear();
+    nextChild = 0;
 }
 
 void AtspiNode::change(std::string& field, std::string value) {

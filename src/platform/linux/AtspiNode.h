@@ -52,6 +52,7 @@ struct AtspiNode {
     [[nodiscard]] bool mayHaveText() const;
 
     void forget();
+    void forgetChildren();
 
     /// Sets a field of the content, and remembers whether that made a difference.
     void change(std::string& field, std::string value);

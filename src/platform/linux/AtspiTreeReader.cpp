@@ -4,6 +4,26 @@
 #include <utility>
 
 namespace quorva {
+namespace {
+
+/// The tree as far as a walk comes that ends with the budget; a reading goes a little beyond.
+AccessibleElementPtr firstOf(const AccessibleElementPtr& tree, int& budget) {
+    --budget;
+    for (auto child = tree->children.begin(); child != tree->children.end(); ++child) {
+        const auto first = budget > 0 ? firstOf(*child, budget) : nullptr;
+        if (first == *child)
+            continue;
+        auto cut = std::make_shared<AccessibleElement>(*tree);
+        cut->children.assign(tree->children.begin(), child);
+        if (first)
+            cut->children.push_back(first);
+        return cut;
+    }
+    return tree;
+}
+
+} // namespace
+
 struct AtspiTreeReader::Later {
     std::vector<std::uint32_t> position;
     std::weak_ptr<Node> node;
@@ -58,6 +78,7 @@ void AtspiTreeReader::read(const TreeExtent& extent_, Texts texts_, std::functio
     extent = extent_;
     texts = texts_;
     done = std::move(done_);
+    isOver = false;
     int budget = extent.maxElements;
     visit(top, budget);
     resume();
@@ -75,7 +96,7 @@ void AtspiTreeReader::visit(const NodePtr& node, int& budget) {
 }
 
 void AtspiTreeReader::enqueue(const NodePtr& node) {
-    if (node->isQueued || node->asked > 0)
+    if (isOver || node->isQueued || node->asked > 0)
         return;
     node->isQueued = true;
     queue.push({node->position, node});
@@ -84,9 +105,11 @@ void AtspiTreeReader::enqueue(const NodePtr& node) {
 void AtspiTreeReader::resume() {
     if (!done)
         return;
-    if (isEnough())
+    if (isEnough()) { // what is in flight is taken, and nothing follows it
+        isOver = true;
         clearQueue();
-    while (!queue.empty() && calls.room() > 0) {
+    }
+    while (!queue.empty() && maySend()) {
         const auto node = queue.top().node.lock();
         queue.pop();
         if (!node || node->isDropped)
@@ -96,6 +119,15 @@ void AtspiTreeReader::resume() {
     }
     if (queue.empty() && asked == 0)
         finish();
+}
+
+/// What is asked while others are awaited lies further on in the walk. A tree that is wide at every
+/// depth would grow there without end, so in a crowd there is one at a time.
+bool AtspiTreeReader::maySend() const {
+    constexpr std::size_t crowd = 8; // times what is asked for
+    const bool isCrowded =
+        nodesOfPath.size() > crowd * static_cast<std::size_t>(extent.maxElements);
+    return calls.room() > 0 && (asked == 0 || !isCrowded);
 }
 
 void AtspiTreeReader::clearQueue() {
@@ -176,7 +208,7 @@ void AtspiTreeReader::forgetWayToDocuments() {
             continue;
         node->hasState = false;
         for (auto* above = node->parent; above != nullptr; above = above->parent)
-            above->hasDetails = above->hasChildren = false;
+            above->forgetChildren();
     }
 }
 
@@ -225,7 +257,7 @@ bool AtspiTreeReader::noteAt(Node& node, AtspiChange change) {
         return false;
     switch (change) {
     case AtspiChange::children:
-        node.hasDetails = node.hasChildren = false; // the number of children is one of the details
+        node.forgetChildren();
         return true;
     case AtspiChange::name:
         node.hasDetails = false;
@@ -253,7 +285,15 @@ std::vector<std::pair<AtspiReference, std::string>> AtspiTreeReader::listChildre
 }
 
 AccessibleElementPtr AtspiTreeReader::tree() {
-    return isComplete ? publish(*top) : nullptr;
+    if (!isComplete)
+        return nullptr;
+    const auto all = publish(*top);
+    if (all != everything) {
+        everything = all;
+        int budget = extent.maxElements;
+        withinBudget = firstOf(all, budget);
+    }
+    return withinBudget;
 }
 
 /// Shares what has not changed with what was given out before.

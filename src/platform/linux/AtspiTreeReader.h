@@ -83,6 +83,7 @@ private:
     void visit(const NodePtr& node, int& budget);
     [[nodiscard]] bool isPrefixRead(const Node& node, int& budget) const;
     [[nodiscard]] bool isEnough();
+    [[nodiscard]] bool maySend() const;
     void clearQueue();
     void finish();
     void settleDocuments();
@@ -127,9 +128,12 @@ private:
     std::unordered_multimap<std::string, Node*> nodesOfPath;
     std::priority_queue<Later> queue; ///< what has to be asked for, in the order of the walk
     NodePtr top;
-    int asked = 0;           ///< calls in flight
-    int readSinceLook = 0;   ///< elements, until the next look at the budget
-    bool isComplete = false; ///< a reading has been completed
+    int asked = 0;                     ///< calls in flight
+    int readSinceLook = 0;             ///< elements, until the next look at the budget
+    bool isOver = false;               ///< the budget of this reading is used up
+    bool isComplete = false;           ///< a reading has been completed
+    AccessibleElementPtr everything;   ///< that was read, and
+    AccessibleElementPtr withinBudget; ///< the part of that which was asked for
     Lifetime lifetime;
 };
 

@@ -50,6 +50,7 @@ void AtspiTreeReader::advance(const NodePtr& node) {
         ask(node, atspi::text, "GetText", &AtspiTreeReader::takeText, {}, {0, -1});
     if (texts == Texts::all)
         askRoleName(*node);
+    settle(node);
 }
 
 /// The name of a role is asked for once, of whichever element has it first.
@@ -88,9 +89,9 @@ void AtspiTreeReader::settle(const NodePtr& node) {
         return;
     if (!isKnown(*node))
         return enqueue(node);
+    ++readSinceLook;
     if (!node->wasRead) {
         node->wasRead = true;
-        ++readSinceLook;
         node->hasChanged();
     }
 }
@@ -123,6 +124,10 @@ void AtspiTreeReader::askDocument(const NodePtr& node) {
 void AtspiTreeReader::askChildren(const NodePtr& node) {
     if (node->childCount <= std::max(extent.maxElements, manyChildren))
         return ask(node, atspi::accessible, "GetChildren", &AtspiTreeReader::takeChildren);
+    if (node->nextChild >= extent.maxElements) {
+        node->nextChild = 0;
+        return adopt(*node, std::exchange(node->listed, {}));
+    }
     const auto end = std::min(node->nextChild + childrenAtOnce, extent.maxElements);
     while (node->nextChild < end)
         ask(node, atspi::accessible, "GetChildAtIndex", &AtspiTreeReader::takeChild, {},
@@ -185,14 +190,9 @@ void AtspiTreeReader::takeChildren(Node& node, GVariant* reply) {
               .value_or(std::vector<AtspiReference>()));
 }
 
-/// An application answers in the order in which it was asked.
 void AtspiTreeReader::takeChild(Node& node, GVariant* reply) {
     if (auto child = decodeReference(reply, node.reference.bus))
         node.listed.push_back(std::move(*child));
-    if (node.asked == 0 && node.nextChild >= extent.maxElements) {
-        node.nextChild = 0;
-        adopt(node, std::exchange(node.listed, {}));
-    }
 }
 
 /// Takes the children as they are now, and keeps what is known of those that were there before.

@@ -28,14 +28,16 @@ AtspiAnswer unread(ReadState state, std::string problem, int enableResult) {
 
 } // namespace
 
+/// A process on the accessibility bus that has registered as an application.
+struct AtspiWorker::Speaker {
+    ProcessIdentifier process = 0; ///< 0: not known yet
+    std::map<ProcessIdentifier, bool> speaksFor;
+    ProcessIdentifier wish = 0;                    ///< that it is read for; 0: nobody wants it
+    std::unique_ptr<AtspiApplication> application; ///< null when nobody wants it
+};
+
 /// What depends on the connection to the accessibility bus.
 struct AtspiWorker::Connected {
-    struct Speaker {
-        ProcessIdentifier process = 0; ///< 0: not known yet
-        std::map<ProcessIdentifier, bool> speaksFor;
-        std::unique_ptr<AtspiApplication> application; ///< null when nobody wants it
-    };
-
     Connected(GObjectPtr<GDBusConnection> bus_, const std::string& address, const Task& onLost)
         : bus(std::move(bus_)),
           bulk(address, AtspiConnection::Kind::bus, onLost),
@@ -239,29 +241,37 @@ void AtspiWorker::askProcess(const std::string& name) {
             }));
 }
 
+/// Of the processes that are wanted, the one that a process on the bus speaks for; 0 for none.
+/// Where one of them has started the other, as a program starts the browser, it is the nearer one.
+ProcessIdentifier AtspiWorker::wishFor(Speaker& speaker) const {
+    ProcessIdentifier nearest = 0;
+    for (const auto& [process, request] : wanted) {
+        const auto [known, isNew] = speaker.speaksFor.try_emplace(process, false);
+        if (isNew)
+            known->second = processes.speaksFor(speaker.process, process);
+        if (known->second && (nearest == 0 || processes.speaksFor(process, nearest)))
+            nearest = process;
+    }
+    return nearest;
+}
+
 /// Has the applications read that are wanted, and lets go of the others.
 void AtspiWorker::assign() {
     std::set<ProcessIdentifier> heard;
     for (auto& [name, speaker] : connected->speakers) {
-        const AtspiRequest* request = nullptr;
-        for (const auto& [process, wish] : wanted) {
-            const auto [known, isNew] = speaker.speaksFor.try_emplace(process, false);
-            if (isNew)
-                known->second = processes.speaksFor(speaker.process, process);
-            if (known->second && request == nullptr)
-                request = &wish;
-        }
-        if (request == nullptr) {
+        const auto former = std::exchange(speaker.wish, wishFor(speaker));
+        if (speaker.wish == 0) {
             speaker.application.reset();
             continue;
         }
-        const auto process = request->reading.process;
-        heard.insert(process);
+        if (former == speaker.wish || former == 0) // else what is known is told at once
+            heard.insert(speaker.wish);
         if (!speaker.application)
             speaker.application = std::make_unique<AtspiApplication>(
                 AtspiBus{connected->bus.get(), connected->bulk, connected->events}, name,
-                lifetime.guard([this, process] { report(process); }));
-        speaker.application->read(request->reading.plan, request->enables);
+                lifetime.guard([this, &speaker = speaker] { report(speaker.wish); }));
+        const auto& request = wanted[speaker.wish];
+        speaker.application->read(request.reading.plan, request.enables);
     }
     for (const auto& [process, request] : wanted)
         if (!heard.contains(process))
@@ -273,8 +283,7 @@ void AtspiWorker::report(ProcessIdentifier process) {
     AtspiAnswer answer{{.state = ReadState::read, .problem = {}, .windows = {}}, ENOTSUP};
     bool isHeard = false;
     for (const auto& [name, speaker] : connected->speakers) {
-        const auto known = speaker.speaksFor.find(process);
-        if (!speaker.application || known == speaker.speaksFor.end() || !known->second)
+        if (!speaker.application || speaker.wish != process)
             continue;
         isHeard = true;
         const auto& [state, problem, windows] = speaker.application->windows();

@@ -50,6 +50,7 @@ public:
     void request(std::vector<AtspiRequest> requests);
 
 private:
+    struct Speaker;
     struct Connected;
 
     void askStatus();
@@ -62,6 +63,7 @@ private:
     void listApplications();
     void takeApplications(const std::vector<AtspiReference>& applications);
     void askProcess(const std::string& name);
+    [[nodiscard]] ProcessIdentifier wishFor(Speaker& speaker) const;
     void assign();
     void report(ProcessIdentifier process);
 

@@ -1,0 +1,190 @@
+// What tests of reading from the accessibility bus share: the bus and its registry are those of the
+// desktop, in a session of the test's own; the applications on it are played.
+#pragma once
+
+#include "platform/linux/AtspiAccessibilityTree.h"
+#include "platform/linux/GLibMainLoop.h"
+#include "support/PlayedApplication.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <chrono>
+#include <csignal>
+#include <cstdlib>
+#include <memory>
+#include <optional>
+#include <string>
+#include <unistd.h>
+#include <utility>
+#include <vector>
+
+namespace quorva {
+
+/// An application in a process of its own: its window lists so many people.
+class PlayedMeeting {
+public:
+    explicit PlayedMeeting(const std::string& title, int people = 50, int delay = 0) {
+        GError* error = nullptr;
+        process.reset(g_subprocess_new(
+            static_cast<GSubprocessFlags>(G_SUBPROCESS_FLAGS_STDIN_PIPE |
+                                          G_SUBPROCESS_FLAGS_STDOUT_PIPE),
+            &error, QUORVA_PLAYED_MEETING, title.c_str(), std::to_string(people).c_str(),
+            std::to_string(delay).c_str(), nullptr));
+        const GErrorPtr failure(error);
+        if (!process)
+            throw std::runtime_error(failure->message);
+        char ready = '\0';
+        g_input_stream_read(g_subprocess_get_stdout_pipe(process.get()), &ready, 1, nullptr,
+                            nullptr);
+    }
+    ~PlayedMeeting() { kill(); }
+    PlayedMeeting(const PlayedMeeting&) = delete;
+    PlayedMeeting& operator=(const PlayedMeeting&) = delete;
+
+    [[nodiscard]] ProcessIdentifier identifier() const {
+        const auto* const text = g_subprocess_get_identifier(process.get());
+        return text != nullptr ? std::atoi(text) : 0;
+    }
+    void signal(int number) { g_subprocess_send_signal(process.get(), number); }
+    void kill() {
+        g_subprocess_force_exit(process.get());
+        g_subprocess_wait(process.get(), nullptr, nullptr);
+    }
+
+private:
+    GObjectPtr<GSubprocess> process;
+};
+
+/// The elements of a tree in the order of the walk.
+inline std::vector<const AccessibleElement*> walk(const AccessibleElementPtr& tree) {
+    std::vector<const AccessibleElement*> walked;
+    const auto visit = [&](const auto& self, const AccessibleElement& element) -> void {
+        walked.push_back(&element);
+        for (const auto& child : element.children)
+            self(self, *child);
+    };
+    if (tree)
+        visit(visit, *tree);
+    return walked;
+}
+
+inline int depthOf(const AccessibleElement& tree) {
+    int deepest = 0;
+    for (const auto& child : tree.children)
+        deepest = std::max(deepest, depthOf(*child));
+    return deepest + 1;
+}
+
+/// The first element with a title; null for none.
+inline const AccessibleElement* find(const AccessibleElementPtr& tree, const std::string& title) {
+    for (const auto* const element : walk(tree))
+        if (element->title == title)
+            return element;
+    return nullptr;
+}
+
+class AccessibilityTest : public testing::Test {
+protected:
+    static constexpr int maxElements = 2000;
+    static constexpr int maxDepth = 30;
+
+    ~AccessibilityTest() override {
+        RecordProperty("largestGapMicroseconds", std::to_string(largestGap));
+        EXPECT_LT(largestGap, 500'000) << "microseconds in which the main loop did not turn";
+    }
+
+    static bool switchAccessibility(bool isOn) {
+        const GObjectPtr<GDBusConnection> session(
+            g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, nullptr));
+        g_dbus_connection_set_exit_on_close(session.get(), FALSE);
+        const GVariantPtr reply(g_dbus_connection_call_sync(
+            session.get(), "org.a11y.Bus", "/org/a11y/bus", "org.freedesktop.DBus.Properties",
+            "Set",
+            g_variant_new("(ssv)", "org.a11y.Status", "IsEnabled", g_variant_new_boolean(isOn)),
+            nullptr, G_DBUS_CALL_FLAGS_NONE, -1, nullptr, nullptr));
+        return reply != nullptr;
+    }
+
+    /// The process that owns a name; on the session's bus, or on that at `address`.
+    static ProcessIdentifier ownerOf(const char* name, const std::string& address = {}) {
+        const GObjectPtr<GDBusConnection> bus(
+            address.empty() ? g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, nullptr)
+                            : g_dbus_connection_new_for_address_sync(
+                                  address.c_str(),
+                                  static_cast<GDBusConnectionFlags>(
+                                      G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
+                                      G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION),
+                                  nullptr, nullptr, nullptr));
+        if (!bus)
+            return 0;
+        const GVariantPtr reply(g_dbus_connection_call_sync(
+            bus.get(), "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
+            "GetConnectionUnixProcessID", g_variant_new("(s)", name), nullptr,
+            G_DBUS_CALL_FLAGS_NONE, -1, nullptr, nullptr));
+        guint32 process = 0;
+        if (reply)
+            g_variant_get(reply.get(), "(u)", &process);
+        return static_cast<ProcessIdentifier>(process);
+    }
+
+    /// Windows whose titles begin with "Meeting" are read whole, the others not at all.
+    static std::shared_ptr<const ReadingPlan> wholeMeetings(int elements = maxElements,
+                                                            int depth = maxDepth) {
+        auto plan = std::make_shared<ReadingPlan>();
+        plan->byTitle = [elements, depth](std::string_view title) {
+            return title.starts_with("Meeting")
+                       ? ReadingPlan::First{{.maxDepth = depth, .maxElements = elements}, true}
+                       : ReadingPlan::First{};
+        };
+        return plan;
+    }
+
+    void request(const std::vector<ProcessIdentifier>& processes,
+                 std::shared_ptr<const ReadingPlan> plan = wholeMeetings()) {
+        std::vector<ReadingRequest> requests;
+        for (const auto process : processes)
+            requests.push_back({process, plan});
+        tree.request(std::move(requests));
+    }
+
+    /// Turns the main loop until `condition` holds; false when it does not come to that in time.
+    template <typename Condition>
+    [[nodiscard]] bool comesTo(Condition condition, Seconds within = Seconds(20)) {
+        const auto start = std::chrono::steady_clock::now();
+        gint64 lastBeat = g_get_monotonic_time();
+        const auto beat = loop.every(Seconds(0.001), [this, &lastBeat] {
+            const auto present = g_get_monotonic_time();
+            largestGap = std::max(largestGap, present - std::exchange(lastBeat, present));
+        });
+        while (!condition() && std::chrono::steady_clock::now() - start < within)
+            g_main_context_iteration(nullptr, TRUE);
+        return condition();
+    }
+
+    /// As comesTo, with requests in between as a monitor's passes make them.
+    template <typename Condition>
+    [[nodiscard]] bool comesToAsking(const std::vector<ProcessIdentifier>& processes,
+                                     Condition condition, Seconds within = Seconds(20)) {
+        const auto passes = loop.every(Seconds(0.5), [&] { request(processes); });
+        return comesTo(condition, within);
+    }
+
+    /// The newest reading of a window; null when there is none.
+    [[nodiscard]] AccessibleElementPtr readingOf(ProcessIdentifier process,
+                                                 const std::string& title = "Meeting") const {
+        const auto windows = tree.windows(process);
+        for (const auto& window : windows.windows)
+            if (windows.state == ReadState::read && window.title == title)
+                return window.state == ReadState::read ? window.tree : nullptr;
+        return nullptr;
+    }
+
+    GLibMainLoop loop;
+    const bool isSwitchedOn = switchAccessibility(true);
+    AtspiAccessibilityTree tree;
+    const ProcessIdentifier self = ::getpid();
+    gint64 largestGap = 0; ///< microseconds between two turns of the main loop
+};
+
+} // namespace quorva

@@ -1,0 +1,204 @@
+// Applications that show themselves as no application should. Whatever they say, the reading ends,
+// keeps to what was asked for, costs few questions, and the application beside is read in time.
+#include "AccessibilityTest.h"
+
+#include <atomic>
+#include <limits>
+
+namespace quorva {
+namespace {
+
+using Script = PlayedApplication::Script;
+using Treat = PlayedApplication::Treat;
+
+/// An application with one window, "Meeting", whose content the rest of the script is: "top" and
+/// what is below.
+Script inWindow(Script content) {
+    return [content](const std::string& identifier) -> std::optional<PlayedElement> {
+        if (identifier == "root")
+            return PlayedElement{.role = played::application, .children = {"window"}};
+        if (identifier == "window")
+            return PlayedElement{.role = played::frame, .name = "Meeting", .children = {"top"}};
+        return content(identifier);
+    };
+}
+
+PlayedElement person(const std::string& name) {
+    return {.role = played::listItem, .name = name, .text = name};
+}
+
+PlayedChildren numbers(int count) {
+    std::vector<std::string> all;
+    for (int i = 0; i < count; ++i)
+        all.push_back("n" + std::to_string(i));
+    return all;
+}
+
+/// "top" with children, which have none.
+Script aList(const PlayedChildren& children, std::optional<std::int32_t> count = {},
+             bool managesDescendants = false) {
+    return inWindow([=](const std::string& identifier) {
+        return identifier == "top" ? PlayedElement{.role = played::list,
+                                                   .children = children,
+                                                   .childCount = count,
+                                                   .managesDescendants = managesDescendants}
+                                   : person(identifier);
+    });
+}
+
+/// Every question for an element of the window's content is answered with something else.
+Treat answering(const std::string& method, const char* reply) {
+    return [=](const PlayedQuestion& question) -> PlayedTreatment {
+        if (question.element == "root" || question.element == "window" ||
+            (!method.empty() && question.method != method))
+            return {};
+        return {PlayedTreatment::Kind::reply, g_variant_new_parsed(reply)};
+    };
+}
+
+/// So many children, whatever their number is said to be.
+Treat crowding(int children) {
+    GVariantBuilder all;
+    g_variant_builder_init(&all, G_VARIANT_TYPE("a(so)"));
+    for (int i = 0; i < children; ++i)
+        g_variant_builder_add(&all, "(so)", "",
+                              ("/org/a11y/atspi/accessible/n" + std::to_string(i)).c_str());
+    const std::shared_ptr<GVariant> reply(g_variant_ref_sink(g_variant_new("(a(so))", &all)),
+                                          g_variant_unref);
+    g_variant_get_data(reply.get()); // serialises it once
+    return [reply](const PlayedQuestion& question) -> PlayedTreatment {
+        if (question.element != "top" || question.method != "GetChildren")
+            return {};
+        return {PlayedTreatment::Kind::reply, reply.get()};
+    };
+}
+
+/// Every third question is for something that has just gone.
+Treat vanishing() {
+    return [asked = std::make_shared<int>(0)](const PlayedQuestion& question) -> PlayedTreatment {
+        const bool isContent = question.element != "root" && question.element != "window";
+        return {isContent && ++*asked % 3 == 0 ? PlayedTreatment::Kind::vanished
+                                               : PlayedTreatment::Kind::answer};
+    };
+}
+
+struct Hostility {
+    const char* name;
+    Script script;
+    Treat treat = nullptr;
+    const char* toolkit = "gtk";
+    std::size_t elements = 0; ///< of the window, as a walk would meet them; 0 for any number
+};
+
+void PrintTo(const Hostility& hostility, std::ostream* out) {
+    *out << hostility.name;
+}
+
+class HostileApplicationTest : public AccessibilityTest,
+                               public testing::WithParamInterface<Hostility> {
+protected:
+    [[nodiscard]] ReadState stateOfWindow() const {
+        const auto windows = tree.windows(self);
+        if (windows.state != ReadState::read || windows.windows.empty())
+            return windows.state;
+        return windows.windows.front().state;
+    }
+};
+
+const Hostility hostilities[] = {
+    {"cycle", inWindow([](const std::string& identifier) {
+         return PlayedElement{.name = identifier, .children = {identifier == "top" ? "a" : "top"}};
+     }),
+     nullptr, "gtk", 30},
+    {"wideCycle", inWindow([children = numbers(300)](const std::string& identifier) {
+         return PlayedElement{.name = identifier, .children = children};
+     }),
+     nullptr, "gtk", 2000},
+    {"ownAncestor", inWindow([](const std::string&) {
+         return PlayedElement{.children = {"window", "top", "root"}};
+     }),
+     nullptr, "gtk", 2000},
+    {"childListedTwice", aList({"ann", "ann", "ben"}), nullptr, "gtk", 5},
+    {"millionChildren", aList(numbers(3000), 1'000'000), nullptr, "gtk", 2000},
+    {"millionChildrenOfWhichNoneIsThere", aList({}, 1'000'000), nullptr, "gtk", 2},
+    {"millionChildrenMadeUpWhenAskedFor", aList(numbers(3000), 1'000'000, true), nullptr, "gtk", 2},
+    {"childrenBeyondTheirNumber", aList({}, 3), crowding(200'000), "gtk", 2000},
+    {"fewerChildrenThanTheirNumber", aList({"ann"}, 5), nullptr, "gtk", 3},
+    {"noNumberOfChildren", aList({"ann"}, -1), nullptr, "gtk", 3},
+    {"numberBelowAll", aList({"ann"}, std::numeric_limits<std::int32_t>::min()), nullptr, "gtk", 3},
+    {"deep", inWindow([](const std::string& identifier) {
+         const auto level = identifier == "top" ? 0 : std::stoi(identifier.substr(1));
+         PlayedElement element;
+         if (level < 10'000)
+             element.children = {"d" + std::to_string(level + 1)};
+         return element;
+     }),
+     nullptr, "gtk", 30},
+    {"longTexts", inWindow([](const std::string& identifier) {
+         return identifier == "top" ? PlayedElement{.children = numbers(60)}
+                                    : person(std::string(1'000'000, 'x'));
+     }),
+     nullptr, "gtk", 62},
+    {"longTextsOfAnotherToolkit", inWindow([](const std::string& identifier) {
+         return identifier == "top" ? PlayedElement{.children = numbers(60)}
+                                    : person(std::string(1'000'000, 'x'));
+     }),
+     nullptr, "Qt", 62},
+    {"vanishing", aList(numbers(200)), vanishing()},
+    {"vanishingOfAnotherToolkit", aList(numbers(200)), vanishing(), "Qt"},
+    {"nonsense", aList({"ann", "ben"}), answering("", "(@x 1,)"), "gtk", 2},
+    {"nonsenseForRoles", aList({"ann", "ben"}), answering("GetRole", "('list',)"), "gtk", 4},
+    {"nonsenseForProperties", aList({"ann", "ben"}), answering("GetAll", "(@a{sv} {},)"), "gtk", 4},
+    {"nonsenseWithinProperties", aList({"ann", "ben"}),
+     answering("GetAll", "({'Name': <1>, 'ChildCount': <'many'>, 'Description': <@ay []>},)"),
+     "gtk", 4},
+    {"nonsenseForChildren", aList({"ann", "ben"}), answering("GetChildren", "([('a', 'b')],)"),
+     "gtk", 2},
+    {"nonsenseForOwnersOfChildren", aList({"ann", "ben"}),
+     answering("GetChildren", "([('no name', objectpath '/a'), ('', '/org/a11y/atspi/null')],)"),
+     "gtk", 2},
+    {"childrenOfTheBusItself", aList({"ann", "ben"}),
+     answering("GetChildren", "([('org.freedesktop.DBus', objectpath '/org/freedesktop/DBus')],)"),
+     "gtk", 3},
+    {"nonsenseForTexts", aList({"ann", "ben"}), answering("GetText", "(7,)"), "gtk", 4},
+    {"nonsenseForNamesOfRoles", aList({"ann", "ben"}), answering("GetLocalizedRoleName", "()"),
+     "gtk", 4},
+    {"nonsenseForNames", aList({"ann", "ben"}), answering("Name", "(<7>,)"), "Qt", 4},
+    {"nonsenseForCounts", aList({"ann", "ben"}), answering("ChildCount", "(<'7'>,)"), "Qt", 2},
+};
+
+INSTANTIATE_TEST_SUITE_P(All, HostileApplicationTest, testing::ValuesIn(hostilities),
+                         [](const auto& instance) { return std::string(instance.param.name); });
+
+} // namespace
+
+TEST_P(HostileApplicationTest, endsItsReadingAndLeavesTimeForOthers) {
+    const auto& hostility = GetParam();
+    PlayedApplication application(hostility.script, hostility.toolkit, hostility.treat);
+    const PlayedMeeting other("Meeting", 20);
+    const std::vector processes{self, other.identifier()};
+
+    request(processes);
+    EXPECT_TRUE(comesTo([&] { return readingOf(other.identifier()) != nullptr; }, Seconds(5)));
+    ASSERT_TRUE(comesTo([&] { return stateOfWindow() != ReadState::notReadYet; }));
+    const auto read = readingOf(self);
+    ASSERT_NE(read, nullptr) << tree.windows(self).problem;
+    EXPECT_LE(walk(read).size(), static_cast<std::size_t>(maxElements));
+    EXPECT_LE(depthOf(*read), maxDepth);
+    if (hostility.elements > 0) {
+        EXPECT_EQ(walk(read).size(), hostility.elements);
+    }
+    for (const auto* const element : walk(read))
+        EXPECT_LE(std::max(element->title.size(), element->value.size()), 4096U);
+    const int first = application.questions();
+    EXPECT_LE(first, 5 * (maxElements + 400));
+
+    application.forgetQuestions();
+    (void)comesToAsking(
+        processes, [] { return false; }, Seconds(1.2));
+    EXPECT_LE(application.questions(), 30); // the windows' titles in each of two passes
+    EXPECT_EQ(readingOf(self), read);
+    RecordProperty("questions", first);
+}
+
+} // namespace quorva

@@ -1,0 +1,135 @@
+// An application on the accessibility bus that a test plays: it answers from a script, on a thread
+// of its own, as well or as badly as the script says.
+#pragma once
+
+#include "platform/linux/Handles.h"
+
+#include <cstdint>
+#include <functional>
+#include <initializer_list>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <thread>
+#include <utility>
+#include <vector>
+
+namespace quorva {
+
+/// The numbers of the AT-SPI roles that scripts need.
+namespace played {
+inline constexpr std::uint32_t application = 75;
+inline constexpr std::uint32_t frame = 23;
+inline constexpr std::uint32_t panel = 39;
+inline constexpr std::uint32_t list = 31;
+inline constexpr std::uint32_t listItem = 32;
+inline constexpr std::uint32_t paragraph = 73;
+inline constexpr std::uint32_t document = 95;
+} // namespace played
+
+/// The identifiers of an element's children; copies share them.
+class PlayedChildren {
+public:
+    PlayedChildren() = default;
+    PlayedChildren(std::initializer_list<std::string> identifiers)
+        : PlayedChildren(std::vector(identifiers)) {}
+    PlayedChildren(std::vector<std::string> identifiers)
+        : all(std::make_shared<const std::vector<std::string>>(std::move(identifiers))) {}
+
+    [[nodiscard]] const std::vector<std::string>& operator*() const { return *all; }
+
+private:
+    std::shared_ptr<const std::vector<std::string>> all =
+        std::make_shared<const std::vector<std::string>>();
+};
+
+/// An element as it shows itself. Its identifier is the last part of its object path.
+struct PlayedElement {
+    std::uint32_t role = played::panel;
+    std::string name = {};
+    std::string text = {};
+    std::string url = {};
+    PlayedChildren children = {};
+    std::optional<std::int32_t> childCount = {}; ///< where it lies about its children
+    bool isShowing = true;
+    bool managesDescendants = false;
+};
+
+/// A method call that has come.
+struct PlayedQuestion {
+    std::string element;
+    std::string method; ///< of a property: its name, or "GetAll"
+};
+
+/// What an application does about a question instead of answering by the script.
+struct PlayedTreatment {
+    enum class Kind { answer, swallow, vanished, reply };
+    Kind kind = Kind::answer;
+    GVariant* reply = nullptr; ///< floating: what it says instead
+    int delay = 0;             ///< milliseconds; it does nothing else meanwhile
+};
+
+/// Constructed and used by any one thread.
+class PlayedApplication {
+public:
+    /// The element of an identifier, "root" for the application; nothing when there is none.
+    using Script = std::function<std::optional<PlayedElement>(const std::string& identifier)>;
+    using Treat = std::function<PlayedTreatment(const PlayedQuestion& question)>;
+
+    /// Joins the accessibility bus of the session, and waits until the registry lists it. Both
+    /// callables are called on its thread.
+    PlayedApplication(Script script, std::string toolkit, Treat treat = nullptr);
+
+    /// Leaves the bus.
+    ~PlayedApplication();
+
+    PlayedApplication(const PlayedApplication&) = delete;
+    PlayedApplication& operator=(const PlayedApplication&) = delete;
+
+    /// What it does about questions from now on.
+    void treat(Treat treat);
+
+    /// From now on it plays by another script.
+    void play(Script script);
+
+    /// Sends a signal of an element: "Object", "ChildrenChanged", and what the signal tells first.
+    /// `other` is the element that it tells of, if any.
+    void tell(const std::string& element, const std::string& kind, const std::string& member,
+              const std::string& detail, const std::string& other = {});
+
+    /// How often an element was asked anything, or all of them with "".
+    [[nodiscard]] int questions(const std::string& element = {}) const;
+
+    /// How often an element was asked one thing, or all of them with "".
+    [[nodiscard]] int questions(const std::string& element, const std::string& method) const;
+    void forgetQuestions();
+
+private:
+    void serve(GDBusMessage* message);
+    void answer(GDBusMessage* message, const PlayedQuestion& question);
+    [[nodiscard]] GVariant* answerOf(const PlayedElement& element, const PlayedQuestion& question,
+                                     GVariant* parameters) const;
+    [[nodiscard]] GVariant* propertyOf(const PlayedElement& element, const std::string& name) const;
+    [[nodiscard]] GVariant* referenceTo(const std::string& identifier) const;
+
+    const std::string toolkit;
+    GMainContextPtr context;
+    GMainLoopPtr loop;
+    GObjectPtr<GDBusConnection> bus;
+    guint filter = 0;
+
+    mutable std::mutex mutex; ///< of what follows
+    Script script;
+    Treat treatment;
+    std::map<std::pair<std::string, std::string>, int> counts;
+
+    std::thread thread;
+};
+
+/// The address of the session's accessibility bus, which is started by the question; empty when
+/// there is none.
+[[nodiscard]] std::string accessibilityBusAddress();
+
+} // namespace quorva
