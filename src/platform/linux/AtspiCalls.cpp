@@ -39,9 +39,12 @@ struct AtspiCalls::Pending {
 };
 
 struct AtspiCalls::State {
+    State(AtspiConnection& connection_, Task onHang_)
+        : connection(connection_), onHang(std::move(onHang_)) {}
+
     AtspiConnection& connection;
     Task onHang;
-    GMainContextPtr context;
+    GMainContextPtr context{g_main_context_ref_thread_default()};
     GSourcePtr watch;
     std::list<Pending> inFlight;
     gint64 lastAnswer = 0;
@@ -61,13 +64,7 @@ struct AtspiCalls::State {
 };
 
 AtspiCalls::AtspiCalls(AtspiConnection& connection, Task onHang)
-    : state(std::make_shared<State>(State{connection,
-                                          std::move(onHang),
-                                          GMainContextPtr(g_main_context_ref_thread_default()),
-                                          {},
-                                          {},
-                                          0,
-                                          false})) {}
+    : state(std::make_shared<State>(connection, std::move(onHang))) {}
 
 AtspiCalls::~AtspiCalls() {
     state->end();
