@@ -2,6 +2,7 @@
 #pragma once
 
 #include "platform/linux/Handles.h"
+#include "platform/linux/MainContext.h"
 
 #include <functional>
 #include <memory>
@@ -43,24 +44,35 @@ inline void callBus(GDBusConnection* bus, const BusCall& call, BusReply done) {
 }
 
 /// Opens a connection to a message bus, and calls `done` once with it, null for any failure, in the
-/// thread-default main context, never within this call.
+/// thread-default main context, never within this call. A bus that hangs is given five seconds.
 inline void openBus(const std::string& address,
                     std::function<void(GObjectPtr<GDBusConnection>&)> done) {
-    using Done = std::function<void(GObjectPtr<GDBusConnection>&)>;
+    constexpr guint longestOpening = 5000; // milliseconds
+    struct Opening {
+        std::function<void(GObjectPtr<GDBusConnection>&)> done;
+        GObjectPtr<GCancellable> cancellable{g_cancellable_new()};
+        GSourcePtr limit;
+    };
+    auto opening = std::make_unique<Opening>();
+    opening->done = std::move(done);
+    auto* const cancellable = opening->cancellable.get();
+    opening->limit =
+        contextTimer(longestOpening, [cancellable] { g_cancellable_cancel(cancellable); });
     g_dbus_connection_new_for_address(
         address.c_str(),
         static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
                                           G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION),
-        nullptr, nullptr,
+        nullptr, cancellable,
         [](GObject*, GAsyncResult* result, gpointer owned) {
-            const std::unique_ptr<Done> call(static_cast<Done*>(owned));
+            const std::unique_ptr<Opening> ended(static_cast<Opening*>(owned));
             GError* error = nullptr;
             GObjectPtr<GDBusConnection> bus(
                 g_dbus_connection_new_for_address_finish(result, &error));
             const GErrorPtr failure(error);
-            (*call)(bus);
+            ended->limit.reset();
+            ended->done(bus);
         },
-        new Done(std::move(done)));
+        opening.release());
 }
 
 } // namespace quorva
