@@ -1,6 +1,7 @@
 #include "platform/linux/AtspiEvents.h"
 
 #include "platform/linux/BusCall.h"
+#include "platform/linux/MainContext.h"
 
 #include <array>
 #include <utility>
@@ -33,13 +34,16 @@ constexpr std::array interfaces{
 };
 
 constexpr int longestRegistration = 1000; // milliseconds
+constexpr guint timeToRegisterAgain = 10'000;
 
 } // namespace
 
 AtspiEvents::AtspiEvents(GObjectPtr<GDBusConnection> bus_, std::string address_)
     : bus(std::move(bus_)), address(std::move(address_)) {}
 
-AtspiEvents::~AtspiEvents() = default;
+AtspiEvents::~AtspiEvents() {
+    endRegistration();
+}
 
 Subscription AtspiEvents::follow(const std::string& application, Callback onChange,
                                  Task onFollowed) {
@@ -57,19 +61,38 @@ Subscription AtspiEvents::follow(const std::string& application, Callback onChan
             new Callback(onChange),
             [](gpointer callback) { delete static_cast<Callback*>(callback); }));
     ++followers;
-    waiting.push_back(std::move(onFollowed));
+    const auto waits = std::make_shared<Task>(std::move(onFollowed));
+    waiting.push_back(waits);
     if (state == State::registered)
         hasRegistered();
     else if (state == State::none)
         openRegistration();
-    return Subscription(lifetime.guard([this, signals] { leave(signals); }));
+    return Subscription(lifetime.guard([this, signals, waits] {
+        *waits = nullptr;
+        leave(signals);
+    }));
+}
+
+void AtspiEvents::registerAnew() {
+    if (state != State::registered)
+        return;
+    endRegistration();
+    openRegistration();
 }
 
 void AtspiEvents::openRegistration() {
     state = State::registering;
+    again.reset();
     openBus(address, lifetime.guard([this](GObjectPtr<GDBusConnection>& connection) {
         registration = std::move(connection);
-        registration&& followers > 0 ? registerEvents() : hasRegistered();
+        if (!registration || followers == 0)
+            return hasRegistered();
+        g_signal_connect(registration.get(), "closed",
+                         G_CALLBACK(+[](GDBusConnection*, gboolean, GError*, gpointer self) {
+                             static_cast<AtspiEvents*>(self)->registerLater();
+                         }),
+                         this);
+        registerEvents();
     }));
 }
 
@@ -82,26 +105,50 @@ void AtspiEvents::registerEvents() {
                  "RegisterEvent",
                  g_variant_new("(s@ass)", event, g_variant_new_strv(nullptr, 0), ""),
                  longestRegistration},
-                lifetime.guard([this, event](GVariant*) {
-                    if (event == events.back())
-                        hasRegistered();
+                lifetime.guard([this, event](GVariant* reply) {
+                    if (event != events.back())
+                        return;
+                    if (reply == nullptr)
+                        endRegistration();
+                    hasRegistered();
                 }));
 }
 
 void AtspiEvents::hasRegistered() {
     state = registration ? State::registered : State::none;
     for (const auto& task : std::exchange(waiting, {}))
-        task();
+        if (const auto call = std::exchange(*task, nullptr))
+            call();
+    if (followers == 0)
+        endRegistration();
+    else if (state == State::none)
+        registerLater();
+}
+
+void AtspiEvents::endRegistration() {
+    if (!registration)
+        return;
+    g_signal_handlers_disconnect_by_data(registration.get(), this);
+    g_dbus_connection_close(registration.get(), nullptr, nullptr, nullptr);
+    registration.reset();
+    if (state == State::registered)
+        state = State::none;
+}
+
+void AtspiEvents::registerLater() {
+    endRegistration();
+    if (state == State::none)
+        again = contextTimer(timeToRegisterAgain, [this] {
+            if (state == State::none && followers > 0)
+                openRegistration();
+        });
 }
 
 void AtspiEvents::leave(const std::vector<guint>& signals) {
     for (const guint signal : signals)
         g_dbus_connection_signal_unsubscribe(bus.get(), signal);
-    if (--followers > 0 || state != State::registered)
-        return;
-    g_dbus_connection_close(registration.get(), nullptr, nullptr, nullptr);
-    registration.reset();
-    state = State::none;
+    if (--followers == 0 && state == State::registered)
+        endRegistration();
 }
 
 } // namespace quorva

@@ -28,14 +28,20 @@ public:
 
     /// Follows the changes of an application, until the subscription ends. `onFollowed` is called
     /// once the registry has told the applications: what is asked of them from then on cannot be
-    /// older than a change that was not told. It is also called where the registry does not answer.
+    /// older than a change that was not told. It is also called where the registry does not answer,
+    /// which is asked again later; it is not called any more once the subscription has ended.
     [[nodiscard]] Subscription follow(const std::string& application, Callback onChange,
                                       Task onFollowed);
+
+    /// To be told when another registry has taken the place of one: it knows of no registrations.
+    void registerAnew();
 
 private:
     void openRegistration();
     void registerEvents();
     void hasRegistered();
+    void endRegistration();
+    void registerLater();
     void leave(const std::vector<guint>& signals);
 
     GObjectPtr<GDBusConnection> bus;
@@ -46,7 +52,8 @@ private:
     enum class State { none, registering, registered };
     State state = State::none;
     int followers = 0;
-    std::vector<Task> waiting;
+    std::vector<std::shared_ptr<Task>> waiting; ///< empty tasks for those who have left
+    GSourcePtr again;
     Lifetime lifetime;
 };
 

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <set>
+#include <string_view>
 #include <utility>
 
 namespace quorva {
@@ -176,6 +177,8 @@ void AtspiWorker::noteOwner(GVariant* change) {
     const gchar* name = nullptr;
     const gchar* owner = nullptr;
     g_variant_get(change, "(&s&s&s)", &name, nullptr, &owner);
+    if (std::string_view(name) == atspi::registryName && owner[0] != '\0')
+        connected->events.registerAnew();
     if (name[0] != ':')
         return;
     if (owner[0] != '\0') {
