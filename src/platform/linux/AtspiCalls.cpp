@@ -7,9 +7,9 @@
 namespace quorva {
 namespace {
 
-constexpr int maxInFlight = 48;        // more does not make it faster
-constexpr gint64 patience = 1'500'000; // microseconds
-constexpr guint lookInterval = 250;    // milliseconds
+constexpr int maxInFlight = 48;     // more does not make it faster
+constexpr guint lookInterval = 250; // milliseconds
+constexpr int patience = 6;         // looks: time in which this thread was busy is not the others'
 
 using MessagePtr = std::unique_ptr<sd_bus_message, Release<sd_bus_message_unref>>;
 using SlotPtr = std::unique_ptr<sd_bus_slot, Release<sd_bus_slot_unref>>;
@@ -47,7 +47,7 @@ struct AtspiCalls::State {
     GMainContextPtr context{g_main_context_ref_thread_default()};
     GSourcePtr watch;
     std::list<Pending> inFlight;
-    gint64 lastAnswer = 0;
+    int looks = 0; ///< since the last answer
     bool isOver = false;
     AtspiConnection* peer = nullptr;
     std::string owner; ///< of the peer
@@ -74,7 +74,7 @@ void AtspiCalls::send(const AtspiCall& call, Reply reply) {
     if (state->isOver)
         return;
     if (state->inFlight.empty()) {
-        state->lastAnswer = g_get_monotonic_time();
+        state->looks = 0;
         state->watch.reset(g_timeout_source_new(lookInterval));
         g_source_set_callback(state->watch.get(), look, state.get(), nullptr);
         g_source_attach(state->watch.get(), state->context.get());
@@ -112,7 +112,7 @@ int AtspiCalls::receive(sd_bus_message* message, void* answered, sd_bus_error*) 
                                     [&](const Pending& each) { return &each == pending; });
     std::list<Pending> done; // kept until the end: it is the callback's own slot
     done.splice(done.end(), state->inFlight, found);
-    state->lastAnswer = g_get_monotonic_time();
+    state->looks = 0;
     if (state->inFlight.empty())
         state->watch.reset();
     const auto body =
@@ -123,7 +123,7 @@ int AtspiCalls::receive(sd_bus_message* message, void* answered, sd_bus_error*) 
 
 gboolean AtspiCalls::look(gpointer watched) {
     auto& state = *static_cast<State*>(watched);
-    if (g_get_monotonic_time() - state.lastAnswer < patience)
+    if (++state.looks < patience)
         return G_SOURCE_CONTINUE;
     const auto onHang = state.onHang; // may end the owner, and with it the state
     state.isOver = true;
