@@ -15,9 +15,11 @@ constexpr TreeExtent windowList{.maxDepth = 2, .maxElements = 257, .descends = n
 
 constexpr guint longestReading = 20'000; // milliseconds
 constexpr guint silenceAfterSlowness = 30'000;
+constexpr int longestSilence = 30'000;
 constexpr guint timeForMoreChanges = 1000;
 constexpr gint64 longestTrust = 55'000'000; // microseconds: changes may not have been told
-constexpr std::size_t maxEarlyChanges = 10'000;
+constexpr gint64 restAfterReading = 3;      // times as long as it took
+constexpr std::size_t maxChanges = 10'000;
 
 } // namespace
 
@@ -47,13 +49,15 @@ void AtspiApplication::read(std::shared_ptr<const ReadingPlan> plan_, bool enabl
     enables = enables_;
     if (state == State::reading)
         isReadAgain = true;
-    else if (state == State::ready)
+    else if (state == State::ready && !soon)
         begin();
 }
 
 void AtspiApplication::begin() {
     state = State::reading;
+    begun = g_get_monotonic_time();
     isReadAgain = false;
+    told.clear();
     soon.reset();
     if (!calls) {
         calls = std::make_unique<AtspiCalls>(bus.bulk, lifetime.guard([this] {
@@ -214,6 +218,12 @@ void AtspiApplication::finish() {
             shown.extent = window->extent;
             shown.tree = window->reader->tree();
         }
+        if (shown.tree && shown.tree->role == AccessibilityRole::unreadable) {
+            shown.state = ReadState::couldNotBeRead;
+            shown.problem = "it does not answer as a window should";
+            shown.tree = nullptr;
+            window->reader.reset();
+        }
         published.windows.push_back(std::move(shown));
     }
     if (std::none_of(open.begin(), open.end(),
@@ -221,8 +231,9 @@ void AtspiApplication::finish() {
         changes.reset();
     deadline.reset();
     state = State::ready;
-    for (const auto& event : std::exchange(early, {}))
-        apply(event);
+    duration = g_get_monotonic_time() - begun;
+    for (const auto& [path, change] : told)
+        apply({path, change});
     if (isReadAgain || awaitsDocuments)
         readSoon();
     onRead();
@@ -244,6 +255,7 @@ void AtspiApplication::giveUp(std::string problem) {
     endReading();
     state = State::silent;
     hasPeer = false;
+    traits = {};
     hasTraits = false;
     enabled = ETIMEDOUT;
     published = {.state = ReadState::couldNotBeRead, .problem = std::move(problem), .windows = {}};
@@ -253,7 +265,7 @@ void AtspiApplication::giveUp(std::string problem) {
 void AtspiApplication::endReading() {
     deadline.reset();
     soon.reset();
-    early.clear();
+    told.clear();
     open.clear();
     list.reset();
     calls.reset();
@@ -261,25 +273,30 @@ void AtspiApplication::endReading() {
     changes.reset();
 }
 
-/// One question is left with it; the answer, however late, ends the silence.
+/// One question is left with it; the answer, however late, ends the silence. An answer can be lost,
+/// so it is tried again after a while in any case.
 void AtspiApplication::waitForAnswer() {
     callBus(bus.main,
-            {root.bus.c_str(), root.path.c_str(), atspi::accessible, "GetRole", nullptr, G_MAXINT},
+            {root.bus.c_str(), root.path.c_str(), atspi::accessible, "GetRole", nullptr,
+             longestSilence},
             lifetime.guard([this](GVariant*) {
                 state = State::ready;
                 begin();
             }));
 }
 
+/// What has been told once makes no difference until it has been read.
 void AtspiApplication::receive(const AtspiEvent& event) {
-    if (state != State::reading)
-        return apply(event);
-    if (early.size() < maxEarlyChanges) {
-        early.push_back(event);
+    if (told.size() == maxChanges && state == State::reading) { // too many to follow
+        isReadAgain = true;
+        for (const auto& window : open)
+            window->lastWhole = g_get_monotonic_time() - longestTrust;
         return;
     }
-    for (const auto& window : open) // too many to follow
-        window->lastWhole = g_get_monotonic_time() - longestTrust;
+    if (told.size() == maxChanges)
+        told.clear();
+    if (told.emplace(event.path, event.change).second && state != State::reading)
+        apply(event);
 }
 
 void AtspiApplication::apply(const AtspiEvent& event) {
@@ -291,13 +308,16 @@ void AtspiApplication::apply(const AtspiEvent& event) {
         readSoon();
 }
 
-/// Changes come in swarms: those of a second are read together.
+/// Changes come in swarms: those of a second are read together. An application that takes long is
+/// left in peace for longer.
 void AtspiApplication::readSoon() {
-    if (!soon && state == State::ready)
-        soon = contextTimer(timeForMoreChanges, [this] {
-            if (state == State::ready)
-                begin();
-        });
+    if (soon || state != State::ready)
+        return;
+    const auto rest = static_cast<guint>(restAfterReading * duration / 1000);
+    soon = contextTimer(std::max(timeForMoreChanges, rest), [this] {
+        if (state == State::ready)
+            begin();
+    });
 }
 
 } // namespace quorva

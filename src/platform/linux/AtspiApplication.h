@@ -12,8 +12,9 @@
 
 #include <functional>
 #include <memory>
-#include <optional>
+#include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace quorva {
@@ -36,7 +37,8 @@ public:
     AtspiApplication& operator=(const AtspiApplication&) = delete;
 
     /// Reads what the plan wants, as far as it is not known. While a reading is under way, another
-    /// one follows it; while the application does not answer there is none.
+    /// one follows it; while the application does not answer there is none. One that is about to
+    /// begin for what has changed is waited for.
     void read(std::shared_ptr<const ReadingPlan> plan, bool enables);
 
     /// The windows as they were last read completely; `couldNotBeRead` while it does not answer.
@@ -86,8 +88,10 @@ private:
     std::unique_ptr<AtspiCalls> calls;
     std::unique_ptr<AtspiTreeReader> list; ///< the application and its windows, not what is below
     std::vector<std::unique_ptr<Window>> open;
-    Subscription changes;          ///< while a window is watched
-    std::vector<AtspiEvent> early; ///< changes told during a reading
+    Subscription changes;                               ///< while a window is watched
+    std::set<std::pair<std::string, AtspiChange>> told; ///< since the last reading began
+    gint64 begun = 0;                                   ///< of a reading
+    gint64 duration = 0;                                ///< of the last one
     GSourcePtr deadline;
     GSourcePtr soon;
     GSourcePtr silence;
