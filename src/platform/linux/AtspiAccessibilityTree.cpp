@@ -97,7 +97,8 @@ void AtspiAccessibilityTree::takeTrust(bool isTrusted) {
     if (std::exchange(trusted, isTrusted) == isTrusted)
         return;
     if (!isTrusted)
-        answers.clear();
+        for (auto& [process, answer] : answers)
+            answer = {{}, EINPROGRESS};
     trustCallbacks.call();
 }
 

@@ -18,7 +18,8 @@ constexpr const char* statusInterface = "org.a11y.Status";
 constexpr const char* busName = "org.freedesktop.DBus";
 constexpr const char* busPath = "/org/freedesktop/DBus";
 
-constexpr int longestStatus = 5000;   // milliseconds
+constexpr int longestStatus = 5000; // milliseconds
+constexpr guint timeToAskAgain = 15'000;
 constexpr int longestRegistry = 3000; // milliseconds
 constexpr guint timeToEmbed = 300;    // milliseconds, from joining the bus to the registry's list
 constexpr std::size_t maxApplications = 1000;
@@ -79,9 +80,23 @@ AtspiWorker::~AtspiWorker() {
 }
 
 void AtspiWorker::start() {
-    session.reset(g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, nullptr));
-    if (!session)
+    using Take = std::function<void(GDBusConnection*)>;
+    auto take =
+        std::make_unique<Take>(lifetime.guard([this](GDBusConnection* bus) { takeSession(bus); }));
+    g_bus_get(
+        G_BUS_TYPE_SESSION, nullptr,
+        [](GObject*, GAsyncResult* result, gpointer owned) {
+            const std::unique_ptr<Take> call(static_cast<Take*>(owned));
+            const GObjectPtr<GDBusConnection> bus(g_bus_get_finish(result, nullptr));
+            (*call)(bus.get());
+        },
+        take.release());
+}
+
+void AtspiWorker::takeSession(GDBusConnection* bus) {
+    if (bus == nullptr)
         return reports.trust(false);
+    session.reset(G_DBUS_CONNECTION(g_object_ref(bus)));
     g_dbus_connection_set_exit_on_close(session.get(), FALSE);
     statusSignal = g_dbus_connection_signal_subscribe(
         session.get(), launcherName, atspi::properties, "PropertiesChanged", launcherPath,
@@ -106,8 +121,12 @@ void AtspiWorker::askStatus() {
             {launcherName, launcherPath, atspi::properties, "Get",
              g_variant_new("(ss)", statusInterface, "IsEnabled"), longestStatus,
              G_DBUS_CALL_FLAGS_NONE},
-            lifetime.guard(
-                [this](GVariant* reply) { takeStatus(decodeTruth(reply).value_or(false)); }));
+            lifetime.guard([this](GVariant* reply) {
+                const auto isEnabled = decodeTruth(reply);
+                if (!isEnabled) // it may be slow, and need not say anything by itself later
+                    askAgain = contextTimer(timeToAskAgain, [this] { askStatus(); });
+                takeStatus(isEnabled.value_or(isTrusted));
+            }));
 }
 
 void AtspiWorker::takeStatus(bool isEnabled) {

@@ -53,6 +53,7 @@ private:
     struct Speaker;
     struct Connected;
 
+    void takeSession(GDBusConnection* bus);
     void askStatus();
     void takeStatus(bool isEnabled);
     void connect();
@@ -72,6 +73,7 @@ private:
     GObjectPtr<GDBusConnection> session;
     guint statusSignal = 0;
     guint launcherWatch = 0;
+    GSourcePtr askAgain;
     bool isTrusted = false;
     bool isConnecting = false;
     std::map<ProcessIdentifier, AtspiRequest> wanted;
