@@ -3,18 +3,21 @@
 #pragma once
 
 #include "platform/linux/AtspiAccessibilityTree.h"
+#include "platform/linux/AtspiProtocol.h"
 #include "platform/linux/GLibMainLoop.h"
 #include "support/PlayedApplication.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <atomic>
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
 #include <memory>
 #include <optional>
 #include <string>
+#include <thread>
 #include <unistd.h>
 #include <utility>
 #include <vector>
@@ -47,7 +50,7 @@ public:
         return text != nullptr ? std::atoi(text) : 0;
     }
     void signal(int number) { g_subprocess_send_signal(process.get(), number); }
-    void kill() {
+    void kill() const {
         g_subprocess_force_exit(process.get());
         g_subprocess_wait(process.get(), nullptr, nullptr);
     }
@@ -90,8 +93,11 @@ protected:
     static constexpr int maxDepth = 30;
 
     ~AccessibilityTest() override {
+        isOver = true;
+        bystander.join();
         RecordProperty("largestGapMicroseconds", std::to_string(largestGap));
-        EXPECT_LT(largestGap, 500'000) << "microseconds in which the main loop did not turn";
+        EXPECT_LT(largestGap, 500'000 + 2 * machinesGap)
+            << "microseconds in which the main loop did not turn";
     }
 
     static bool switchAccessibility(bool isOn) {
@@ -106,26 +112,28 @@ protected:
         return reply != nullptr;
     }
 
-    /// The process that owns a name; on the session's bus, or on that at `address`.
-    static ProcessIdentifier ownerOf(const char* name, const std::string& address = {}) {
-        const GObjectPtr<GDBusConnection> bus(
-            address.empty() ? g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, nullptr)
-                            : g_dbus_connection_new_for_address_sync(
-                                  address.c_str(),
-                                  static_cast<GDBusConnectionFlags>(
-                                      G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
-                                      G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION),
-                                  nullptr, nullptr, nullptr));
+    static GObjectPtr<GDBusConnection> joinBus(const std::string& address) {
+        return GObjectPtr<GDBusConnection>(g_dbus_connection_new_for_address_sync(
+            address.c_str(),
+            static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
+                                              G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION),
+            nullptr, nullptr, nullptr));
+    }
+
+    /// The process that owns a name on the bus at an address; 0 for none. Starts what has the name
+    /// where that does not run.
+    static ProcessIdentifier ownerOf(const char* name, const std::string& address) {
+        const auto bus = joinBus(address);
+        const auto ask = [&](const char* method, GVariant* parameters) {
+            return GVariantPtr(g_dbus_connection_call_sync(
+                bus.get(), "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
+                method, parameters, nullptr, G_DBUS_CALL_FLAGS_NONE, -1, nullptr, nullptr));
+        };
         if (!bus)
             return 0;
-        const GVariantPtr reply(g_dbus_connection_call_sync(
-            bus.get(), "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
-            "GetConnectionUnixProcessID", g_variant_new("(s)", name), nullptr,
-            G_DBUS_CALL_FLAGS_NONE, -1, nullptr, nullptr));
-        guint32 process = 0;
-        if (reply)
-            g_variant_get(reply.get(), "(u)", &process);
-        return static_cast<ProcessIdentifier>(process);
+        (void)ask("StartServiceByName", g_variant_new("(su)", name, 0U));
+        const auto reply = ask("GetConnectionUnixProcessID", g_variant_new("(s)", name));
+        return static_cast<ProcessIdentifier>(decodeNumber(reply.get()).value_or(0));
     }
 
     /// Windows whose titles begin with "Meeting" are read whole, the others not at all.
@@ -185,6 +193,18 @@ protected:
     AtspiAccessibilityTree tree;
     const ProcessIdentifier self = ::getpid();
     gint64 largestGap = 0; ///< microseconds between two turns of the main loop
+
+    /// The same for a thread that has nothing to do, on a machine that may be busy.
+    std::atomic<gint64> machinesGap = 0;
+    std::atomic<bool> isOver = false;
+    std::thread bystander{[this] {
+        gint64 lastBeat = g_get_monotonic_time();
+        while (!isOver) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+            const auto present = g_get_monotonic_time();
+            machinesGap = std::max(machinesGap.load(), present - std::exchange(lastBeat, present));
+        }
+    }};
 };
 
 } // namespace quorva

@@ -201,4 +201,43 @@ TEST_P(HostileApplicationTest, endsItsReadingAndLeavesTimeForOthers) {
     RecordProperty("questions", first);
 }
 
+TEST_F(AccessibilityTest, givesUpForAWhileOnAnApplicationThatAnswersTooSlowly) {
+    const PlayedMeeting slow("Meeting", 50, 400);
+    const PlayedMeeting other("Meeting", 20);
+    request({slow.identifier(), other.identifier()});
+    EXPECT_TRUE(comesTo([&] { return readingOf(other.identifier()) != nullptr; }, Seconds(5)));
+    ASSERT_TRUE(
+        comesTo([&] { return tree.windows(slow.identifier()).state == ReadState::couldNotBeRead; },
+                Seconds(25)));
+    EXPECT_EQ(tree.windows(slow.identifier()).problem, "it answers too slowly");
+}
+
+TEST_F(AccessibilityTest, triesAnApplicationAgainThatLostItsQuestions) {
+    PlayedApplication application(
+        aList(numbers(200)), "gtk", [asked = std::make_shared<int>(0)](const PlayedQuestion&) {
+            return PlayedTreatment{++*asked > 100 ? PlayedTreatment::Kind::swallow
+                                                  : PlayedTreatment::Kind::answer};
+        });
+    request({self});
+    ASSERT_TRUE(comesTo([&] { return tree.windows(self).state == ReadState::couldNotBeRead; }));
+    EXPECT_EQ(tree.windows(self).problem, "it does not answer");
+    (void)comesTo([] { return false; }, Seconds(0.5)); // the last question gets lost, too
+    application.treat(nullptr);
+    EXPECT_TRUE(comesTo([&] { return readingOf(self) != nullptr; }, Seconds(40)));
+}
+
+TEST_F(AccessibilityTest, tellsAWindowThatCannotBeReadFromAnEmptyOne) {
+    PlayedApplication application(aList({"ann"}), "gtk", [](const PlayedQuestion& question) {
+        return PlayedTreatment{question.element == "window" && question.method == "GetRole"
+                                   ? PlayedTreatment::Kind::vanished
+                                   : PlayedTreatment::Kind::answer};
+    });
+    request({self});
+    ASSERT_TRUE(comesTo([&] { return tree.windows(self).state == ReadState::read; }));
+    ASSERT_EQ(tree.windows(self).windows.size(), 1U);
+    EXPECT_EQ(tree.windows(self).windows[0].state, ReadState::couldNotBeRead);
+    application.treat(nullptr);
+    EXPECT_TRUE(comesToAsking({self}, [&] { return readingOf(self) != nullptr; }));
+}
+
 } // namespace quorva
