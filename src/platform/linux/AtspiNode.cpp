@@ -29,6 +29,11 @@ bool AtspiNode::mayHaveText() const {
     }
 }
 
+bool AtspiNode::isEditable() const {
+    return is(AtspiRole::autocomplete) || is(AtspiRole::comboBox) || is(AtspiRole::entry) ||
+           is(AtspiRole::spinButton) || is(AtspiRole::text);
+}
+
 void AtspiNode::forget() {
     hasRole = hasState = hasText = false;
     forgetChildren();
@@ -60,6 +65,18 @@ void AtspiNode::place(std::uint32_t index) {
     position = std::move(there);
     for (std::uint32_t i = 0; i < children.size(); ++i)
         children[i]->place(i);
+}
+
+std::string joinedTexts(const AccessibleElement& element) {
+    std::string joined;
+    int parts = 0;
+    for (const auto& child : element.children) {
+        if (child->role != AccessibilityRole::staticText)
+            continue;
+        joined += child->title;
+        parts += child->title.find_first_not_of(' ') != std::string::npos ? 1 : 0;
+    }
+    return parts > 1 ? joined : std::string();
 }
 
 std::string readableText(std::string text) {

@@ -51,6 +51,9 @@ struct AtspiNode {
     /// most controls, and nobody reads passwords.
     [[nodiscard]] bool mayHaveText() const;
 
+    /// Whether the user can write into an element of this role.
+    [[nodiscard]] bool isEditable() const;
+
     void forget();
     void forgetChildren();
 
@@ -61,6 +64,10 @@ struct AtspiNode {
     /// Gives the element, and those below it, its place among its parent's children.
     void place(std::uint32_t index);
 };
+
+/// What the static texts among the children of an element say together; empty where there are not
+/// two of them.
+[[nodiscard]] std::string joinedTexts(const AccessibleElement& element);
 
 /// A text as people read it: without the characters that stand for embedded elements, and without
 /// the bullet of a list item.

@@ -38,6 +38,7 @@ struct AtspiReference {
 /// The numbers of AtspiRole that are needed by themselves.
 enum class AtspiRole : std::uint32_t {
     checkBox = 7,
+    comboBox = 11,
     frame = 23,
     icon = 26,
     image = 27,
@@ -48,7 +49,11 @@ enum class AtspiRole : std::uint32_t {
     pushButton = 43,
     radioButton = 44,
     separator = 50,
+    spinButton = 52,
+    text = 61,
     toggleButton = 62,
+    autocomplete = 76,
+    entry = 79,
     documentWeb = 95,
     staticText = 116,
 };

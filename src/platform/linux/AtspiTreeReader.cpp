@@ -306,6 +306,8 @@ AccessibleElementPtr AtspiTreeReader::publish(Node& node) {
     for (const auto& child : node.children)
         if (isPart(*child) && child->depth < extent.maxDepth && child->wasRead)
             element->children.push_back(publish(*child));
+    if (traits.toolkit == AtspiToolkit::chromium && element->value.empty())
+        element->value = joinedTexts(*element);
     return node.published = std::move(element);
 }
 

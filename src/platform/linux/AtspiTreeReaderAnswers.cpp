@@ -19,8 +19,11 @@ bool AtspiTreeReader::wantsState(const Node& node) const {
     return node.isDocument() || node.childCount > manyChildren;
 }
 
+/// What Chromium has to say of the text of an element, the static texts below it say too.
 bool AtspiTreeReader::wantsText(const Node& node) const {
-    return texts == Texts::all && node.mayHaveText();
+    const bool mayHaveText =
+        traits.toolkit == AtspiToolkit::chromium ? node.isEditable() : node.mayHaveText();
+    return texts == Texts::all && mayHaveText;
 }
 
 bool AtspiTreeReader::wantsChildren(const Node& node) const {
