@@ -13,7 +13,7 @@ import time
 import pytest
 
 PROGRAMS = pathlib.Path(os.environ["QUORVA_PROGRAMS"])
-DEADLINE = 30.0
+DEADLINE = 60.0
 
 
 def wait_until(condition, what):
@@ -83,10 +83,10 @@ class Computer:
 class Watch:
     """A running quorva-scan --watch, and the events it has printed."""
 
-    def __init__(self, computer, *arguments, command=()):
+    def __init__(self, computer, *arguments, source="process", command=()):
         self.events = []
         self.process = computer.start(
-            [*command, PROGRAMS / "quorva-scan", "--watch", "--source", "process", *arguments],
+            [*command, PROGRAMS / "quorva-scan", "--watch", "--source", source, *arguments],
             stdout=subprocess.PIPE, text=True)
         threading.Thread(target=self._read, daemon=True).start()
 
@@ -94,9 +94,10 @@ class Watch:
         for line in self.process.stdout:
             self.events.append((time.monotonic(), json.loads(line)))
 
-    def of(self, pid):
+    def of(self, value, key="processIdentifier"):
+        """When what was told of the detections that have this value."""
         return [(at, event["event"]) for at, event in self.events
-                if event["detection"]["processIdentifier"] == pid]
+                if event["detection"][key] == value]
 
 
 @pytest.fixture

@@ -25,7 +25,11 @@ leaveNothing() {
         kill -CONT "${processes[@]}" 2>/dev/null
         sleep 0.02
     done
-    rm -rf "$folder"
+    # Processes that have overwritten their environment end a little later, and write until then.
+    for attempt in {1..200}; do
+        rm -rf "$folder" 2>/dev/null && break
+        sleep 0.02
+    done
 }
 trap leaveNothing EXIT
 trap 'exit 130' INT

@@ -1,0 +1,68 @@
+"""Desktop sessions for tests: a home, a bus, a display with a window manager, accessibility."""
+
+import os
+import pathlib
+import subprocess
+
+import dbus
+
+from conftest import DEADLINE, Computer
+
+SESSION = pathlib.Path(__file__).parents[1] / "support" / "private-session.sh"
+LAUNCHER = ("org.a11y.Bus", "/org/a11y/bus")
+SCREEN = "1280x900x24"
+
+
+class Session(Computer):
+    """A desktop session of its own. All that was started in it ends with it, files included."""
+
+    def __init__(self):
+        reader, self.leash = os.pipe()
+        self.session = subprocess.Popen(
+            [SESSION, "sh", "-c", f"env -0; echo; exec cat /dev/fd/{reader}"],
+            stdout=subprocess.PIPE, pass_fds=[reader])
+        os.close(reader)
+        environment = self._read_environment()
+        super().__init__(pathlib.Path(environment["HOME"]))
+        self.environment = environment
+        self.bus = dbus.bus.BusConnection(environment["DBUS_SESSION_BUS_ADDRESS"])
+
+    def _read_environment(self):
+        text = b""
+        while not text.endswith(b"\0\n"):
+            more = self.session.stdout.read1()
+            assert more, "the session did not start"
+            text += more
+        return dict(entry.split("=", 1) for entry in text.decode().split("\0")[:-1])
+
+    def switch_accessibility_on(self):
+        """And starts the registry, as the first program does that shows its windows: on a desktop
+        the panel has done so long before."""
+        launcher = self.bus.get_object(*LAUNCHER)
+        launcher.Set("org.a11y.Status", "IsEnabled", True, dbus_interface=dbus.PROPERTIES_IFACE)
+        bus = dbus.bus.BusConnection(launcher.GetAddress(dbus_interface="org.a11y.Bus"))
+        bus.start_service_by_name("org.a11y.atspi.Registry")
+        bus.close()
+
+    def open_display(self):
+        reader, writer = os.pipe()
+        self.start(["Xvfb", "-displayfd", str(writer), "-screen", "0", SCREEN,
+                    "-nolisten", "tcp", "-noreset"],
+                   pass_fds=[writer], stderr=subprocess.DEVNULL)
+        os.close(writer)
+        with os.fdopen(reader) as number:
+            self.environment["DISPLAY"] = f":{number.readline().strip()}"
+        self.start(["openbox"], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+
+    def add_desktop_entry(self, entry_id, name, command):
+        folder = self.home / "data" / "applications"
+        folder.mkdir(parents=True, exist_ok=True)
+        (folder / f"{entry_id}.desktop").write_text(
+            f"[Desktop Entry]\nType=Application\nName={name}\nExec={command} %U\n")
+
+    def end_session(self):
+        self.bus.close()
+        os.close(self.leash)
+        self.session.wait(DEADLINE)
+        for child in self.children:
+            child.wait(DEADLINE)

@@ -1,0 +1,204 @@
+"""Meetings in web pages, and the browsers that show them.
+
+A page asks its server for what it shall show several times a second: a test that lets somebody join
+changes the page's list, and knows when the page has it.
+"""
+
+import http.server
+import json
+import subprocess
+import threading
+import urllib.parse
+
+from conftest import wait_until
+
+PAGE = """<!DOCTYPE html>
+<html lang="en"><meta charset="utf-8"><title>TITLE</title>
+<h1>Weekly planning</h1>
+<div id="banner" role="status"></div>
+<section aria-label="In this call"><ul id="people"></ul></section>
+<div id="chat" role="log"></div>
+<button>Leave call</button>
+<script>
+function fill(list, kind, texts) {
+  while (list.children.length > texts.length) list.lastChild.remove();
+  texts.forEach((text, i) => {
+    if (i == list.children.length)
+      list.appendChild(document.createElement(kind)).appendChild(document.createTextNode(text));
+    else if (list.children[i].firstChild.data != text)
+      list.children[i].firstChild.data = text;
+  });
+}
+const element = id => document.getElementById(id);
+const commands = {
+  go: to => location.assign(to),
+  open: to => window.open(to),
+  close: () => window.close(),
+};
+let shown = -1;
+async function follow() {
+  const answer = await fetch(
+    `/now${location.pathname}?shown=${shown}&visibility=${document.visibilityState}`);
+  const now = await answer.json();
+  fill(element("banner"), "span", now.banners);
+  fill(element("people"), "li", now.people);
+  fill(element("chat"), "p", now.chat);
+  shown = now.version;
+  for (const [command, argument] of now.commands) commands[command](argument);
+}
+setInterval(() => follow().catch(() => {}), 100);
+</script>
+"""
+
+
+class Page:
+    """What a page shows. Its version counts the changes; `shown` is the one that has arrived."""
+
+    def __init__(self, title, people=(), banners=(), chat=()):
+        self.title = title
+        self.content = {"people": list(people), "banners": list(banners), "chat": list(chat)}
+        self.version = 0
+        self.shown = -1
+        self.is_visible = False
+        self.commands = []
+
+    def change(self, **content):
+        self.content = {**self.content, **content}
+        self.version += 1
+        wait_until(lambda: self.shown == self.version, f"the change of {self.title}")
+
+    def wait_until_shown(self):
+        wait_until(lambda: self.shown == self.version and self.is_visible, f"the page {self.title}")
+
+    def wait_until_hidden(self):
+        wait_until(lambda: not self.is_visible, f"another tab before {self.title}")
+
+    def tell(self, command, argument=""):
+        self.commands.append((command, argument))
+
+
+class Site(http.server.ThreadingHTTPServer):
+    """A server of pages. An address counts as a meeting's by the host name within it, and here that
+    stands in the path."""
+
+    daemon_threads = True
+
+    def __init__(self):
+        super().__init__(("127.0.0.1", 0), Handler)
+        self.pages = {}
+        threading.Thread(target=self.serve_forever, daemon=True).start()
+
+    def add(self, path, *arguments, **options):
+        page = self.pages[path] = Page(*arguments, **options)
+        return page
+
+    def address(self, path):
+        return f"http://127.0.0.1:{self.server_port}{path}"
+
+    def handle_error(self, _request, _client):
+        pass  # a browser that ends drops its connections
+
+    def end(self):
+        self.shutdown()
+        self.server_close()
+
+
+class Handler(http.server.BaseHTTPRequestHandler):
+    protocol_version = "HTTP/1.1"
+
+    def do_GET(self):
+        url = urllib.parse.urlsplit(self.path)
+        asks = url.path.startswith("/now/")
+        page = self.server.pages.get(url.path.removeprefix("/now"))
+        if page is None:
+            self.answer(404, "text/plain", "")
+        elif not asks:
+            page.shown = -1
+            self.answer(200, "text/html", PAGE.replace("TITLE", page.title))
+        else:
+            query = urllib.parse.parse_qs(url.query)
+            page.shown = int(query["shown"][0])
+            page.is_visible = query["visibility"] == ["visible"]
+            commands, page.commands = page.commands, []
+            self.answer(200, "application/json", json.dumps(
+                {**page.content, "version": page.version, "commands": commands}))
+
+    def answer(self, status, kind, text):
+        body = text.encode()
+        self.send_response(status)
+        self.send_header("Content-Type", f"{kind}; charset=utf-8")
+        self.send_header("Content-Length", str(len(body)))
+        self.send_header("Cache-Control", "no-store")
+        self.end_headers()
+        self.wfile.write(body)
+
+    def log_message(self, *_):
+        pass
+
+
+FIREFOX_PREFERENCES = {
+    "app.normandy.enabled": False,
+    "app.update.enabled": False,
+    "browser.aboutwelcome.enabled": False,
+    "browser.preonboarding.enabled": False,
+    "browser.sessionstore.resume_from_crash": False,
+    "browser.shell.checkDefaultBrowser": False,
+    "browser.startup.homepage_override.mstone": "ignore",
+    "datareporting.policy.dataSubmissionEnabled": False,
+    "dom.disable_open_during_load": False,
+    "network.captive-portal-service.enabled": False,
+    "network.connectivity-service.enabled": False,
+    "network.proxy.type": 0,
+    "termsofuse.bypassNotification": True,
+    "toolkit.startup.max_resumed_crashes": -1,
+    "toolkit.telemetry.reportingpolicy.firstRun": False,
+}
+
+
+def firefox(profile):
+    profile.mkdir(exist_ok=True)
+    (profile / "user.js").write_text("".join(
+        f"user_pref({json.dumps(name)}, {json.dumps(value)});\n"
+        for name, value in FIREFOX_PREFERENCES.items()))
+    return ["firefox-esr", "--no-remote", "--profile", str(profile)]
+
+
+def chromium(profile):
+    return ["chromium", "--no-sandbox", "--test-type", f"--user-data-dir={profile}",
+            "--no-first-run", "--no-default-browser-check", "--disable-gpu",
+            "--disable-dev-shm-usage", "--disable-background-networking", "--disable-sync",
+            "--disable-component-update", "--disable-popup-blocking", "--no-proxy-server",
+            "--password-store=basic"]
+
+
+BROWSERS = {"firefox": firefox, "chromium": chromium}
+
+
+class Browser:
+    """A running browser with one tab that the tests direct through its page."""
+
+    def __init__(self, desktop, site, name):
+        self.site = site
+        self.page = site.add(f"/start/{name}", "Start")
+        self.process = desktop.start(
+            [*BROWSERS[name](desktop.home / name), site.address(f"/start/{name}")],
+            stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        self.page.wait_until_shown()
+
+    def show(self, path, *arguments, **options):
+        """Goes to a page that is made of the arguments of Page; returns it once it is shown."""
+        self.page = self._direct("go", path, arguments, options)
+        return self.page
+
+    def open_tab(self, path, *arguments, **options):
+        """The same in a new tab, which comes to the front."""
+        behind = self.page
+        page = self._direct("open", path, arguments, options)
+        behind.wait_until_hidden()
+        return page
+
+    def _direct(self, command, path, arguments, options):
+        page = self.site.add(path, *arguments, **options)
+        self.page.tell(command, path)
+        page.wait_until_shown()
+        return page
