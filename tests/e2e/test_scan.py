@@ -80,7 +80,8 @@ def test_tells_by_its_exit_status_what_it_could_not_do(computer):
     assert everything.returncode == 3
     report = json.loads(everything.stdout)
     assert report["verdict"] == "incomplete"
-    assert {s["status"] for s in report["sources"].values()} == {"unavailable"}
+    assert {name: source["status"] for name, source in report["sources"].items()} == {
+        "calendar": "unavailable", "meeting": "no-access"}
     wrong = computer.scan("--sauce", "process")
     assert wrong.returncode == 2 and "--sauce" in wrong.stderr and wrong.stdout == ""
     with open("/dev/full", "w") as full:
