@@ -105,8 +105,9 @@ void AtspiApplication::takeWindowList() {
     }
     auto former = std::exchange(open, {});
     for (auto& [reference, title] : list->listChildren()) {
+        const auto& present = reference;
         const auto known = std::find_if(former.begin(), former.end(), [&](const auto& window) {
-            return window && window->reference == reference;
+            return window && window->reference == present;
         });
         open.push_back(known != former.end() ? std::move(*known) : std::make_unique<Window>());
         open.back()->reference = std::move(reference);
