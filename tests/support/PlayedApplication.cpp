@@ -201,6 +201,8 @@ GVariant* PlayedApplication::answerOf(const PlayedElement& element, const Played
         return g_variant_new("(s)", ("role " + std::to_string(element.role)).c_str());
     if (method == "GetAttributes")
         return g_variant_new("(@a{ss})", g_variant_new_array(G_VARIANT_TYPE("{ss}"), nullptr, 0));
+    if (method == "GetApplicationBusAddress")
+        return g_variant_new("(s)", element.url.c_str());
     if (method == "GetText")
         return g_variant_new("(s)", element.text.c_str());
     if (method == "GetAttributeValue")

@@ -50,7 +50,7 @@ struct PlayedElement {
     std::uint32_t role = played::panel;
     std::string name = {};
     std::string text = {};
-    std::string url = {};
+    std::string url = {}; ///< of the application: the address of its own socket
     PlayedChildren children = {};
     std::optional<std::int32_t> childCount = {}; ///< where it lies about its children
     bool isShowing = true;

@@ -61,6 +61,8 @@ void AtspiApplication::begin() {
     soon.reset();
     if (!calls) {
         calls = std::make_unique<AtspiCalls>(bus.bulk, lifetime.guard([this] {
+            if (peer) // the socket may be at fault, and not the application
+                return losePeer();
             giveUp("it does not answer");
             waitForAnswer();
         }));
@@ -192,7 +194,9 @@ void AtspiApplication::connectDirectly(Task next) {
                         peer = std::make_unique<AtspiConnection>(
                             address, AtspiConnection::Kind::peer,
                             lifetime.guard([this] { losePeer(); }));
-                    if (peer && peer->bus() != nullptr)
+                    if (peer && peer->bus() == nullptr)
+                        peer.reset();
+                    if (peer)
                         calls->use(*peer, root.bus);
                     next();
                 }));

@@ -1,5 +1,7 @@
 #include "platform/linux/AtspiCalls.h"
 
+#include "platform/linux/MainContext.h"
+
 #include <algorithm>
 #include <list>
 #include <utility>
@@ -35,7 +37,8 @@ MessagePtr messageOf(const AtspiConnection& connection, const AtspiCall& call) {
 struct AtspiCalls::Pending {
     std::weak_ptr<State> state;
     Reply reply;
-    SlotPtr slot; ///< dropping it gives the call up
+    SlotPtr slot;   ///< dropping it gives the call up
+    GSourcePtr end; ///< of a call that could not be sent
 };
 
 struct AtspiCalls::State {
@@ -79,14 +82,17 @@ void AtspiCalls::send(const AtspiCall& call, Reply reply) {
         g_source_set_callback(state->watch.get(), look, state.get(), nullptr);
         g_source_attach(state->watch.get(), state->context.get());
     }
-    auto& pending = state->inFlight.emplace_back(Pending{state, std::move(reply), nullptr});
+    auto& pending =
+        state->inFlight.emplace_back(Pending{state, std::move(reply), nullptr, nullptr});
     const auto& connection = state->connectionFor(call);
     auto* const bus = connection.bus();
     const auto message = bus != nullptr ? messageOf(connection, call) : nullptr;
     sd_bus_slot* slot = nullptr;
     if (message && sd_bus_call_async(bus, &slot, message.get(), receive, &pending, UINT64_MAX) >= 0)
         pending.slot.reset(slot);
-    // What could not be sent is not answered: the connection is lost, and its owner is told.
+    else if (bus != nullptr && sd_bus_is_open(bus) > 0)
+        pending.end = contextTimer(0, [&pending] { finish(pending, nullptr); });
+    // Else it is not answered: the connection is lost, and its owner is told.
 }
 
 void AtspiCalls::use(AtspiConnection& peer, std::string owner) {
@@ -104,21 +110,26 @@ int AtspiCalls::room() const {
 }
 
 int AtspiCalls::receive(sd_bus_message* message, void* answered, sd_bus_error*) {
-    auto* const pending = static_cast<Pending*>(answered);
-    const auto state = pending->state.lock();
+    if (sd_bus_is_open(sd_bus_message_get_bus(message)) <= 0)
+        return 0; // nobody has answered: that is how a lost connection ends its calls
+    const auto body =
+        sd_bus_message_is_method_error(message, nullptr) > 0 ? nullptr : bodyOf(message);
+    finish(*static_cast<Pending*>(answered), body.get());
+    return 0;
+}
+
+void AtspiCalls::finish(Pending& pending, GVariant* body) {
+    const auto state = pending.state.lock();
     if (!state)
-        return 0;
+        return;
     const auto found = std::find_if(state->inFlight.begin(), state->inFlight.end(),
-                                    [&](const Pending& each) { return &each == pending; });
-    std::list<Pending> done; // kept until the end: it is the callback's own slot
+                                    [&](const Pending& each) { return &each == &pending; });
+    std::list<Pending> done; // kept until the end: it is the callback's own
     done.splice(done.end(), state->inFlight, found);
     state->looks = 0;
     if (state->inFlight.empty())
         state->watch.reset();
-    const auto body =
-        sd_bus_message_is_method_error(message, nullptr) > 0 ? nullptr : bodyOf(message);
-    done.front().reply(body.get());
-    return 0;
+    done.front().reply(body);
 }
 
 gboolean AtspiCalls::look(gpointer watched) {

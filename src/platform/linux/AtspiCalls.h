@@ -59,6 +59,7 @@ private:
     struct Pending;
     static gboolean look(gpointer state);
     static int receive(sd_bus_message* message, void* pending, sd_bus_error*);
+    static void finish(Pending& pending, GVariant* body);
 
     std::shared_ptr<State> state;
 };

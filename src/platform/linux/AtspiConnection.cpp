@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <string_view>
 #include <utility>
 
 namespace quorva {
@@ -15,8 +16,30 @@ struct AtspiConnection::Source {
     GPollFD poll;
 };
 
+namespace {
+
+bool isPathOfSocket(std::string_view address) {
+    constexpr std::string_view start = "unix:path=/";
+    constexpr std::string_view rest =
+        "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789"
+        "/.-_%";
+    constexpr std::string_view guid = ",guid=";
+    if (!address.starts_with(start))
+        return false;
+    address.remove_prefix(start.size());
+    const auto path = address.substr(0, address.find(guid));
+    if (path.size() < address.size())
+        address.remove_prefix(path.size() + guid.size());
+    return path.find_first_not_of(rest) == path.npos &&
+           address.find_first_not_of(rest) == address.npos;
+}
+
+} // namespace
+
 AtspiConnection::AtspiConnection(const std::string& address, Kind kind, Task onLost_)
     : ofKind(kind), onLost(std::move(onLost_)) {
+    if (kind == Kind::peer && !isPathOfSocket(address))
+        return;
     sd_bus* made = nullptr;
     if (sd_bus_new(&made) < 0)
         return;
@@ -73,35 +96,48 @@ gboolean AtspiConnection::dispatch(GSource* source, GSourceFunc, gpointer) {
 namespace {
 
 constexpr int deepest = 16;
+constexpr int mostValues = 100'000;
 
 GVariantPtr sunk(GVariant* value) {
     return GVariantPtr(value != nullptr ? g_variant_ref_sink(value) : nullptr);
 }
 
-GVariantPtr valueOf(sd_bus_message* message, int depth);
+/// How much more may be read of a message. What is beyond takes the time of others.
+struct Allowance {
+    int depth = deepest;
+    int& values;
+};
+
+GVariantPtr valueOf(sd_bus_message* message, Allowance allowance);
 
 /// The values up to the end of the message or of the container that it stands in.
-bool addRest(sd_bus_message* message, GVariantBuilder* builder, int depth) {
+bool addRest(sd_bus_message* message, GVariantBuilder* builder, Allowance allowance) {
     while (sd_bus_message_at_end(message, 0) == 0) {
-        const auto value = valueOf(message, depth);
+        const auto value = valueOf(message, allowance);
         if (!value)
             return false;
         g_variant_builder_add_value(builder, value.get());
+        if (allowance.values < 0)
+            break;
     }
     return true;
 }
 
-GVariantPtr containerOf(sd_bus_message* message, char type, const char* contents, int depth) {
+GVariantPtr containerOf(sd_bus_message* message, char type, const char* contents,
+                        Allowance allowance) {
     const std::string inner(contents != nullptr ? contents : "");
     const std::string signature = type == 'a'   ? "a" + inner
                                   : type == 'v' ? "v"
                                   : type == 'e' ? "{" + inner + "}"
                                                 : "(" + inner + ")";
-    if (depth > deepest || sd_bus_message_enter_container(message, type, inner.c_str()) <= 0)
+    const bool isOutermostList = type == SD_BUS_TYPE_ARRAY && allowance.depth == deepest;
+    if (--allowance.depth < 0 || sd_bus_message_enter_container(message, type, inner.c_str()) <= 0)
         return nullptr;
     GVariantBuilder builder;
     g_variant_builder_init(&builder, G_VARIANT_TYPE(signature.c_str()));
-    if (!addRest(message, &builder, depth + 1) || sd_bus_message_exit_container(message) < 0) {
+    const bool isWhole = addRest(message, &builder, allowance);
+    const bool isCut = !isWhole && isOutermostList && allowance.values < 0;
+    if (!isCut && (!isWhole || sd_bus_message_exit_container(message) < 0)) {
         g_variant_builder_clear(&builder);
         return nullptr;
     }
@@ -127,10 +163,10 @@ GVariantPtr textOf(sd_bus_message* message, char type) {
     return nullptr;
 }
 
-GVariantPtr valueOf(sd_bus_message* message, int depth) {
+GVariantPtr valueOf(sd_bus_message* message, Allowance allowance) {
     char type = 0;
     const char* contents = nullptr;
-    if (sd_bus_message_peek_type(message, &type, &contents) <= 0)
+    if (--allowance.values < 0 || sd_bus_message_peek_type(message, &type, &contents) <= 0)
         return nullptr;
     switch (type) {
     case SD_BUS_TYPE_STRING:
@@ -159,7 +195,7 @@ GVariantPtr valueOf(sd_bus_message* message, int depth) {
     case SD_BUS_TYPE_DICT_ENTRY:
     case SD_BUS_TYPE_STRUCT:
     case SD_BUS_TYPE_VARIANT:
-        return containerOf(message, type, contents, depth);
+        return containerOf(message, type, contents, allowance);
     default:
         return nullptr;
     }
@@ -170,7 +206,8 @@ GVariantPtr valueOf(sd_bus_message* message, int depth) {
 GVariantPtr bodyOf(sd_bus_message* message) {
     GVariantBuilder builder;
     g_variant_builder_init(&builder, G_VARIANT_TYPE_TUPLE);
-    if (addRest(message, &builder, 0))
+    int values = mostValues;
+    if (addRest(message, &builder, {deepest, values}))
         return sunk(g_variant_builder_end(&builder));
     g_variant_builder_clear(&builder);
     return nullptr;

@@ -20,7 +20,9 @@ public:
     enum class Kind { bus, peer };
 
     /// Connects to this address, without waiting for it. `onLost` is called when the connection
-    /// could not be made or has ended, never within a call.
+    /// could not be made or has ended, never within a call. A peer's address comes from the peer:
+    /// nothing but the path of a local socket is taken for one, as addresses can also name programs
+    /// to be started and other computers.
     AtspiConnection(const std::string& address, Kind kind, Task onLost);
     ~AtspiConnection();
 
@@ -45,7 +47,8 @@ private:
 };
 
 /// The body of a message as one tuple; null when it can't be read, or holds what no reply of the
-/// accessibility bus does.
+/// accessibility bus does: file descriptors, or containers in containers without end. Of a list of
+/// more values than anybody wants there is only the beginning.
 [[nodiscard]] GVariantPtr bodyOf(sd_bus_message* message);
 
 } // namespace quorva

@@ -179,6 +179,8 @@ void AtspiWorker::join(GObjectPtr<GDBusConnection> bus, const std::string& addre
         [](GDBusConnection*, const gchar*, const gchar*, const gchar*, const gchar*,
            GVariant* change, gpointer self) { static_cast<AtspiWorker*>(self)->noteOwner(change); },
         this, nullptr);
+    if (connected->bulk.bus() == nullptr)
+        return lose();
     listApplications();
 }
 

@@ -1,9 +1,14 @@
 // Applications that show themselves as no application should. Whatever they say, the reading ends,
 // keeps to what was asked for, costs few questions, and the application beside is read in time.
 #include "AccessibilityTest.h"
+#include "support/TemporaryFolder.h"
 
-#include <atomic>
+#include <arpa/inet.h>
+#include <filesystem>
 #include <limits>
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <sys/un.h>
 
 namespace quorva {
 namespace {
@@ -46,31 +51,43 @@ Script aList(const PlayedChildren& children, std::optional<std::int32_t> count =
     });
 }
 
-/// Every question for an element of the window's content is answered with something else.
-Treat answering(const std::string& method, const char* reply) {
-    return [=](const PlayedQuestion& question) -> PlayedTreatment {
-        if (question.element == "root" || question.element == "window" ||
-            (!method.empty() && question.method != method))
-            return {};
-        return {PlayedTreatment::Kind::reply, g_variant_new_parsed(reply)};
+/// Makes a treatment, when it comes to that: some take time to be made.
+using Prepare = std::function<Treat()>;
+
+/// Questions of one kind, or all with "", for the window's content are answered with something
+/// else.
+Prepare answering(const std::string& method, const std::function<GVariant*()>& make) {
+    return [=]() -> Treat {
+        const std::shared_ptr<GVariant> reply(g_variant_ref_sink(make()), g_variant_unref);
+        g_variant_get_data(reply.get()); // serialises it once
+        return [=](const PlayedQuestion& question) -> PlayedTreatment {
+            if (question.element == "root" || question.element == "window" ||
+                (!method.empty() && question.method != method))
+                return {};
+            return {PlayedTreatment::Kind::reply, reply.get()};
+        };
     };
 }
 
+Prepare answering(const std::string& method, const char* reply) {
+    return answering(method, [reply] { return g_variant_new_parsed(reply); });
+}
+
 /// So many children, whatever their number is said to be.
-Treat crowding(int children) {
+GVariant* crowd(int children) {
     GVariantBuilder all;
     g_variant_builder_init(&all, G_VARIANT_TYPE("a(so)"));
     for (int i = 0; i < children; ++i)
         g_variant_builder_add(&all, "(so)", "",
                               ("/org/a11y/atspi/accessible/n" + std::to_string(i)).c_str());
-    const std::shared_ptr<GVariant> reply(g_variant_ref_sink(g_variant_new("(a(so))", &all)),
-                                          g_variant_unref);
-    g_variant_get_data(reply.get()); // serialises it once
-    return [reply](const PlayedQuestion& question) -> PlayedTreatment {
-        if (question.element != "top" || question.method != "GetChildren")
-            return {};
-        return {PlayedTreatment::Kind::reply, reply.get()};
-    };
+    return g_variant_new("(a(so))", &all);
+}
+
+/// So many bytes in place of a text.
+GVariant* bytes(std::size_t count) {
+    const std::vector<char> zeros(count);
+    return g_variant_new("(@ay)",
+                         g_variant_new_fixed_array(G_VARIANT_TYPE_BYTE, zeros.data(), count, 1));
 }
 
 /// Every third question is for something that has just gone.
@@ -85,7 +102,7 @@ Treat vanishing() {
 struct Hostility {
     const char* name;
     Script script;
-    Treat treat = nullptr;
+    Prepare prepare = nullptr;
     const char* toolkit = "gtk";
     std::size_t elements = 0; ///< of the window, as a walk would meet them; 0 for any number
 };
@@ -122,7 +139,8 @@ const Hostility hostilities[] = {
     {"millionChildren", aList(numbers(3000), 1'000'000), nullptr, "gtk", 2000},
     {"millionChildrenOfWhichNoneIsThere", aList({}, 1'000'000), nullptr, "gtk", 2},
     {"millionChildrenMadeUpWhenAskedFor", aList(numbers(3000), 1'000'000, true), nullptr, "gtk", 2},
-    {"childrenBeyondTheirNumber", aList({}, 3), crowding(200'000), "gtk", 2000},
+    {"childrenBeyondTheirNumber", aList({}, 3),
+     answering("GetChildren", [] { return crowd(200'000); }), "gtk", 2000},
     {"fewerChildrenThanTheirNumber", aList({"ann"}, 5), nullptr, "gtk", 3},
     {"noNumberOfChildren", aList({"ann"}, -1), nullptr, "gtk", 3},
     {"numberBelowAll", aList({"ann"}, std::numeric_limits<std::int32_t>::min()), nullptr, "gtk", 3},
@@ -144,8 +162,8 @@ const Hostility hostilities[] = {
                                     : person(std::string(1'000'000, 'x'));
      }),
      nullptr, "Qt", 62},
-    {"vanishing", aList(numbers(200)), vanishing()},
-    {"vanishingOfAnotherToolkit", aList(numbers(200)), vanishing(), "Qt"},
+    {"vanishing", aList(numbers(200)), vanishing},
+    {"vanishingOfAnotherToolkit", aList(numbers(200)), vanishing, "Qt"},
     {"nonsense", aList({"ann", "ben"}), answering("", "(@x 1,)"), "gtk", 2},
     {"nonsenseForRoles", aList({"ann", "ben"}), answering("GetRole", "('list',)"), "gtk", 4},
     {"nonsenseForProperties", aList({"ann", "ben"}), answering("GetAll", "(@a{sv} {},)"), "gtk", 4},
@@ -160,6 +178,10 @@ const Hostility hostilities[] = {
     {"childrenOfTheBusItself", aList({"ann", "ben"}),
      answering("GetChildren", "([('org.freedesktop.DBus', objectpath '/org/freedesktop/DBus')],)"),
      "gtk", 3},
+    {"crowdOfBytes", aList(numbers(30)), answering("GetText", [] { return bytes(2'000'000); }),
+     "gtk", 32},
+    {"nestedVariants", aList({"ann"}),
+     answering("GetText", "(<<<<<<<<<<<<<<<<<<<<1>>>>>>>>>>>>>>>>>>>>,)"), "gtk", 3},
     {"nonsenseForTexts", aList({"ann", "ben"}), answering("GetText", "(7,)"), "gtk", 4},
     {"nonsenseForNamesOfRoles", aList({"ann", "ben"}), answering("GetLocalizedRoleName", "()"),
      "gtk", 4},
@@ -174,7 +196,8 @@ INSTANTIATE_TEST_SUITE_P(All, HostileApplicationTest, testing::ValuesIn(hostilit
 
 TEST_P(HostileApplicationTest, endsItsReadingAndLeavesTimeForOthers) {
     const auto& hostility = GetParam();
-    PlayedApplication application(hostility.script, hostility.toolkit, hostility.treat);
+    PlayedApplication application(hostility.script, hostility.toolkit,
+                                  hostility.prepare ? hostility.prepare() : nullptr);
     const PlayedMeeting other("Meeting", 20);
     const std::vector processes{self, other.identifier()};
 
@@ -199,6 +222,59 @@ TEST_P(HostileApplicationTest, endsItsReadingAndLeavesTimeForOthers) {
     EXPECT_LE(application.questions(), 30); // the windows' titles in each of two passes
     EXPECT_EQ(readingOf(self), read);
     RecordProperty("questions", first);
+}
+
+TEST_F(AccessibilityTest, neitherStartsAProgramNorGoesToANetworkForAnApplicationsSocket) {
+    const TemporaryFolder folder;
+    const auto trace = (folder.path / "trace").string();
+    const FileDescriptor network(::socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
+    sockaddr_in own{.sin_family = AF_INET, .sin_addr = {htonl(INADDR_LOOPBACK)}};
+    socklen_t size = sizeof own;
+    auto* const address = reinterpret_cast<sockaddr*>(&own);
+    ASSERT_EQ(::bind(network.get(), address, size), 0);
+    ASSERT_EQ(::listen(network.get(), 1), 0);
+    ASSERT_EQ(::getsockname(network.get(), address, &size), 0);
+    const auto tcp = "tcp:host=127.0.0.1,port=" + std::to_string(ntohs(own.sin_port));
+
+    for (const auto& hostile :
+         {"unixexec:path=/usr/bin/touch,argv1=" + trace, tcp, "unix:path=/nowhere;" + tcp,
+          std::string("unix:path=/dev/null"), std::string("nonsense")}) {
+        const PlayedApplication application(
+            [&, list = aList({"ann"})](const std::string& identifier) {
+                auto element = list(identifier);
+                if (identifier == "root")
+                    element->url = hostile;
+                return element;
+            },
+            "gtk");
+        ASSERT_TRUE(comesToAsking({self}, [&] { return readingOf(self) != nullptr; })) << hostile;
+        EXPECT_EQ(application.questions("root", "GetApplicationBusAddress"), 1);
+        EXPECT_NE(find(readingOf(self), "ann"), nullptr);
+        EXPECT_FALSE(std::filesystem::exists(trace));
+        EXPECT_LT(::accept(network.get(), nullptr, nullptr), 0) << hostile;
+        request({});
+    }
+}
+
+TEST_F(AccessibilityTest, asksOverTheBusWhereAnApplicationsSocketIsSilent) {
+    const TemporaryFolder folder;
+    const FileDescriptor silent(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    sockaddr_un own{.sun_family = AF_UNIX, .sun_path = {}};
+    const auto path = (folder.path / "socket").string();
+    ASSERT_LT(path.copy(own.sun_path, sizeof own.sun_path - 1), sizeof own.sun_path - 1);
+    ASSERT_EQ(::bind(silent.get(), reinterpret_cast<sockaddr*>(&own), sizeof own), 0);
+    ASSERT_EQ(::listen(silent.get(), 1), 0);
+    const PlayedApplication application(
+        [&, list = aList({"ann"})](const std::string& identifier) {
+            auto element = list(identifier);
+            if (identifier == "root")
+                element->url = "unix:path=" + path;
+            return element;
+        },
+        "gtk");
+    request({self});
+    EXPECT_TRUE(comesTo([&] { return readingOf(self) != nullptr; }, Seconds(5)));
+    EXPECT_NE(find(readingOf(self), "ann"), nullptr);
 }
 
 TEST_F(AccessibilityTest, givesUpForAWhileOnAnApplicationThatAnswersTooSlowly) {
