@@ -52,6 +52,9 @@ class Session(Computer):
         os.close(writer)
         with os.fdopen(reader) as number:
             self.environment["DISPLAY"] = f":{number.readline().strip()}"
+        self.bus.get_object("org.freedesktop.DBus", "/org/freedesktop/DBus") \
+            .UpdateActivationEnvironment({"DISPLAY": self.environment["DISPLAY"]},
+                                         dbus_interface="org.freedesktop.DBus")
         self.start(["openbox"], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
 
     def add_desktop_entry(self, entry_id, name, command):

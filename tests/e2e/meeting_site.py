@@ -14,8 +14,8 @@ from conftest import wait_until
 
 PAGE = """<!DOCTYPE html>
 <html lang="en"><meta charset="utf-8"><title>TITLE</title>
-<h1>Weekly planning</h1>
 <div id="banner" role="status"></div>
+<h1>Weekly planning</h1>
 <section aria-label="In this call"><ul id="people"></ul></section>
 <div id="chat" role="log"></div>
 <button>Leave call</button>

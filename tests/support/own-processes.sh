@@ -9,4 +9,13 @@ own=(unshare --pid --fork --kill-child --mount-proc)
 "${own[@]}" true 2>/dev/null || exec "$@"
 
 # The shell in between takes the part of init: it waits for the processes that nobody else waits for.
-exec "${own[@]}" /bin/bash -c '"$@"; exit' own-processes "$@"
+# Those that the program leaves behind get some seconds to clear up.
+exec "${own[@]}" /bin/bash -c '
+    "$@"
+    status=$?
+    for attempt in {1..500}; do
+        processes=(/proc/[0-9]*)
+        [[ ${#processes[@]} -gt 1 ]] || break
+        sleep 0.02
+    done
+    exit $status' own-processes "$@"
