@@ -21,6 +21,22 @@ constexpr gint64 longestTrust = 55'000'000; // microseconds: changes may not hav
 constexpr gint64 restAfterReading = 3;      // times as long as it took
 constexpr std::size_t maxChanges = 10'000;
 
+/// Whether anything is written on the page itself, those within it aside.
+bool hasTexts(const AccessibleElement& element) {
+    return !element.value.empty() ||
+           std::any_of(element.children.begin(), element.children.end(), [](const auto& child) {
+               return child->role != AccessibilityRole::webArea && hasTexts(*child);
+           });
+}
+
+/// Whether there is a page with elements but without a text.
+bool lacksTexts(const AccessibleElement& element) {
+    const bool isPage = element.role == AccessibilityRole::webArea && !element.children.empty();
+    return (isPage && !hasTexts(element)) ||
+           std::any_of(element.children.begin(), element.children.end(),
+                       [](const auto& child) { return lacksTexts(*child); });
+}
+
 } // namespace
 
 /// A window that a plan wants, or whose outline has to say so.
@@ -32,6 +48,7 @@ struct AtspiApplication::Window {
     std::unique_ptr<AtspiTreeReader> reader;
     gint64 lastWhole = 0;
     bool isOutlined = false; ///< its documents say what it is
+    int looksForTexts = 5;
 
     [[nodiscard]] bool isWatched() const { return reader && texts == AtspiTreeReader::Texts::all; }
 };
@@ -223,6 +240,11 @@ void AtspiApplication::finish() {
             shown.extent = window->extent;
             shown.tree = window->reader->tree();
         }
+        if (shown.tree && awaitsTexts(*window, *shown.tree)) {
+            shown.state = ReadState::notReadYet;
+            shown.tree = nullptr;
+            isReadAgain = true;
+        }
         if (shown.tree && shown.tree->role == AccessibilityRole::unreadable) {
             shown.state = ReadState::couldNotBeRead;
             shown.problem = "it does not answer as a window should";
@@ -242,6 +264,19 @@ void AtspiApplication::finish() {
     if (isReadAgain || awaitsDocuments)
         readSoon();
     onRead();
+}
+
+/// Firefox has no texts for who is the first to ask for them, and does not tell when it has: they
+/// are asked for again, unless there turn out to be none.
+bool AtspiApplication::awaitsTexts(Window& window, const AccessibleElement& tree) {
+    if (traits.toolkit != AtspiToolkit::gecko || !window.isWatched() || window.looksForTexts == 0)
+        return false;
+    const bool isAwaiting = lacksTexts(tree) && --window.looksForTexts > 0;
+    if (isAwaiting)
+        window.lastWhole = g_get_monotonic_time() - longestTrust;
+    else
+        window.looksForTexts = 0;
+    return isAwaiting;
 }
 
 /// Whether the application may be about to show the documents that it was asked for lately: it

@@ -63,6 +63,7 @@ private:
     void losePeer();
     void finish();
     bool isExposing();
+    bool awaitsTexts(Window& window, const AccessibleElement& tree);
     void giveUp(std::string problem);
     void endReading();
     void waitForAnswer();
