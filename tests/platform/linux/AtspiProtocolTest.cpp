@@ -1,6 +1,5 @@
 #include "platform/linux/AtspiProtocol.h"
 
-
 #include <gtest/gtest.h>
 
 namespace quorva {
