@@ -177,11 +177,12 @@ BROWSERS = {"firefox": firefox, "chromium": chromium}
 class Browser:
     """A running browser with one tab that the tests direct through its page."""
 
-    def __init__(self, desktop, site, name):
+    def __init__(self, desktop, site, name, profile=""):
         self.site = site
-        self.page = site.add(f"/start/{name}", "Start")
+        path = f"/start/{name}{profile}"
+        self.page = site.add(path, "Start")
         self.process = desktop.start(
-            [*BROWSERS[name](desktop.home / name), site.address(f"/start/{name}")],
+            [*BROWSERS[name](desktop.home / (name + profile)), site.address(path)],
             stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
         self.page.wait_until_shown()
 

@@ -160,6 +160,16 @@ def test_says_how_to_switch_accessibility_on(session):
     assert "toolkit-accessibility true" in look.detail
 
 
+@pytest.mark.parametrize("name", BROWSERS)
+def test_finds_a_meeting_in_the_second_of_two_browsers_of_a_kind(desktop, site, name):
+    first, second = (Browser(desktop, site, name, profile) for profile in ("-one", "-two"))
+    second.show("/meet.google.com/second", "Meet", people=["Otter.ai Notetaker"])
+    look = look_for(desktop, 1)
+    for each in (first, second):
+        desktop.end(each.process, by=signal.SIGTERM)
+    assert (len(look.bots), look.exit_status) == (1, 1), look.detail
+
+
 # In browsers. Each test with the one browser before the first with the other.
 
 

@@ -10,7 +10,7 @@
 namespace quorva {
 namespace {
 
-constexpr std::chrono::milliseconds longestStart{500};
+constexpr std::chrono::milliseconds longestStart{2000};
 
 } // namespace
 

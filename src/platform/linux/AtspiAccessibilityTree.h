@@ -16,7 +16,7 @@ namespace quorva {
 
 class AtspiAccessibilityTree final : public AccessibilityTree {
 public:
-    /// Finds out whether accessibility is switched on, and waits for that for half a second at
+    /// Finds out whether accessibility is switched on, and waits for that for two seconds at
     /// most: an answer that comes later is told as a change.
     AtspiAccessibilityTree();
     ~AtspiAccessibilityTree() override;

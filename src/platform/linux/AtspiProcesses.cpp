@@ -8,6 +8,7 @@
 #include <fcntl.h>
 #include <optional>
 #include <string>
+#include <system_error>
 #include <unistd.h>
 #include <utility>
 
@@ -51,6 +52,16 @@ bool AtspiProcesses::speaksFor(ProcessIdentifier onBus, ProcessIdentifier main) 
     }
     const auto group = applicationGroup(proc / std::to_string(onBus));
     return !group.empty() && group == applicationGroup(proc / std::to_string(main));
+}
+
+bool AtspiProcesses::runTheSame(ProcessIdentifier one, ProcessIdentifier other) const {
+    const auto programOf = [&](ProcessIdentifier process) {
+        std::error_code error;
+        return std::filesystem::read_symlink(proc / std::to_string(process) / "exe", error)
+            .string();
+    };
+    const auto program = programOf(one);
+    return !program.empty() && !isInterpreter(program) && program == programOf(other);
 }
 
 bool AtspiProcesses::isSettled(ProcessIdentifier process) const {

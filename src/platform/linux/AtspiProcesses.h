@@ -16,6 +16,10 @@ public:
     /// Whether a process on the bus speaks for the application with this main process.
     [[nodiscard]] bool speaksFor(ProcessIdentifier onBus, ProcessIdentifier main) const;
 
+    /// Whether two processes run the same program, as two instances of a browser do. Never for
+    /// interpreters, which run many programs.
+    [[nodiscard]] bool runTheSame(ProcessIdentifier one, ProcessIdentifier other) const;
+
     /// Whether a process has run for long enough to have joined the bus, had it wanted to.
     [[nodiscard]] bool isSettled(ProcessIdentifier process) const;
 

@@ -276,6 +276,9 @@ ProcessIdentifier AtspiWorker::wishFor(Speaker& speaker) const {
         if (known->second && (nearest == 0 || processes.speaksFor(process, nearest)))
             nearest = process;
     }
+    for (const auto& [process, request] : wanted)
+        if (nearest == 0 && processes.runTheSame(speaker.process, process))
+            nearest = process; // another instance: the application is listed by one of them only
     return nearest;
 }
 
