@@ -123,6 +123,10 @@ public:
     /// Calls `callback` on the main loop after that has changed.
     [[nodiscard]] virtual Subscription onTrustChange(Task callback) = 0;
 
+    /// Switches the session's accessibility on, at the user's wish, and calls `done` once, on the
+    /// main loop or within this call, with whether it is on then.
+    virtual void requestTrust(std::function<void(bool isTrusted)> done) = 0;
+
     /// Asks an application to expose its whole tree. 0 when it has been asked, now or before; else
     /// why not, as a number of errno: EINPROGRESS while that is being found out, ESRCH when it
     /// exposes nothing, ETIMEDOUT when it does not answer.

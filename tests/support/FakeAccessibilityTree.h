@@ -46,6 +46,12 @@ public:
     [[nodiscard]] Subscription onTrustChange(Task callback) override {
         return trustChanges.add(std::move(callback));
     }
+    bool grantsTrust = true; ///< whether asking switches it on
+    void requestTrust(std::function<void(bool)> done) override {
+        if (grantsTrust && !std::exchange(isOn, true))
+            trustChanges.call();
+        done(isOn);
+    }
     int enable(ProcessIdentifier process, AccessibilitySwitch which) override {
         enabled.push_back({process, which});
         return enableError;

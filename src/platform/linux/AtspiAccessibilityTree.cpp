@@ -60,6 +60,20 @@ Subscription AtspiAccessibilityTree::onTrustChange(Task callback) {
     return trustCallbacks.add(std::move(callback));
 }
 
+void AtspiAccessibilityTree::requestTrust(std::function<void(bool)> done) {
+    const auto answer = lifetime.guard([this, done = std::move(done)](bool isSwitchedOn) {
+        if (isSwitchedOn)
+            takeTrust(true);
+        done(trusted);
+    });
+    postTo(context.get(), G_PRIORITY_DEFAULT, [this, answer] {
+        if (worker)
+            worker->switchOn([answer](bool isSwitchedOn) {
+                postToMain([answer, isSwitchedOn] { answer(isSwitchedOn); });
+            });
+    });
+}
+
 int AtspiAccessibilityTree::enable(ProcessIdentifier process, AccessibilitySwitch) {
     enabling.insert(process);
     const auto known = answers.find(process);

@@ -26,6 +26,9 @@ public:
 
     [[nodiscard]] bool isTrusted() const override;
     [[nodiscard]] Subscription onTrustChange(Task callback) override;
+    /// The accessibility launcher (org.a11y.Bus) keeps the answer in the desktop's settings. It is
+    /// started where it is not running, and given the usual 25 seconds of D-Bus.
+    void requestTrust(std::function<void(bool isTrusted)> done) override;
     int enable(ProcessIdentifier process, AccessibilitySwitch which) override;
     [[nodiscard]] AccessibleWindows windows(ProcessIdentifier process) const override;
     void request(std::vector<ReadingRequest> requests) override;

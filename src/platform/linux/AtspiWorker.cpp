@@ -129,6 +129,22 @@ void AtspiWorker::askStatus() {
             }));
 }
 
+void AtspiWorker::switchOn(std::function<void(bool)> done) {
+    if (!session) {
+        done(false);
+        return;
+    }
+    callBus(session.get(),
+            {launcherName, launcherPath, atspi::properties, "Set",
+             g_variant_new("(ssv)", statusInterface, "IsEnabled", g_variant_new_boolean(TRUE)), -1,
+             G_DBUS_CALL_FLAGS_NONE},
+            lifetime.guard([this, done = std::move(done)](GVariant* reply) {
+                if (reply)
+                    takeStatus(true);
+                done(reply != nullptr);
+            }));
+}
+
 void AtspiWorker::takeStatus(bool isEnabled) {
     isTrusted = isEnabled;
     reports.trust(isEnabled);

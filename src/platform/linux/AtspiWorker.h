@@ -46,6 +46,9 @@ public:
     /// Finds out whether accessibility is switched on, and follows that from then on.
     void start();
 
+    /// Switches accessibility on; calls `done` once, on this thread, with whether that was done.
+    void switchOn(std::function<void(bool isSwitchedOn)> done);
+
     /// What shall be read from now on.
     void request(std::vector<AtspiRequest> requests);
 

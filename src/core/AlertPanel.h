@@ -1,0 +1,43 @@
+// The small panel that announces a detection in the corner of the screen: what it says, and for how
+// long. How it looks is the user interface's.
+#pragma once
+
+#include "platform/Lifetime.h"
+#include "platform/MainLoop.h"
+#include "platform/Published.h"
+
+#include <optional>
+#include <string>
+
+namespace quorva {
+
+struct BotAlert {
+    std::string botName;
+    std::string platform;
+    std::string category;
+
+    bool operator==(const BotAlert&) const = default;
+};
+
+/// Main thread only.
+class AlertPanel {
+public:
+    /// The loop must outlive the panel.
+    explicit AlertPanel(MainLoop& loop);
+
+    /// What the panel shows; nothing while there is no panel.
+    Published<std::optional<BotAlert>> alert;
+
+    /// Shows an alert for 8 seconds, in place of the one that shows.
+    void show(BotAlert next);
+
+    /// Takes the panel away at once.
+    void dismiss();
+
+private:
+    MainLoop& loop;
+    Timer dismissTimer;
+    Lifetime lifetime; // last: goes first
+};
+
+} // namespace quorva

@@ -1,0 +1,34 @@
+// The sound devices of this computer. Nothing is ever recorded or played through them here.
+#pragma once
+
+#include "platform/Subscription.h"
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace quorva {
+
+struct AudioDevice {
+    std::uint32_t id = 0;            ///< the sound server's index
+    std::optional<std::string> name; ///< for people, UTF-8; absent when it could not be read
+    bool isMicrophone = false;       ///< a source that is no monitor of a sink
+
+    bool operator==(const AudioDevice&) const = default;
+};
+
+/// Main thread only; no operation waits for the sound server.
+class AudioDevices {
+public:
+    virtual ~AudioDevices() = default;
+
+    /// Lists the devices and calls `done` once, on the main loop or within this call: with the
+    /// devices in the server's order, sinks first, or with nothing when they cannot be listed.
+    /// Dropping the subscription ends the wait without a call.
+    [[nodiscard]] virtual Subscription
+    fetchDevices(std::function<void(std::optional<std::vector<AudioDevice>>)> done) = 0;
+};
+
+} // namespace quorva

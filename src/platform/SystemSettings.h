@@ -1,0 +1,25 @@
+// Other programs' windows that the user is led to: the desktop's settings, a web page in the
+// browser.
+#pragma once
+
+#include <string>
+
+namespace quorva {
+
+enum class SettingsPane { accessibility, calendarPrivacy, internetAccounts };
+
+/// Main thread only.
+class SystemSettings {
+public:
+    virtual ~SystemSettings() = default;
+
+    /// Opens a pane of the desktop's settings. False when this desktop is not known to have one,
+    /// or it could not be started.
+    virtual bool open(SettingsPane pane) = 0;
+
+    /// Opens an address ("https:", "appstream:") in the program that is there for it. False when
+    /// there is none.
+    virtual bool openAddress(const std::string& address) = 0;
+};
+
+} // namespace quorva
