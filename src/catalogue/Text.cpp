@@ -99,19 +99,34 @@ std::unique_ptr<icu::BreakIterator> makeClusterBreaks() {
     return breaks;
 }
 
-std::size_t countClusters(std::string_view text) {
+struct Clusters {
+    std::size_t count = 0;
+    std::size_t end = 0; ///< in bytes
+};
+
+/// The first `most` user-perceived characters of the text.
+Clusters walkClusters(std::string_view text, std::size_t most) {
     thread_local const auto breaks = makeClusterBreaks(); // takes longer than most texts do
     UErrorCode status = U_ZERO_ERROR;
     const icu::LocalUTextPointer characters(
         utext_openUTF8(nullptr, text.data(), static_cast<int64_t>(text.size()), &status));
     if (breaks)
         breaks->setText(characters.getAlias(), status);
-    if (!breaks || U_FAILURE(status)) // code points are the nearest
-        return static_cast<std::size_t>(std::count_if(text.begin(), text.end(), startsCodePoint));
-    std::size_t count = 0;
-    while (breaks->next() != icu::BreakIterator::DONE)
-        ++count;
-    return count;
+    Clusters walked;
+    if (!breaks || U_FAILURE(status)) { // code points are the nearest
+        for (; walked.end < text.size(); ++walked.end)
+            if (startsCodePoint(text[walked.end]) && walked.count++ == most)
+                return {most, walked.end};
+        return walked;
+    }
+    while (walked.count < most) {
+        const auto next = breaks->next();
+        if (next == icu::BreakIterator::DONE)
+            break;
+        ++walked.count;
+        walked.end = static_cast<std::size_t>(next);
+    }
+    return walked;
 }
 
 } // namespace
@@ -175,7 +190,13 @@ std::size_t characterCount(std::string_view text) {
             --count;
         return count;
     }
-    return countClusters(text);
+    return walkClusters(text, text.size()).count;
+}
+
+std::string_view firstCharacters(std::string_view text, std::size_t count) {
+    if (text.size() <= count)
+        return text; // no character takes less than a byte
+    return text.substr(0, walkClusters(text, count).end);
 }
 
 std::string_view lastPathComponent(std::string_view path) {

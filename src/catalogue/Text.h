@@ -38,6 +38,9 @@ namespace quorva {
 /// however it is written, and so are a family's emoji and a line break of two bytes.
 [[nodiscard]] std::size_t characterCount(std::string_view text);
 
+/// The first `count` user-perceived characters of the text: a part of `text`.
+[[nodiscard]] std::string_view firstCharacters(std::string_view text, std::size_t count);
+
 /// The text after the last "/", trailing slashes being ignored: "b" of "/a/b" and of "/a/b/".
 [[nodiscard]] std::string_view lastPathComponent(std::string_view path);
 

@@ -18,6 +18,7 @@
 #include "platform/Platform.h"
 #include "platform/SystemSettings.h"
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -146,7 +147,12 @@ private:
     void takeDetection(const RecordingIndicatorDetection& indicator);
     void record(DetectionEvent event, BotAlert alert, Task notify);
 
-    [[nodiscard]] CapabilityFacts capabilityFacts() const;
+    template <typename Detection>
+    [[nodiscard]] std::function<void(const Detection&)>
+    laterOnLoop(std::function<void(const Detection&)> handler);
+
+    void filterDetections();
+    void scheduleLimitations();
     void updateLimitations();
 
     AnnouncementQueue announcements;

@@ -34,6 +34,7 @@ struct CapabilityFacts {
     bool participantMonitorEnabled = false;
     bool hasAccessibilityPermission = false;
     MeetingCoverage meetings;
+    bool showNotifications = false;
     NotificationService notifications;
     std::optional<std::string> speechProblem;
     bool hasTray = true;

@@ -8,6 +8,7 @@
 #include "platform/Lifetime.h"
 #include "platform/SpeechSynthesizer.h"
 
+#include <deque>
 #include <optional>
 #include <string>
 
@@ -45,7 +46,7 @@ private:
     MainLoop& loop;
     Clipboard& clipboard;
     SpeechSynthesizer& speechSynthesizer;
-    std::vector<Timer> toastTimers;
+    std::deque<Timer> toastTimers;
     Lifetime lifetime; // last: goes first
 };
 

@@ -68,6 +68,7 @@ public:
     [[nodiscard]] bool isRechecking() const { return static_cast<bool>(accessibilityRecheckTimer); }
 
 private:
+    void takeAuthorization(CalendarAuthorization status);
     void takeTrust(bool isTrusted);
     void recheck();
 

@@ -194,7 +194,9 @@ void CalendarMonitor::complete(const CalendarWindow& window, Time now) {
     reportUnread(window.unread);
     calendarDetections = std::move(fresh);
     lastScanDate = now;
-    saveKeys();
+    // After the tasks in which those who were called store what they have been told: a detection
+    // that counts as announced, but is in nobody's record, would be lost by a crash in between.
+    loop.post(lifetime.guard([this] { saveKeys(); }));
 }
 
 CalendarMonitor::Detections CalendarMonitor::findBots(const std::vector<CalendarEvent>& events,

@@ -1,0 +1,27 @@
+#include "core/ShareText.h"
+
+#include <fmt/format.h>
+
+namespace quorva {
+namespace {
+
+std::string recommendation(const std::string& bot, std::string_view place) {
+    return fmt::format("Heads up \u2014 I just detected {} {} using Quorva, a tool that spots AI "
+                       "recording bots in Zoom, Teams & Meet. Free to try: {}",
+                       bot, place, productAddress);
+}
+
+} // namespace
+
+std::string shareText(const std::vector<ParticipantBotDetection>& participants,
+                      const std::vector<DetectedBot>& processes) {
+    if (!participants.empty())
+        return recommendation(participants.front().botDisplayName, "in my meeting");
+    if (!processes.empty())
+        return recommendation(processes.front().name, "on my Mac");
+    return fmt::format("I use Quorva to detect AI recording bots in my meetings. It spots Otter, "
+                       "Fireflies, Gong & 180+ more. Free to try: {}",
+                       productAddress);
+}
+
+} // namespace quorva
