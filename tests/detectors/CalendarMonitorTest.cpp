@@ -77,6 +77,7 @@ TEST_F(CalendarMonitorTest, describesWhatItFindsWithoutTheTitleOfTheMeeting) {
     EXPECT_EQ(found[3].matchedEmail, "x-a@eu.gong.io");
     EXPECT_EQ(found[3].confidence, 85);
     EXPECT_THAT(store.fetches, ElementsAre(std::pair(now, now + 24h)));
+    loop.runPosted();
     // sha256sum of "generic-notetaker|E2", the first half.
     EXPECT_THAT(stored("calendarAlertedDetections"),
                 testing::Contains("f67415fb86d68265087c7ca34f276c26"));

@@ -47,6 +47,15 @@ void VirtualMainLoop::advance(Seconds duration) {
     present = until;
 }
 
+void VirtualMainLoop::suspend(Seconds duration) {
+    const auto asleep = std::chrono::round<Time::duration>(duration);
+    present += asleep;
+    Timers later;
+    for (auto& [key, entry] : *timers)
+        later.emplace(Key{key.first + asleep, key.second}, entry);
+    *timers = std::move(later);
+}
+
 Timer VirtualMainLoop::add(Seconds delay, Entry entry) {
     auto shared = std::make_shared<Entry>(std::move(entry));
     timers->emplace(Key{present + std::chrono::round<Time::duration>(delay), ++count}, shared);

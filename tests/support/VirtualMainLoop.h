@@ -25,6 +25,9 @@ public:
     /// Lets time pass: runs what is posted and every timer that falls due, each at its own time.
     void advance(Seconds duration);
 
+    /// Lets time pass while the computer sleeps: timers do not count it.
+    void suspend(Seconds duration);
+
 private:
     struct Entry {
         Task task;

@@ -1,0 +1,254 @@
+#include "core/AppStateTest.h"
+
+#include <fmt/format.h>
+
+namespace quorva {
+namespace {
+
+TEST_F(AppStateTest, watchesAllSourcesAtTheFirstStart) {
+    auto& app = start();
+    EXPECT_TRUE(app.isMonitoring && app.isCalendarMonitoring && app.isParticipantMonitoring);
+    EXPECT_TRUE(app.permissions.hasCalendarAccess && !app.hasActiveThreats);
+    EXPECT_EQ(computer.log.count("startMonitoring: process=on calendar=true participant=true"), 1U);
+    app.startMonitoring();
+    EXPECT_EQ(computer.log.count("startMonitoring"), 1U);
+    EXPECT_EQ(app.stateText(), "All Clear");
+    EXPECT_THAT(*app.limitations, IsEmpty());
+}
+
+TEST_F(AppStateTest, startsOnlyWhatMayLook) {
+    computer.calendars.status = CalendarAuthorization::denied;
+    computer.accessibility.isOn = false;
+    auto& app = start();
+    EXPECT_EQ(computer.log.count("startMonitoring: process=on calendar=false participant=false"),
+              1U);
+    EXPECT_EQ(app.stateText(), "All Clear, but not seen: calendars, meetings");
+    computer.preferences.values["autoStartMonitoring"] = false;
+    EXPECT_EQ(start().stateText(), "Monitoring Off");
+}
+
+TEST_F(AppStateTest, recordsABotBeforeItTellsOfIt) {
+    auto& app = start();
+    computer.startOtter();
+    app.processMonitor.scan();
+    EXPECT_THAT(titles(), IsEmpty());
+    computer.loop.runPosted();
+
+    EXPECT_THAT(history(), ElementsAre("Otter.ai/processPath"));
+    const auto& shown = computer.notifications.posted.at(0);
+    EXPECT_EQ(shown.identifier, "bot-detected-otter");
+    EXPECT_EQ(shown.title, "AI Recorder Found");
+    EXPECT_EQ(shown.body, "Otter.ai (Transcription) is running on your Mac");
+    EXPECT_TRUE(shown.hasSound);
+    EXPECT_EQ(*app.alertPanel.alert, (BotAlert{"Otter.ai", "macOS", "Transcription"}));
+    EXPECT_TRUE(app.hasActiveThreats);
+    EXPECT_EQ(app.stateText(), "1 Bot Detected");
+
+    computer.processTable.end(100);
+    computer.loop.advance(30s);
+    const auto& gone = computer.notifications.posted.at(1);
+    EXPECT_EQ(gone.title + ": " + gone.body, "Otter.ai Stopped: Otter.ai is no longer running");
+    EXPECT_EQ(gone.identifier, "bot-gone-otter");
+    EXPECT_FALSE(gone.hasSound);
+    EXPECT_EQ(gone.categoryIdentifier, "");
+    EXPECT_FALSE(app.hasActiveThreats);
+    EXPECT_THAT(history(), testing::SizeIs(1));
+    EXPECT_THAT(computer.notifications.delivered, testing::SizeIs(2)); // nothing is withdrawn
+}
+
+TEST_F(AppStateTest, tellsOfInvitationsParticipantsAndBanners) {
+    computer.inviteOtter("E1", 45min);
+    meet({"Otter.ai Notetaker", "This meeting is being recorded"});
+    auto& app = start();
+    computer.loop.advance(1s);
+
+    EXPECT_THAT(titles(), testing::UnorderedElementsAre("Bot Invited to Upcoming Meeting",
+                                                        "AI Recorder Found in Zoom",
+                                                        "Meeting Being Recorded"));
+    EXPECT_THAT(history(), testing::UnorderedElementsAre("Otter.ai/calendarAttendee",
+                                                         "Otter.ai/participantList",
+                                                         "recording/recordingIndicator"));
+    for (const auto& event : *app.detectionLog.records) {
+        EXPECT_EQ(event.eventStartDate.has_value(), event.source == "calendar");
+        EXPECT_EQ(event.eventTitle == "Meeting on Zoom", event.source != "calendar");
+        EXPECT_EQ(event.confidence == 90 && event.category == "platform",
+                  event.source == "indicator");
+    }
+    EXPECT_EQ(app.totalThreatCount(), 3U);
+    EXPECT_EQ(app.stateText(), "3 Bots Detected");
+    EXPECT_EQ(app.activeMeetingPlatform.get(), "Zoom");
+}
+
+TEST_F(AppStateTest, recordsSilentlyWhereTheUserWantsNoNotifications) {
+    computer.preferences.values["showNotifications"] = false;
+    auto& app = start();
+    computer.startOtter();
+    computer.loop.advance(3s);
+    computer.processTable.end(100);
+    computer.loop.advance(30s);
+    EXPECT_THAT(history(), testing::SizeIs(1));
+    EXPECT_THAT(titles(), IsEmpty());
+    EXPECT_FALSE(app.alertPanel.alert->has_value());
+}
+
+TEST_F(AppStateTest, hidesWhatTheUserAllows) {
+    computer.preferences.values["allowedBotIds"] = std::vector<std::string>{"otter", "Otter.ai"};
+    computer.startOtter();
+    computer.inviteOtter("E1", 1h);
+    meet({"Otter.ai Notetaker", "This meeting is being recorded"});
+    auto& app = start();
+    computer.loop.advance(3s);
+    EXPECT_THAT(history(), testing::UnorderedElementsAre("Otter.ai/calendarAttendee",
+                                                         "recording/recordingIndicator"));
+    EXPECT_EQ(app.totalThreatCount(), 2U);
+
+    app.removeFromAllowList("otter");
+    EXPECT_THAT(*app.detectedBots, testing::SizeIs(1));
+    app.allow("otter-cal");
+    EXPECT_THAT(*app.calendarDetections, IsEmpty());
+    EXPECT_EQ(AllowList::describe("otter"), "Otter.ai, on this computer");
+    EXPECT_EQ(AllowList::describe("otter-cal"), "Otter.ai, in invitations");
+    start();
+    EXPECT_THAT(*state->calendarDetections, IsEmpty());
+    EXPECT_THAT(*state->detectedBots, testing::SizeIs(1));
+}
+
+TEST_F(AppStateTest, showsAtStartWhatIsThereWhateverTheSettingsSay) {
+    computer.preferences.values["showNotifications"] = false;
+    computer.startOtter();
+    computer.inviteOtter("E1", 1h);
+    auto& app = start();
+    computer.loop.advance(2.9s);
+    EXPECT_FALSE(app.alertPanel.alert->has_value());
+    computer.loop.advance(0.2s);
+    EXPECT_EQ(*app.alertPanel.alert, (BotAlert{"Otter.ai", "macOS", "Transcription"}));
+}
+
+TEST_F(AppStateTest, showsEachAlertForEightSecondsOfItsOwn) {
+    auto& app = start();
+    app.alertPanel.show({"A", "Zoom", "Sales"});
+    computer.loop.advance(2s);
+    app.alertPanel.show({"B", "Zoom", "Sales"});
+    computer.loop.advance(7.9s);
+    EXPECT_EQ((*app.alertPanel.alert)->botName, "B");
+    computer.loop.advance(0.2s);
+    EXPECT_FALSE(app.alertPanel.alert->has_value());
+
+    app.alertPanel.show({"C", "Zoom", "Sales"});
+    app.alertPanel.dismiss();
+    computer.loop.advance(3s);
+    app.alertPanel.show({"D", "Zoom", "Sales"});
+    computer.loop.advance(7.9s);
+    EXPECT_TRUE(app.alertPanel.alert->has_value());
+}
+
+TEST_F(AppStateTest, startsAndStopsAMonitorWithItsSwitch) {
+    auto& app = start();
+    app.toggleCalendarMonitor();
+    app.toggleParticipantMonitor();
+    EXPECT_FALSE(app.calendarMonitor.isMonitoring || app.participantMonitor.isMonitoring);
+    EXPECT_EQ(computer.preferences.read<bool>("calendarMonitorEnabled").value, false);
+    start().stopMonitoring();
+    state->toggleCalendarMonitor(); // on again, but monitoring is off as a whole
+    EXPECT_FALSE(state->calendarMonitor.isMonitoring);
+    state->startMonitoring();
+    EXPECT_TRUE(state->calendarMonitor.isMonitoring);
+    EXPECT_FALSE(state->participantMonitor.isMonitoring);
+}
+
+TEST_F(AppStateTest, keepsTheListsWhenItStopsWatching) {
+    computer.startOtter();
+    auto& app = start();
+    app.stopMonitoring();
+    computer.processTable.end(100);
+    computer.loop.advance(60s);
+    EXPECT_THAT(*app.detectedBots, testing::SizeIs(1));
+    EXPECT_EQ(app.stateText(), "Monitoring Off");
+    app.refreshAllScans(); // looks anew, without the grace of what was seen before
+    computer.loop.runPosted();
+    EXPECT_THAT(*app.detectedBots, IsEmpty());
+}
+
+TEST_F(AppStateTest, staysCalmAfterEightHoursAsleep) {
+    computer.startOtter();
+    computer.inviteOtter("E1", 10h);
+    meet({"Otter.ai Notetaker"});
+    auto& app = start();
+    computer.loop.advance(60s);
+    const auto before = titles().size();
+    computer.loop.suspend(8h);
+    computer.loop.advance(600s);
+    EXPECT_THAT(titles(), testing::SizeIs(before));
+    EXPECT_EQ(app.totalThreatCount(), 3U);
+    computer.processTable.end(100);
+    computer.loop.advance(60s);
+    EXPECT_THAT(titles(), testing::SizeIs(before + 1));
+}
+
+TEST_F(AppStateTest, keepsUpWithMoreDetectionsThanItRemembers) {
+    auto& app = start();
+    for (int index = 0; index < 1'500; ++index)
+        app.processMonitor.onBotDetected({.id = fmt::format("otter-{}", index),
+                                          .signatureId = "otter",
+                                          .name = fmt::format("Otter {}", index),
+                                          .detectedAt = computer.loop.now()});
+    computer.loop.runPosted();
+    EXPECT_THAT(*app.detectionLog.records, testing::SizeIs(500));
+    EXPECT_EQ(app.detectionLog.records->front().botName, "Otter 1000");
+    EXPECT_EQ((*app.alertPanel.alert)->botName, "Otter 1499");
+    EXPECT_THAT(computer.notifications.delivered, testing::SizeIs(1));
+    start();
+    EXPECT_THAT(*state->detectionLog.records, testing::SizeIs(500));
+    EXPECT_EQ(state->detectionLog.records->back().botName, "Otter 1499");
+}
+
+/// Preferences on a disk that is slow, or full: nothing gets safe before the test says so.
+class SlowPreferences final : public Preferences {
+public:
+    explicit SlowPreferences(Preferences& inner_) : inner(inner_) {}
+    std::vector<Task> waiting;
+    std::vector<std::string> keys; ///< in the order in which they were set
+
+    [[nodiscard]] std::optional<PreferenceValue> value(std::string_view key) const override {
+        return inner.value(key);
+    }
+    void set(std::string_view key, PreferenceValue value, Task onDurable) override {
+        keys.emplace_back(key);
+        inner.set(key, std::move(value));
+        if (onDurable)
+            waiting.push_back(std::move(onDurable));
+    }
+    void remove(std::string_view key, Task) override { inner.remove(key); }
+
+private:
+    Preferences& inner;
+};
+
+TEST_F(AppStateTest, tellsOfABotOnceItsRecordIsSafeOrTheDiskTakesTooLong) {
+    SlowPreferences disk(computer.preferences);
+    AppServices services{computer.platform,      disk,
+                         computer.notifications, computer.speech,
+                         computer.audioDevices,  computer.clipboard,
+                         computer.loginItem,     computer.systemSettings};
+    computer.inviteOtter("E1", 1h);
+    AppState app(services);
+    computer.loop.runPosted();
+    EXPECT_THAT(titles(), IsEmpty());
+    ASSERT_THAT(disk.waiting, testing::SizeIs(1));
+    disk.waiting.front()();
+    EXPECT_THAT(titles(), testing::SizeIs(1));
+    // A crash in between loses the memory of having announced it, not the announcement.
+    const auto position = [&](std::string_view key) {
+        return std::find(disk.keys.rbegin(), disk.keys.rend(), key);
+    };
+    EXPECT_LT(position("calendarAlertedDetections"), position("detectionLog"));
+
+    computer.startOtter();
+    computer.loop.advance(4s);
+    EXPECT_THAT(titles(), testing::SizeIs(1));
+    computer.loop.advance(2s);
+    EXPECT_THAT(titles(), testing::SizeIs(2));
+}
+
+} // namespace
+} // namespace quorva

@@ -1,0 +1,173 @@
+// Permissions, what is missing, and the windows that ask.
+#include "core/AppDelegate.h"
+#include "core/AppStateTest.h"
+#include "core/CalendarConsentDialog.h"
+#include "core/Updates.h"
+
+namespace quorva {
+namespace {
+
+using PermissionsTest = AppStateTest;
+
+TEST_F(PermissionsTest, noticesAccessibilityBeingSwitchedOnElsewhere) {
+    computer.accessibility.isOn = false;
+    auto& app = start();
+    EXPECT_TRUE(app.permissions.isRechecking() && !app.isParticipantMonitoring);
+    computer.accessibility.isOn = true; // and the bus says nothing
+    computer.loop.advance(5s);
+    EXPECT_TRUE(app.permissions.hasAccessibilityPermission && app.isParticipantMonitoring);
+    EXPECT_FALSE(app.permissions.isRechecking());
+    EXPECT_EQ(computer.log.count("Accessibility permission observed granted"), 1U);
+
+    computer.accessibility.isOn = false;
+    computer.accessibility.trustChanges.call();
+    computer.loop.runPosted();
+    EXPECT_EQ(app.stateText(), "All Clear, but not seen: meetings");
+    EXPECT_TRUE(app.permissions.isRechecking());
+}
+
+TEST_F(PermissionsTest, switchesAccessibilityOnAtTheUsersWish) {
+    computer.accessibility.isOn = false;
+    auto& app = start();
+    computer.accessibility.grantsTrust = false;
+    app.permissions.requestAccessibilityPermission();
+    EXPECT_FALSE(app.permissions.hasAccessibilityPermission);
+    computer.accessibility.grantsTrust = true;
+    app.permissions.requestAccessibilityPermission();
+    computer.loop.runPosted();
+    EXPECT_TRUE(app.isParticipantMonitoring);
+}
+
+TEST_F(PermissionsTest, asksForTheCalendarsAndClosesTheWindowAfterAGrant) {
+    computer.calendars.status = CalendarAuthorization::notDetermined;
+    computer.calendars.answer.granted = false;
+    auto& app = start();
+    app.showCalendarPermissionWindow();
+    computer.loop.advance(5s);
+    EXPECT_TRUE(app.calendarWindow) << "it leads to the settings after a refusal";
+
+    computer.calendars.answer.granted = true;
+    computer.calendars.accounts = {{"Work", CalendarSourceType::calDAV}};
+    app.showCalendarPermissionWindow();
+    computer.calendars.status = CalendarAuthorization::fullAccess;
+    computer.loop.advance(0.6s);
+    EXPECT_TRUE(app.permissions.hasCalendarAccess && app.isCalendarMonitoring);
+    EXPECT_TRUE(app.calendarWindow);
+    computer.loop.advance(0.8s);
+    EXPECT_FALSE(app.calendarWindow);
+
+    EXPECT_TRUE(app.permissions.needsCalendarAccountSetup);
+    computer.calendars.accounts.push_back({"ann@gmail.com", CalendarSourceType::calDAV});
+    computer.calendars.changes.call();
+    EXPECT_FALSE(app.permissions.needsCalendarAccountSetup);
+    EXPECT_THAT(*app.permissions.calendarAccountNames, ElementsAre("Work", "ann@gmail.com"));
+}
+
+TEST_F(PermissionsTest, looksAtTheSoundDevicesOnce) {
+    computer.audioDevices.devices = std::vector<AudioDevice>{
+        {1, std::nullopt}, {2, "Speakers"}, {7, "BLACKHOLE 2ch"}, {8, "BlackHole 16ch", true}};
+    auto& app = start();
+    EXPECT_TRUE(app.permissions.isBlackHoleInstalled && app.permissions.hasMicrophonePermission);
+    computer.audioDevices.devices = std::nullopt;
+    EXPECT_FALSE(start().permissions.isBlackHoleInstalled);
+    BlackHoleDetector none(computer.audioDevices);
+    EXPECT_FALSE(none.blackHoleDeviceID->has_value());
+    computer.audioDevices.devices = std::vector<AudioDevice>{{3, "My BlackHole"}, {4, "blackhole"}};
+    EXPECT_EQ(*BlackHoleDetector(computer.audioDevices).blackHoleDeviceID, 3U);
+}
+
+TEST_F(PermissionsTest, saysWhatIsMissingAndWhatThatCosts) {
+    computer.notifications.state = {NotificationService::State::absent, false};
+    computer.speech.fault = "no speech service is installed";
+    computer.processTable.canBeListed = false;
+    computer.calendars.unread = {{"Work", "it does not answer"}};
+    auto& app = start();
+    app.hasTray = false;
+    computer.loop.runPosted();
+    std::vector<LimitedPart> parts;
+    for (const auto& limitation : *app.limitations)
+        parts.push_back(limitation.part);
+    EXPECT_THAT(parts,
+                ElementsAre(LimitedPart::processes, LimitedPart::calendars,
+                            LimitedPart::notifications, LimitedPart::speech, LimitedPart::tray));
+    EXPECT_EQ(computer.log.count("Objections are not spoken: no speech service is installed."), 1U);
+    EXPECT_EQ(app.stateText(), "All Clear, but not seen: this computer, calendars");
+
+    computer.speech.fault.reset();
+    computer.speech.faultChanges.call();
+    computer.notifications.become({NotificationService::State::present, false});
+    computer.loop.runPosted();
+    EXPECT_EQ(computer.log.count("No longer so: Objections are not spoken"), 1U);
+    EXPECT_EQ(app.limitations->at(2).text,
+              "The notification server shows no buttons: object from Quorva's menu.");
+    app.settings.showNotifications = false;
+    app.toggleCalendarMonitor(); // what is switched off is not missing
+    app.stopMonitoring();
+    computer.loop.runPosted();
+    EXPECT_THAT(*app.limitations, testing::SizeIs(1));
+}
+
+TEST_F(PermissionsTest, leadsTheFirstRunToMonitoring) {
+    computer.preferences.values["autoStartMonitoring"] = false;
+    auto& app = start();
+    AppDelegate delegate(app, computer.loop);
+    delegate.didFinishLaunching();
+    computer.loop.advance(0.4s);
+    EXPECT_FALSE(delegate.onboardingWindow);
+    computer.loop.advance(0.2s);
+    EXPECT_TRUE(delegate.onboardingWindow);
+    app.completeOnboarding();
+    EXPECT_TRUE(app.isMonitoring);
+
+    AppDelegate next(start(), computer.loop);
+    next.didFinishLaunching();
+    computer.loop.advance(1s);
+    EXPECT_FALSE(next.onboardingWindow);
+}
+
+TEST(CalendarConsentDialogTest, keepsTheAnswerAndAsksAgainAfterARefusal) {
+    VirtualMainLoop loop;
+    MemoryPreferences preferences(loop);
+    CalendarConsentDialog dialog(preferences);
+    EXPECT_EQ(dialog.status(), CalendarAuthorization::notDetermined);
+    std::vector<bool> answers;
+    const auto ask = [&] {
+        dialog.request(
+            [&](const CalendarStore::AccessAnswer& answer) { answers.push_back(answer.granted); });
+    };
+    ask();
+    ask();
+    EXPECT_TRUE(dialog.isAsking);
+    dialog.answer(false);
+    EXPECT_EQ(CalendarConsentDialog(preferences).status(), CalendarAuthorization::denied);
+    ask();
+    dialog.answer(true);
+    dialog.answer(false); // nobody asks any more
+    ask();
+    EXPECT_THAT(answers, ElementsAre(false, false, true, true));
+    EXPECT_EQ(CalendarConsentDialog(preferences).status(), CalendarAuthorization::fullAccess);
+    preferences.values["calendarAuthorization"] = std::int64_t{17};
+    EXPECT_EQ(dialog.status(), CalendarAuthorization::notDetermined);
+}
+
+TEST(UpdatesTest, asksOnceADayWhereThatIsSwitchedOn) {
+    VirtualMainLoop loop;
+    MemoryPreferences preferences(loop);
+    FakeUpdateService service;
+    service.answer = {UpdateAnswer::Kind::available, "2.0", {}};
+    {
+        Updates updates(loop, preferences, service);
+        loop.advance(48h);
+        EXPECT_EQ(service.checks, 0);
+        updates.setChecksAutomatically(true);
+        loop.advance(25h);
+        EXPECT_EQ(service.checks, 2);
+        EXPECT_EQ((*updates.answer)->version, "2.0");
+    }
+    Updates again(loop, preferences, service);
+    loop.runPosted();
+    EXPECT_EQ(service.checks, 3);
+}
+
+} // namespace
+} // namespace quorva

@@ -1,0 +1,106 @@
+// The rest of a desktop in memory: clipboard, speech, sound devices, login item, settings, updates.
+#pragma once
+
+#include "platform/AudioDevices.h"
+#include "platform/Clipboard.h"
+#include "platform/LoginItem.h"
+#include "platform/SpeechSynthesizer.h"
+#include "platform/SystemSettings.h"
+#include "platform/UpdateService.h"
+
+#include <utility>
+
+namespace quorva {
+
+class FakeClipboard final : public Clipboard {
+public:
+    std::string text;
+    void setText(std::string_view next) override { text = next; }
+};
+
+class FakeSpeechSynthesizer final : public SpeechSynthesizer {
+public:
+    std::vector<SpeechUtterance> spoken;
+    std::vector<SpeechVoice> installed{
+        {"Ann", "de-DE", 3}, {"Ben", "en-GB", 1}, {"Cy", "en-US", 1}};
+    std::vector<std::string> voicesUsed;
+    int cutOff = 0;
+    bool speaks = false;
+    std::optional<std::string> fault;
+    CallbackList<> faultChanges;
+
+    [[nodiscard]] bool isSpeaking() const override { return speaks; }
+    void stopSpeaking() override { cutOff += std::exchange(speaks, false) ? 1 : 0; }
+    void speak(SpeechUtterance utterance) override {
+        const auto* const voice = utterance.voice(installed);
+        voicesUsed.push_back(voice ? voice->name : "default for " + utterance.language);
+        spoken.push_back(std::move(utterance));
+        speaks = true;
+    }
+    [[nodiscard]] std::optional<std::string> problem() const override { return fault; }
+    [[nodiscard]] Subscription onProblemChange(Task callback) override {
+        return faultChanges.add(std::move(callback));
+    }
+};
+
+class FakeAudioDevices final : public AudioDevices {
+public:
+    std::optional<std::vector<AudioDevice>> devices = std::vector<AudioDevice>{};
+    [[nodiscard]] Subscription
+    fetchDevices(std::function<void(std::optional<std::vector<AudioDevice>>)> done) override {
+        done(devices);
+        return {};
+    }
+};
+
+class FakeLoginItem final : public LoginItem {
+public:
+    LoginItemStatus state = LoginItemStatus::notRegistered;
+    std::optional<std::string> error;
+    int changes = 0;
+
+    [[nodiscard]] LoginItemStatus status() const override { return state; }
+    std::optional<std::string> registerItem() override { return become(LoginItemStatus::enabled); }
+    std::optional<std::string> unregisterItem() override {
+        return become(LoginItemStatus::notRegistered);
+    }
+
+private:
+    std::optional<std::string> become(LoginItemStatus next) {
+        ++changes;
+        if (!error)
+            state = next;
+        return error;
+    }
+};
+
+class FakeSystemSettings final : public SystemSettings {
+public:
+    std::vector<SettingsPane> opened;
+    std::vector<std::string> addresses;
+    bool hasPanes = true;
+
+    bool open(SettingsPane pane) override {
+        opened.push_back(pane);
+        return hasPanes;
+    }
+    bool openAddress(const std::string& address) override {
+        addresses.push_back(address);
+        return hasPanes;
+    }
+};
+
+class FakeUpdateService final : public UpdateService {
+public:
+    UpdateAnswer answer;
+    int checks = 0;
+
+    [[nodiscard]] Subscription
+    checkForUpdates(std::function<void(const UpdateAnswer&)> done) override {
+        ++checks;
+        done(answer);
+        return {};
+    }
+};
+
+} // namespace quorva
