@@ -23,24 +23,33 @@ struct BusCall {
     GCancellable* cancellable = nullptr;
 };
 
+/// Gets the parameters of the reply, or why there is none; both live as long as the call.
+using BusOutcome = std::function<void(GVariant* reply, const GError* failure)>;
+
 /// Gets the parameters of the reply, null for any failure; these live as long as the call.
 using BusReply = std::function<void(GVariant* reply)>;
 
 /// Sends the call, and calls `done` once in the thread-default main context, never within this
 /// call.
-inline void callBus(GDBusConnection* bus, const BusCall& call, BusReply done) {
+inline void callBusForOutcome(GDBusConnection* bus, const BusCall& call, BusOutcome done) {
     g_dbus_connection_call(
         bus, call.destination, call.path, call.interface, call.method, call.parameters, nullptr,
         call.flags, call.timeout, call.cancellable,
         [](GObject* source, GAsyncResult* result, gpointer owned) {
-            const std::unique_ptr<BusReply> reply(static_cast<BusReply*>(owned));
+            const std::unique_ptr<BusOutcome> outcome(static_cast<BusOutcome*>(owned));
             GError* error = nullptr;
             const GVariantPtr value(
                 g_dbus_connection_call_finish(G_DBUS_CONNECTION(source), result, &error));
             const GErrorPtr failure(error);
-            (*reply)(value.get());
+            (*outcome)(value.get(), failure.get());
         },
-        new BusReply(std::move(done)));
+        new BusOutcome(std::move(done)));
+}
+
+/// The same for those to whom all failures are one.
+inline void callBus(GDBusConnection* bus, const BusCall& call, BusReply done) {
+    callBusForOutcome(bus, call,
+                      [done = std::move(done)](GVariant* reply, const GError*) { done(reply); });
 }
 
 /// Opens a connection to a message bus, and calls `done` once with it, null for any failure, in the
