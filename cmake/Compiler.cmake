@@ -23,6 +23,9 @@ if(QUORVA_FUZZ)
     target_link_options(quorva_compiler INTERFACE -fsanitize=address,undefined)
 endif()
 
+# A program loads the libraries it uses, not all that the layers beneath it know.
+target_link_options(quorva_compiler INTERFACE "LINKER:--as-needed")
+
 set(hardened "$<CONFIG:Release>")
 target_compile_definitions(quorva_compiler INTERFACE
     "$<${hardened}:_FORTIFY_SOURCE=2>" "$<${hardened}:_GLIBCXX_ASSERTIONS>")

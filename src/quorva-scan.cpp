@@ -1,6 +1,6 @@
 // quorva-scan: looks for note-takers and recorders from the command line, for scripts, servers and
 // support. Puts the Linux services together and hands them to the scan.
-#include "core/QuorvaLog.h"
+#include "ProgramLog.h"
 #include "platform/linux/AtspiAccessibilityTree.h"
 #include "platform/linux/DesktopEntries.h"
 #include "platform/linux/GLibMainLoop.h"
@@ -23,7 +23,6 @@
 #include <cstdio>
 #include <exception>
 #include <optional>
-#include <unistd.h>
 
 namespace {
 
@@ -90,14 +89,6 @@ struct LinuxServices {
                       calendars, accessibility, openSslSha256};
 };
 
-void startLogFile(LinuxServices& services) {
-    const std::filesystem::path state = g_get_user_state_dir();
-    services.log.bootstrap(std::make_shared<FileLogMirror>(
-        services.files, services.loop, state / "Logs" / "Quorva",
-        BuildInfo{QUORVA_VERSION, QUORVA_BUILD, ::getpid()},
-        [](std::string_view message) { fmt::print(stderr, "{}\n", message); }));
-}
-
 int lookOnce(const ScanOptions& options, LinuxServices& services) {
     Scan scan(options, services.platform);
     ScanReport report;
@@ -119,7 +110,7 @@ int watch(const ScanOptions& options, LinuxServices& services) {
     const auto quit = [&] { services.loop.quit(); };
     const auto onInterrupt = GLibMainLoop::onSignal(SIGINT, quit);
     const auto onTerminate = GLibMainLoop::onSignal(SIGTERM, quit);
-    startLogFile(services);
+    startLogFile(services.log, services.files, services.loop);
     std::optional<SystemdUnitSignals> units;
     if (auto bus = sessionBus()) {
         g_dbus_connection_set_exit_on_close(bus.get(), FALSE);

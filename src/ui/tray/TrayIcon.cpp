@@ -1,0 +1,89 @@
+#include "ui/tray/TrayIcon.h"
+
+#include "ui/tray/MenuBarIcon.h"
+
+#include <utility>
+
+namespace quorva {
+
+TrayIcon::TrayIcon(AppState& state_, MainLoop& loop_, PanelWatch& panels_, TrayCommands commands,
+                   std::function<void(std::optional<QRect>)> onActivate_)
+    : state(state_),
+      loop(loop_),
+      panels(panels_),
+      menu(state_, std::move(commands)),
+      onActivate(std::move(onActivate_)) {
+    follow();
+    subscriptions.push_back(panels.onChange(lifetime.guard([this] { followPanels(); })));
+    followPanels();
+}
+
+std::optional<QRect> TrayIcon::geometry() const {
+    const auto place = icon ? icon->geometry() : QRect();
+    return place.isEmpty() ? std::nullopt : std::optional(place);
+}
+
+void TrayIcon::follow() {
+    const auto follow = [this](auto& field) {
+        subscriptions.push_back(
+            field.observe(lifetime.guard([this](const auto&) { scheduleUpdate(); })));
+    };
+    follow(state.isMonitoring);
+    follow(state.detectedBots);
+    follow(state.calendarDetections);
+    follow(state.participantBotDetections);
+    follow(state.recordingIndicators);
+    follow(state.limitations);
+}
+
+/// Panels come up after the program, and restart: it takes some patience before there is none.
+void TrayIcon::followPanels() {
+    constexpr Seconds longestWait{10.0};
+    patience.reset();
+    if (panels.hasPanel()) {
+        show();
+        state.hasTray = true;
+    } else {
+        patience = loop.after(longestWait, lifetime.guard([this] { state.hasTray = false; }));
+    }
+}
+
+/// Which of its two ways Qt takes is settled by the first icon, for good: hence not before a panel
+/// is there. It finds its way to a restarted panel by itself.
+void TrayIcon::show() {
+    if (icon)
+        return;
+    icon = std::make_unique<QSystemTrayIcon>();
+    QObject::connect(icon.get(), &QSystemTrayIcon::activated, icon.get(),
+                     [this](QSystemTrayIcon::ActivationReason reason) {
+                         if (reason == QSystemTrayIcon::Trigger)
+                             onActivate(geometry());
+                     });
+    icon->setContextMenu(&menu.menu());
+    update();
+    icon->show();
+}
+
+/// Fields tell of a change before it is made, and several often change together.
+void TrayIcon::scheduleUpdate() {
+    if (std::exchange(isUpdateDue, true))
+        return;
+    loop.post(lifetime.guard([this] {
+        isUpdateDue = false;
+        update();
+    }));
+}
+
+/// Says only what has changed: each saying goes to the panel.
+void TrayIcon::update() {
+    menu.update();
+    if (!icon)
+        return;
+    if (std::exchange(shownThreats, state.hasActiveThreats.get()) != state.hasActiveThreats.get())
+        icon->setIcon(menuBarIcon(state.hasActiveThreats));
+    const auto toolTip = QStringLiteral("Quorva: ") + QString::fromStdString(state.stateText());
+    if (std::exchange(shownToolTip, toolTip) != toolTip)
+        icon->setToolTip(toolTip);
+}
+
+} // namespace quorva
