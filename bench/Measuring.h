@@ -90,6 +90,7 @@ void registerCalendarBenchmarks(Summary& summary);
 void registerMatchingBenchmarks(Summary& summary);
 void registerMeetingBenchmarks(Summary& summary);
 void registerParticipantBenchmarks(Summary& summary);
+void registerCoreBenchmarks(Summary& summary);
 /// Only within tests/support/private-session.sh, for they write to the session's calendars.
 void registerEdsBenchmarks(Summary& summary);
 

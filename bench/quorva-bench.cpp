@@ -15,6 +15,7 @@ int main(int count, char* texts[]) {
     quorva::bench::registerMatchingBenchmarks(summary);
     quorva::bench::registerMeetingBenchmarks(summary);
     quorva::bench::registerParticipantBenchmarks(summary);
+    registerCoreBenchmarks(summary);
     quorva::bench::registerEdsBenchmarks(summary);
     benchmark::RunSpecifiedBenchmarks();
     benchmark::Shutdown();
