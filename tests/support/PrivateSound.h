@@ -38,7 +38,8 @@ private:
     GObjectPtr<GSubprocess> process;
 };
 
-/// PulseAudio with a null sink "ear", described as "Test-Ear", and its monitor.
+/// PulseAudio with a null sink "ear", described as "Test-Ear", its monitor, and a microphone that
+/// hears nothing.
 class PrivateSound {
 public:
     [[nodiscard]] static std::filesystem::path socket() {
@@ -57,6 +58,8 @@ private:
                            "--exit-idle-time=-1",
                            "--load=module-null-sink sink_name=ear "
                            "sink_properties=device.description=Test-Ear",
+                           "--load=module-null-source source_name=mouth "
+                           "description=Test-Microphone",
                            "--load=module-native-protocol-unix"};
 };
 
