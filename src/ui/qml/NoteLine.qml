@@ -8,6 +8,7 @@ RowLayout {
     required property string symbol
     required property string text
     property color color: Theme.secondaryText
+    property color inkOfText: color
     property real textSize: Theme.size(11)
     property bool isCentred: false
 
@@ -26,7 +27,7 @@ RowLayout {
         Layout.fillWidth: !note.isCentred
         Layout.maximumWidth: note.width - note.textSize - Theme.size(10)
         text: note.text
-        color: note.color
+        color: note.inkOfText
         font.pixelSize: note.textSize
     }
     Item { Layout.fillWidth: note.isCentred }
