@@ -1,0 +1,207 @@
+// quorva: the application. Puts the Linux services, the core and the user interface together, comes
+// up as the session's only instance, and goes down in order.
+#include "ProgramLog.h"
+#include "core/AppDelegate.h"
+#include "core/AppState.h"
+#include "core/CalendarConsentDialog.h"
+#include "core/Updates.h"
+#include "platform/linux/ApplicationInstance.h"
+#include "platform/linux/AtspiAccessibilityTree.h"
+#include "platform/linux/AutostartLoginItem.h"
+#include "platform/linux/DBusNotificationCenter.h"
+#include "platform/linux/DesktopEntries.h"
+#include "platform/linux/DesktopSettings.h"
+#include "platform/linux/GLibMainLoop.h"
+#include "platform/linux/JournalLog.h"
+#include "platform/linux/JsonPreferences.h"
+#include "platform/linux/LinuxApplications.h"
+#include "platform/linux/LinuxCalendarStore.h"
+#include "platform/linux/LinuxFileSystem.h"
+#include "platform/linux/LinuxPanelWatch.h"
+#include "platform/linux/LinuxProcessTable.h"
+#include "platform/linux/LinuxWholeFile.h"
+#include "platform/linux/OpenSslSha256.h"
+#include "platform/linux/PackageKitUpdates.h"
+#include "platform/linux/PulseAudioDevices.h"
+#include "platform/linux/SpeechDispatcher.h"
+#include "platform/linux/SystemdUnitSignals.h"
+#include "ui/UserInterface.h"
+#include "ui/tray/QtClipboard.h"
+#include "ui/tray/TrayIcon.h"
+
+#include <QAbstractEventDispatcher>
+#include <QApplication>
+#include <QSessionManager>
+#include <csignal>
+#include <cstdlib>
+
+namespace {
+
+using namespace quorva;
+
+constexpr int cannotStart = 1;
+constexpr auto applicationId = "com.veltran.QuorvaApp";
+
+using Bus = GObjectPtr<GDBusConnection>;
+
+Bus share(const Bus& bus) {
+    return Bus(G_DBUS_CONNECTION(g_object_ref(bus.get())));
+}
+
+int refuse(const std::string& reason) {
+    fmt::print(stderr, "quorva: {}\n", reason);
+    return cannotStart;
+}
+
+/// The usual place, and the folders that the preferences name.
+IcsPlaces calendarPlaces(const Preferences& preferences) {
+    IcsPlaces places{.root = std::filesystem::path(g_get_user_data_dir()) / "calendars"};
+    if (const auto named = preferences.read<std::vector<std::string>>("calendarFolders").value)
+        places.folders.assign(named->begin(), named->end());
+    return places;
+}
+
+CalendarConsent consentOf(CalendarConsentDialog& dialog) {
+    return {.status = [&dialog] { return dialog.status(); },
+            .request =
+                [&dialog](std::function<void(CalendarStore::AccessAnswer)> done) {
+                    dialog.request(std::move(done));
+                }};
+}
+
+/// The log with its file, which is there before anything else has something to say.
+struct Logs {
+    explicit Logs(const MainLoop& loop) : log(loop, journal) { startLogFile(log, files, loop); }
+
+    JournalLog journal;
+    LinuxFileSystem files;
+    QuorvaLog log;
+};
+
+/// The services of this computer.
+struct LinuxServices {
+    explicit LinuxServices(const Bus& bus)
+        : notifications(loop, logs.log, share(bus)),
+          units(
+              share(bus), [this] { applications.noteLaunch(); },
+              [this] { applications.noteQuit(); }),
+          panels(loop, share(bus)) {}
+
+    GLibMainLoop loop;
+    Logs logs{loop};
+    LinuxWholeFile preferencesFile{std::filesystem::path(g_get_user_config_dir()) / "quorva" /
+                                   "preferences.json"};
+    JsonPreferences preferences{loop, logs.log, preferencesFile};
+    CalendarConsentDialog consent{preferences};
+    LinuxProcessTable processTable{loop, logs.log};
+    DesktopEntries entries{loop, logs.log, DesktopEntries::standardPlaces()};
+    LinuxApplications applications{loop, processTable, entries, ApplicationScopes()};
+    LinuxCalendarStore calendars{loop, logs.log, calendarPlaces(preferences), consentOf(consent)};
+    AtspiAccessibilityTree accessibility;
+    Platform platform{loop,      logs.log,      processTable, applications,
+                      calendars, accessibility, openSslSha256};
+    DBusNotificationCenter notifications;
+    SpeechDispatcher speech{loop};
+    PulseAudioDevices audioDevices{loop};
+    QtClipboard clipboard;
+    AutostartLoginItem loginItem;
+    DesktopSettings systemSettings;
+    PackageKitUpdates updateService{loop};
+    SystemdUnitSignals units;
+    LinuxPanelWatch panels;
+    AppServices services{platform,     preferences, notifications, speech,
+                         audioDevices, clipboard,   loginItem,     systemSettings};
+};
+
+/// The running application.
+class Application {
+public:
+    explicit Application(const Bus& bus) : linux(bus) {
+        userInterface.quit = [] { QApplication::quit(); };
+        QObject::connect(qApp, &QGuiApplication::commitDataRequest, qApp,
+                         [this](QSessionManager& session) {
+                             session.setRestartHint(QSessionManager::RestartNever);
+                             delegate.willTerminate();
+                         });
+        delegate.didFinishLaunching();
+    }
+
+    void activate() { userInterface.openPopover(tray.geometry()); }
+
+    int run() {
+        const int status = QApplication::exec();
+        delegate.willTerminate();
+        return status;
+    }
+
+private:
+    LinuxServices linux;
+    AppState state{linux.services};
+    AppDelegate delegate{state, linux.loop};
+    Updates updates{linux.loop, linux.preferences, linux.updateService};
+    UserInterface userInterface{state, delegate, linux.consent, updates, linux.loop};
+    TrayIcon tray{state,
+                  linux.loop,
+                  linux.panels,
+                  {.openPopover = [this] { activate(); },
+                   .openHistory = [this] { userInterface.openHistory(); },
+                   .openSettings = [this] { userInterface.openSettings(); },
+                   .quit = [] { QApplication::quit(); }},
+                  [this](std::optional<QRect> place) { userInterface.togglePopover(place); }};
+};
+
+int run(char* programName) {
+    std::unique_ptr<Application> application;
+    std::string reason;
+    auto bus = ApplicationInstance::openSessionBus(reason);
+    auto claim = ApplicationInstance::claim(bus ? share(bus) : nullptr,
+                                            {.onActivate =
+                                                 [&](const Activation&) {
+                                                     if (application)
+                                                         application->activate();
+                                                 },
+                                             .onLost = [] { QApplication::quit(); }});
+    using Kind = ApplicationInstance::Claim::Kind;
+    if (claim.kind == Kind::noBus)
+        return refuse("There is no D-Bus session here, which everything on the desktop is reached "
+                      "through: start Quorva from within a desktop session. (" +
+                      (bus ? claim.reason : reason) + ")");
+    if (claim.kind == Kind::second) {
+        fmt::print("Quorva is running already{}.\n",
+                   claim.hasAnswered ? " and shows itself" : ", but does not answer just now");
+        return EXIT_SUCCESS;
+    }
+    if (!LinuxPanelWatch::hasDisplay())
+        return refuse("There is no display to show anything on: start Quorva from within a "
+                      "desktop session.");
+
+    // No options are taken, Qt's own included; and Qt must share GLib's loop.
+    qunsetenv("QT_NO_GLIB");
+    int count = 1;
+    char* arguments[] = {programName, nullptr};
+    QApplication qt(count, arguments);
+    QApplication::setApplicationName("quorva");
+    QApplication::setApplicationDisplayName("Quorva");
+    QApplication::setApplicationVersion(QUORVA_VERSION);
+    QApplication::setDesktopFileName(applicationId);
+    QApplication::setQuitOnLastWindowClosed(false);
+
+    const auto quit = [] { QApplication::quit(); };
+    const auto onInterrupt = GLibMainLoop::onSignal(SIGINT, quit);
+    const auto onTerminate = GLibMainLoop::onSignal(SIGTERM, quit);
+    const auto onHangUp = GLibMainLoop::onSignal(SIGHUP, quit);
+    application = std::make_unique<Application>(bus);
+    const int status = application->run();
+    application.reset();
+    return status;
+}
+
+} // namespace
+
+int main(int, char* texts[]) {
+    try {
+        return run(texts[0]);
+    } catch (const std::exception& failure) {
+        return refuse(failure.what());
+    }
+}

@@ -1,0 +1,69 @@
+// What the views say that depends on what there is to be said: pure functions, without a window.
+#pragma once
+
+#include "catalogue/Records.h"
+#include "core/Limitations.h"
+#include "platform/UpdateService.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace quorva {
+
+/// "Monitoring Off", "All Clear", "1 Bot Detected", "3 Bots Detected".
+[[nodiscard]] std::string statusPillText(bool isMonitoring, std::size_t count);
+/// The same for screen readers.
+[[nodiscard]] std::string statusPillLabel(std::size_t count);
+
+/// How long ago `then` was, in one unit: "now", "12 sec. ago", "2 min. ago", "3 hr. ago", "1 day
+/// ago". A time in the future is "now".
+[[nodiscard]] std::string relativeTime(Time then, Time now);
+
+/// What a banner of this kind is called.
+[[nodiscard]] std::string_view indicatorLabel(IndicatorType type);
+
+/// What a row's match was, for the pointer that rests on it and for screen readers.
+[[nodiscard]] std::string matchText(const DetectedBot& bot);
+[[nodiscard]] std::string matchText(const CalendarBotDetection& detection);
+[[nodiscard]] std::string matchText(const ParticipantBotDetection& detection);
+[[nodiscard]] std::string matchText(const RecordingIndicatorDetection& indicator);
+
+/// How a source's chip looks.
+enum class ChipLook { off, on, limited };
+
+/// A chip is limited when its source is wanted but could not be looked at, or not wholly.
+[[nodiscard]] ChipLook chipLook(bool isOn, LimitedPart part,
+                                const std::vector<Limitation>& limitations);
+
+/// Why the part is limited; empty when it is not.
+[[nodiscard]] std::string limitationText(LimitedPart part,
+                                         const std::vector<Limitation>& limitations);
+
+/// What "All Clear" does not cover: one line for each source that could not be looked at, or that
+/// nothing is looked at. Empty when everything was.
+[[nodiscard]] std::string uncoveredText(bool isMonitoring,
+                                        const std::vector<Limitation>& limitations);
+
+/// A calendar account's provider, as far as the account's name tells.
+struct AccountLabel {
+    std::string_view symbol;
+    std::string_view provider; ///< empty: unknown
+
+    bool operator==(const AccountLabel&) const = default;
+};
+[[nodiscard]] AccountLabel accountLabel(std::string_view accountName);
+
+/// Which calendars would still have to be added, or that all kinds are there.
+[[nodiscard]] std::string coverageLine(bool hasGoogle, bool hasExchange, bool hasICloud);
+
+/// What the first scan came to: "1 Bot Found", "3 Bots Found".
+[[nodiscard]] std::string foundText(std::size_t count);
+/// Which sources the first scan found nothing in.
+[[nodiscard]] std::string scannedText(bool hasCalendar, bool hasMeetings);
+
+/// What a check for a newer version has come to; empty before the first one.
+[[nodiscard]] std::string updateText(bool isChecking, const std::optional<UpdateAnswer>& answer);
+
+} // namespace quorva

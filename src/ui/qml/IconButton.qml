@@ -1,0 +1,41 @@
+// A button of a symbol alone; its name is said to screen readers, and to the pointer that rests.
+import QtQuick
+import QtQuick.Controls.Basic
+
+AbstractButton {
+    id: button
+
+    required property string symbol
+    required property string name
+    property string hint
+    property color color: Theme.grey600
+    property real symbolSize: Theme.size(15)
+
+    implicitWidth: Theme.size(28)
+    implicitHeight: Theme.size(28)
+    focusPolicy: Qt.StrongFocus
+    hoverEnabled: true
+    Accessible.role: Accessible.Button
+    Accessible.name: name
+    Accessible.description: hint
+    Keys.onReturnPressed: click()
+    Keys.onEnterPressed: click()
+
+    contentItem: Item {
+        Symbol {
+            anchors.centerIn: parent
+            name: button.symbol
+            color: button.color
+            size: button.symbolSize
+        }
+    }
+    background: Rectangle {
+        radius: Theme.radius - 3
+        color: button.down ? Theme.grey300 : button.hovered ? Theme.grey200 : "transparent"
+        FocusRing { target: button }
+    }
+    Hint {
+        text: button.name
+        isWanted: button.hovered
+    }
+}

@@ -1,0 +1,11 @@
+// Whether something is on, in one line.
+import QtQuick
+
+NoteLine {
+    required property bool isOn
+
+    symbol: isOn ? "checkmark.circle.fill" : "xmark.circle.fill"
+    color: isOn ? Theme.tealText : Theme.grey500
+    inkOfText: Theme.text
+    textSize: Theme.size(12)
+}

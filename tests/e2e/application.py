@@ -1,0 +1,232 @@
+"""The application in a desktop session, and what a user has of it: notifications with their buttons,
+the icon in the panel, the clipboard, the loudspeaker, the files it keeps."""
+
+import array
+import json
+import math
+import os
+import pathlib
+import signal
+import subprocess
+import threading
+
+import dbus
+
+from conftest import DEADLINE, PROGRAMS, wait_until
+from desktop import Session
+
+HERE = pathlib.Path(__file__).parent
+PYTHON = ["/usr/bin/python3", "-B"]
+INSTANCE = "com.veltran.QuorvaApp"
+NOTIFICATIONS = "org.freedesktop.Notifications"
+WATCHER = ("org.kde.StatusNotifierWatcher", "/StatusNotifierWatcher")
+MENU = "com.canonical.dbusmenu"
+SILENCE = 100  # of 32,767
+
+# The menu of a notification's buttons is put to a program, which here picks the one asked for.
+DUNSTRC = """[global]
+    dmenu = {home}/pick
+    notification_limit = 20
+[urgency_low]
+    timeout = 0
+[urgency_normal]
+    timeout = 0
+[urgency_critical]
+    timeout = 0
+"""
+PICK = '#!/bin/sh\ngrep -m1 -F "$(cat "{home}/wanted")"\n'
+CLIPBOARD = """
+import gi
+gi.require_version("Gtk", "3.0")
+from gi.repository import Gdk, Gtk
+print(Gtk.Clipboard.get(Gdk.SELECTION_CLIPBOARD).wait_for_text() or "", end="")
+"""
+
+
+class Desktop(Session):
+    """A session with a display, in which a user is logged in who has seen the first run."""
+
+    def __init__(self, **preferences):
+        super().__init__()
+        self.open_display()
+        self.keep({"hasCompletedOnboarding": True, "calendarAuthorization": 3, **preferences})
+        (self.home / "data/calendars/work").mkdir(parents=True)
+
+    # What the application keeps.
+
+    @property
+    def preferences(self):
+        return self.home / "config/quorva/preferences.json"
+
+    def keep(self, preferences):
+        self.preferences.parent.mkdir(parents=True, exist_ok=True)
+        self.preferences.write_text(json.dumps({"version": 1, "preferences": preferences}))
+
+    def kept(self, key):
+        """A value of the preferences; the entries of a history for its key."""
+        try:
+            value = json.loads(self.preferences.read_text())["preferences"].get(key)
+        except FileNotFoundError:
+            return None
+        if isinstance(value, dict):
+            return json.loads(value["data"])
+        return value
+
+    def history(self):
+        return self.kept("detectionLog") or []
+
+    def objections(self):
+        return self.kept("objectionLog") or []
+
+    def logged(self, text):
+        return self.log.exists() and text in self.log.read_text()
+
+    # Services.
+
+    def start_notifications(self):
+        (self.home / "dunstrc").write_text(DUNSTRC.format(home=self.home))
+        (self.home / "pick").write_text(PICK.format(home=self.home))
+        (self.home / "pick").chmod(0o700)
+        server = self.start(["dunst", "-config", str(self.home / "dunstrc")],
+                            stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        wait_until(lambda: self.bus.name_has_owner(NOTIFICATIONS), "the notification server")
+        return server
+
+    def press(self, button, title):
+        """Presses a button of the notification with this title, by the server's own menu."""
+        wait_until(lambda: self.displayed() > 0, "a notification")
+        (self.home / "wanted").write_text(f"{button} [Quorva")
+        subprocess.run(["dunstctl", "context"], env=self.environment, check=True, timeout=DEADLINE)
+
+    def displayed(self):
+        count = subprocess.run(["dunstctl", "count", "displayed"], env=self.environment,
+                               capture_output=True, text=True, timeout=DEADLINE)
+        return int(count.stdout or 0)
+
+    def start_sound(self):
+        """A sound server whose loudspeaker is a loopback device, and a recorder of what it plays."""
+        self.start(["pulseaudio", "-n", "--daemonize=no", "--exit-idle-time=-1",
+                    "--use-pid-file=no", "--load=module-native-protocol-unix",
+                    "--load=module-null-sink sink_name=bh "
+                    "sink_properties=device.description=BlackHole-2ch"],
+                   stderr=subprocess.DEVNULL)
+        wait_until((self.home / "runtime/pulse/native").exists, "the sound server")
+        self.recording = self.home / "recording"
+        with self.recording.open("wb") as recording:
+            self.start(["parec", "-d", "bh.monitor", "--raw", "--rate=8000", "--channels=1",
+                        "--format=s16le"], stdout=recording, stderr=subprocess.DEVNULL)
+
+    def loudness(self):
+        """The root mean square of the loudest half second so far."""
+        samples = array.array("h")
+        recorded = self.recording.read_bytes()
+        samples.frombytes(recorded[:len(recorded) // 2 * 2])
+        parts = [samples[at:at + 4000] for at in range(0, len(samples), 4000)]
+        return max((math.sqrt(sum(s * s for s in part) / len(part)) for part in parts), default=0)
+
+    def start_panel(self):
+        panel = self.start([*PYTHON, str(HERE / "panel.py")])
+        wait_until(lambda: self.bus.name_has_owner(WATCHER[0]), "the panel")
+        return panel
+
+    def clipboard(self):
+        return subprocess.run([*PYTHON, "-c", CLIPBOARD], env=self.environment, check=True,
+                              capture_output=True, text=True, timeout=DEADLINE).stdout
+
+    # What there is to be found.
+
+    def start_bot(self, name="otter-helper"):
+        return self.run(f"bots/{name}")
+
+    def invite(self, attendee, start):
+        """Invites somebody to an event in a folder of .ics files."""
+        folder = self.home / "data/calendars/work"
+        partial = folder / ".partial"
+        partial.write_text("\r\n".join([
+            "BEGIN:VCALENDAR", "VERSION:2.0", "PRODID:-//test//EN", "BEGIN:VEVENT",
+            f"UID:{attendee}", "SUMMARY:Case review", f"DTSTART:{start:%Y%m%dT%H%M%SZ}",
+            "DURATION:PT1H", f"ATTENDEE:mailto:{attendee}", "END:VEVENT", "END:VCALENDAR", ""]))
+        partial.rename(folder / f"{attendee}.ics")
+
+
+class Notifications:
+    """All notifications that are sent in the session, from now on."""
+
+    def __init__(self, desktop):
+        self.sent = []
+        self.process = desktop.start([*PYTHON, str(HERE / "notify_monitor.py")],
+                                     stdout=subprocess.PIPE, text=True)
+        assert json.loads(self.process.stdout.readline()) == "ready"
+        threading.Thread(target=self._read, daemon=True).start()
+
+    def _read(self):
+        for line in self.process.stdout:
+            self.sent.append(json.loads(line))
+
+    def titled(self, title):
+        return [each for each in self.sent if each["title"] == title]
+
+    def wait_for(self, title):
+        return wait_until(lambda: self.titled(title), f'the notification "{title}"')[-1]
+
+
+class Quorva:
+    """The running application."""
+
+    def __init__(self, desktop, command=()):
+        self.desktop = desktop
+        self.process = desktop.start([*command, str(PROGRAMS / "quorva")])
+        wait_until(lambda: desktop.bus.name_has_owner(INSTANCE), "the application")
+        self.pid = int(desktop.bus.get_object("org.freedesktop.DBus", "/org/freedesktop/DBus")
+                       .GetConnectionUnixProcessID(INSTANCE,
+                                                   dbus_interface="org.freedesktop.DBus"))
+
+    def wait_until_watching(self):
+        wait_until(lambda: self.desktop.logged("startMonitoring: process=on"), "monitoring")
+        return self
+
+    def end(self, by=signal.SIGTERM):
+        os.kill(self.pid, by)
+        return self.process.wait(DEADLINE)
+
+
+class Icon:
+    """The application's icon in the panel, once it is there."""
+
+    def __init__(self, desktop):
+        self.bus = desktop.bus
+        watcher = desktop.bus.get_object(*WATCHER)
+        [self.name] = wait_until(
+            lambda: watcher.Get(WATCHER[0], "RegisteredStatusNotifierItems",
+                                dbus_interface=dbus.PROPERTIES_IFACE), "the icon")
+
+    def _get(self, name):
+        item = self.bus.get_object(self.name, "/StatusNotifierItem", introspect=False)
+        return item.Get("org.kde.StatusNotifierItem", name, dbus_interface=dbus.PROPERTIES_IFACE)
+
+    def tool_tip(self):
+        _, _, title, text = self._get("ToolTip")
+        return title or text
+
+    def pixmap_sizes(self):
+        return sorted(int(width) for width, _, _ in self._get("IconPixmap"))
+
+    def activate(self):
+        item = self.bus.get_object(self.name, "/StatusNotifierItem", introspect=False)
+        item.Activate(0, 0, dbus_interface="org.kde.StatusNotifierItem")
+
+    def menu(self):
+        """The entries: texts, each with its number and whether it can be chosen."""
+        menu = self.bus.get_object(self.name, self._get("Menu"), introspect=False)
+        _, (_, _, children) = menu.GetLayout(0, -1, dbus.Array([], signature="s"),
+                                             dbus_interface=MENU)
+        return {str(properties["label"]).replace("_", "").replace("&&", "&"):
+                (int(number), bool(properties.get("enabled", True)))
+                for number, properties, _ in children if "label" in properties}
+
+    def choose(self, text):
+        number, is_enabled = self.menu()[text]
+        assert is_enabled, text
+        menu = self.bus.get_object(self.name, self._get("Menu"), introspect=False)
+        menu.Event(number, "clicked", dbus.Int32(0, variant_level=1), dbus.UInt32(0),
+                   dbus_interface=MENU)

@@ -1,0 +1,49 @@
+"""A desktop's panel, as far as the icons of programs go: org.kde.StatusNotifierWatcher.
+
+Owns the name and takes whoever registers, until it is ended.
+"""
+
+import dbus
+import dbus.mainloop.glib
+import dbus.service
+from gi.repository import GLib
+
+NAME = "org.kde.StatusNotifierWatcher"
+PATH = "/StatusNotifierWatcher"
+PROPERTIES = {"IsStatusNotifierHostRegistered": True, "ProtocolVersion": dbus.Int32(0)}
+
+
+class Watcher(dbus.service.Object):
+    def __init__(self, bus):
+        super().__init__(bus, PATH)
+        self.items = dbus.Array([], signature="s")
+
+    @dbus.service.method(NAME, in_signature="s", sender_keyword="sender")
+    def RegisterStatusNotifierItem(self, item, sender):
+        self.items.append(sender if item.startswith("/") else item)
+        self.StatusNotifierItemRegistered(item)
+
+    @dbus.service.method(NAME, in_signature="s")
+    def RegisterStatusNotifierHost(self, _host):
+        pass
+
+    @dbus.service.signal(NAME, signature="s")
+    def StatusNotifierItemRegistered(self, item):
+        pass
+
+    def everything(self):
+        return {**PROPERTIES, "RegisteredStatusNotifierItems": self.items}
+
+    @dbus.service.method(dbus.PROPERTIES_IFACE, in_signature="ss", out_signature="v")
+    def Get(self, _interface, name):
+        return self.everything()[name]
+
+    @dbus.service.method(dbus.PROPERTIES_IFACE, in_signature="s", out_signature="a{sv}")
+    def GetAll(self, _interface):
+        return self.everything()
+
+
+bus = dbus.SessionBus(mainloop=dbus.mainloop.glib.DBusGMainLoop())
+watcher = Watcher(bus)
+name = dbus.service.BusName(NAME, bus)
+GLib.MainLoop().run()
