@@ -30,7 +30,7 @@ bool wantsAnimations() {
         return true;
     bool wants = true;
     if (g_settings_schema_has_key(schema, "enable-animations")) {
-        const std::unique_ptr<GSettings, Unref> settings(g_settings_new_full(schema, nullptr, ""));
+        const std::unique_ptr<GSettings, Unref> settings(g_settings_new_full(schema, nullptr, nullptr));
         wants = g_settings_get_boolean(settings.get(), "enable-animations") != FALSE;
     }
     g_settings_schema_unref(schema);

@@ -29,11 +29,12 @@ QQuickWindow* QuickWindows::make(const QString& view, QObject& bridge) {
         return present;
     load();
     QQmlComponent component(engine.get(), QUrl("qrc:/qt/qml/Quorva/" + view + ".qml"));
+    if (component.isError())
+        qWarning("%s", qPrintable(component.errorString()));
     auto* const made =
         component.createWithInitialProperties({{"bridge", QVariant::fromValue(&bridge)}});
     auto* const window = qobject_cast<QQuickWindow*>(made);
     if (!window) {
-        qWarning("%s", qPrintable(component.errorString()));
         delete made;
         return nullptr;
     }

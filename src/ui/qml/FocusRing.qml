@@ -4,7 +4,7 @@ import QtQuick
 Rectangle {
     required property Item target
 
-    anchors.fill: target
+    anchors.fill: parent
     anchors.margins: -2
     visible: target.visualFocus
     color: "transparent"

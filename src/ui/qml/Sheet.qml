@@ -2,6 +2,7 @@
 import QtQuick
 import QtQuick.Controls.Basic
 import QtQuick.Layouts
+import QtQuick.Templates as T
 
 Popup {
     id: sheet
@@ -9,7 +10,7 @@ Popup {
     required property string title
     default property alias contents: body.data
 
-    parent: Overlay.overlay
+    parent: T.Overlay.overlay
     x: Theme.size(10)
     y: Theme.size(10)
     width: parent ? parent.width - 2 * x : 0
@@ -18,7 +19,7 @@ Popup {
     modal: true
     focus: true
     closePolicy: Popup.CloseOnEscape
-    Overlay.modal: Rectangle { color: "#73264653" }
+    T.Overlay.modal: Rectangle { color: "#73264653" }
     onOpened: done.forceActiveFocus(Qt.PopupFocusReason)
     enter: Transition { NumberAnimation { property: "opacity"; from: 0; to: 1; duration: Theme.duration(120) } }
     exit: Transition { NumberAnimation { property: "opacity"; from: 1; to: 0; duration: Theme.duration(80) } }

@@ -1,0 +1,258 @@
+// quorva-screenshots FOLDER: shows every view in its states on made-up data and saves a picture of
+// each, to be looked at by people. QT_SCALE_FACTOR says how large.
+#include "support/Stage.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QThread>
+
+#include <functional>
+#include <iostream>
+#include <vector>
+
+namespace {
+
+using namespace quorva;
+using namespace std::chrono_literals;
+
+struct Scene {
+    const char* name;
+    const char* view;
+    std::function<void(Stage&)> set;
+};
+
+constexpr char popover[] = "MenuBarView";
+constexpr char onboarding[] = "OnboardingView";
+constexpr char settings[] = "SettingsView";
+
+void showEverything(Stage& stage) {
+    stage.permit(true, true);
+    stage.state.limitations = std::vector<Limitation>{};
+    stage.showIndicator(IndicatorType::recording, "Zoom");
+    stage.showParticipant("Otter.ai", BotCategory::transcription);
+    stage.showParticipant("Fireflies.ai", BotCategory::sales, "Google Meet");
+    stage.showInvited("Read.ai", 45min);
+    stage.showProcess("Granola", BotCategory::localRecorder);
+}
+
+void showClear(Stage& stage) {
+    stage.permit(true, true);
+    stage.state.limitations = std::vector<Limitation>{};
+}
+
+void showHistory(Stage& stage) {
+    showClear(stage);
+    for (const char* name : {"Otter.ai", "Fireflies.ai", "Granola", "Zoom AI Companion"})
+        stage.state.detectionLog.add({.botName = name,
+                                      .category = "transcription",
+                                      .confidence = 90,
+                                      .method = "participantList",
+                                      .detectedAt = stage.computer.loop.now(),
+                                      .source = "participant"});
+}
+
+void openTab(Stage& stage, int tab) {
+    stage.ui.openSettings();
+    stage.ui.window(settings)->setProperty("currentTab", tab);
+}
+
+void openOnboarding(Stage& stage) {
+    stage.delegate.showOnboardingWindow();
+    stage.settle();
+}
+
+OnboardingBridge& bridge(Stage& stage) {
+    return *stage.ui.window(onboarding)->property("bridge").value<OnboardingBridge*>();
+}
+
+void onboardingStep(Stage& stage, int steps) {
+    stage.permit(false, false);
+    openOnboarding(stage);
+    for (int step = 0; step < steps; ++step)
+        bridge(stage).next();
+    stage.settle();
+}
+
+void hostile(Stage& stage) {
+    showClear(stage);
+    stage.showParticipant(std::string(300, 'W') + " bot", BotCategory::transcription);
+    stage.showParticipant("روبوت تدوين الملاحظات", BotCategory::unknown, "Microsoft Teams");
+    stage.showParticipant("Note\ntaker\n<b>bold</b> 🤖🎙️", BotCategory::sales);
+    stage.showProcess("Ünïcødé \xE2\x80\xAE reversed", BotCategory::recruiting);
+}
+
+const std::vector<Scene> scenes{
+    {"popover-clear", popover, [](Stage& stage) { showClear(stage); stage.ui.openPopover(); }},
+    {"popover-off", popover,
+     [](Stage& stage) {
+         showClear(stage);
+         stage.state.stopMonitoring();
+         stage.ui.openPopover();
+     }},
+    {"popover-limited", popover,
+     [](Stage& stage) {
+         stage.permit(true, true);
+         stage.state.limitations = std::vector<Limitation>{
+             {LimitedPart::calendars, "Calendars that can't be read: Work (it does not answer). "
+                                      "Bots invited to their meetings are not seen."}};
+         stage.ui.openPopover();
+     }},
+    {"popover-detections", popover,
+     [](Stage& stage) { showEverything(stage); stage.ui.openPopover(); }},
+    {"popover-permissions", popover,
+     [](Stage& stage) { stage.permit(false, false); stage.ui.openPopover(); }},
+    {"popover-accounts", popover,
+     [](Stage& stage) {
+         stage.permit(true, true);
+         stage.state.permissions.needsCalendarAccountSetup = true;
+         stage.computer.systemSettings.hasPanes = false;
+         stage.ui.openPopover();
+         stage.ui.window(popover)->property("bridge").value<PopoverBridge*>()
+             ->openInternetAccounts();
+     }},
+    {"popover-objection-toast", popover,
+     [](Stage& stage) {
+         showEverything(stage);
+         stage.ui.openPopover();
+         stage.state.objectToFirst();
+     }},
+    {"popover-share-toast", popover,
+     [](Stage& stage) {
+         showClear(stage);
+         stage.ui.openPopover();
+         stage.ui.window(popover)->property("bridge").value<PopoverBridge*>()->share();
+     }},
+    {"popover-scanning", popover,
+     [](Stage& stage) {
+         showClear(stage);
+         stage.ui.openPopover();
+         stage.ui.window(popover)->property("bridge").value<PopoverBridge*>()->refresh();
+     }},
+    {"popover-hostile", popover, [](Stage& stage) { hostile(stage); stage.ui.openPopover(); }},
+    {"popover-many", popover,
+     [](Stage& stage) {
+         showEverything(stage);
+         for (int each = 0; each < 200; ++each)
+             stage.showProcess("Recorder " + std::to_string(each), BotCategory::localRecorder);
+         stage.ui.openPopover();
+     }},
+    {"history", popover, [](Stage& stage) { showHistory(stage); stage.ui.openHistory(); }},
+    {"history-empty", popover, [](Stage& stage) { showClear(stage); stage.ui.openHistory(); }},
+    {"alert", "BotAlertBanner",
+     [](Stage& stage) { stage.state.alertPanel.show({"Otter.ai", "Zoom", "Transcription"}); }},
+    {"alert-long", "BotAlertBanner",
+     [](Stage& stage) {
+         stage.state.alertPanel.show(
+             {std::string(300, 'M'), "Microsoft Teams", "Sales Intelligence"});
+     }},
+    {"calendar-window", "CalendarPermissionHelper",
+     [](Stage& stage) { stage.permit(false, true); stage.state.calendarWindow = true; }},
+    {"calendar-window-granted", "CalendarPermissionHelper",
+     [](Stage& stage) { stage.permit(true, true); stage.state.calendarWindow = true; }},
+    {"calendar-consent", "CalendarConsent",
+     [](Stage& stage) { stage.consent.request([](const CalendarStore::AccessAnswer&) {}); }},
+    {"onboarding-1-welcome", onboarding, [](Stage& stage) { onboardingStep(stage, 0); }},
+    {"onboarding-2-pledge", onboarding, [](Stage& stage) { onboardingStep(stage, 1); }},
+    {"onboarding-3-accessibility", onboarding, [](Stage& stage) { onboardingStep(stage, 2); }},
+    {"onboarding-3-accessibility-help", onboarding,
+     [](Stage& stage) {
+         stage.computer.accessibility.isOn = false;
+         stage.computer.accessibility.grantsTrust = false;
+         onboardingStep(stage, 2);
+         bridge(stage).requestAccessibility();
+     }},
+    {"onboarding-3-accessibility-granted", onboarding,
+     [](Stage& stage) {
+         onboardingStep(stage, 2);
+         bridge(stage).model.accessibilityGranted = true;
+     }},
+    {"onboarding-4-calendar", onboarding, [](Stage& stage) { onboardingStep(stage, 3); }},
+    {"onboarding-4-calendar-granted", onboarding,
+     [](Stage& stage) {
+         stage.computer.calendars.accounts = {{"ann@gmail.com", CalendarSourceType::calDAV},
+                                              {"Work (Office 365)", CalendarSourceType::exchange},
+                                              {"Holidays", CalendarSourceType::subscribed}};
+         onboardingStep(stage, 3);
+         bridge(stage).requestCalendarAccess();
+     }},
+    {"onboarding-5-scanning", onboarding, [](Stage& stage) { onboardingStep(stage, 4); }},
+    {"onboarding-5-clear", onboarding,
+     [](Stage& stage) {
+         onboardingStep(stage, 4);
+         stage.computer.loop.advance(2s);
+     }},
+    {"onboarding-5-found", onboarding,
+     [](Stage& stage) {
+         onboardingStep(stage, 4);
+         stage.computer.loop.advance(2s);
+         showEverything(stage);
+     }},
+    {"settings-general", settings,
+     [](Stage& stage) {
+         openTab(stage, 0);
+         stage.updateService.answer = {.kind = UpdateAnswer::Kind::upToDate};
+         stage.updates.checkNow();
+     }},
+    {"settings-detection", settings,
+     [](Stage& stage) {
+         stage.permit(true, false);
+         stage.state.permissions.needsCalendarAccountSetup = true;
+         stage.state.allow("otter");
+         stage.state.allow("Fireflies.ai");
+         openTab(stage, 1);
+     }},
+    {"settings-objection", settings,
+     [](Stage& stage) {
+         stage.showParticipant("Otter.ai", BotCategory::transcription);
+         stage.state.objectToFirst();
+         openTab(stage, 2);
+     }},
+    {"settings-objection-empty", settings, [](Stage& stage) { openTab(stage, 2); }},
+    {"settings-about", settings, [](Stage& stage) { openTab(stage, 3); }},
+};
+
+/// Lets the window paint, and its motions come to rest.
+void wait(Stage& stage, int milliseconds) {
+    QElapsedTimer timer;
+    timer.start();
+    while (timer.elapsed() < milliseconds) {
+        stage.settle();
+        QThread::msleep(5);
+    }
+}
+
+bool save(const Scene& scene, const QDir& folder) {
+    Stage stage;
+    scene.set(stage);
+    stage.settle();
+    auto* const window = stage.ui.window(scene.view);
+    if (!window)
+        return false;
+    wait(stage, 700);
+    const QString ratio = QString::number(window->devicePixelRatio());
+    const QString path = folder.filePath(QString(scene.name) + "@" + ratio + "x.png");
+    return window->grabWindow().save(path);
+}
+
+} // namespace
+
+int main(int argc, char* argv[]) {
+    QApplication application(argc, argv);
+    QApplication::setApplicationVersion("0.1.0");
+    const QStringList arguments = QApplication::arguments();
+    const QString only = arguments.value(2);
+    if (arguments.size() < 2 || !QDir().mkpath(arguments[1])) {
+        std::cerr << "Usage: quorva-screenshots FOLDER [SCENE]\n";
+        return 2;
+    }
+    bool isComplete = true;
+    for (const Scene& scene : scenes) {
+        if (!only.isEmpty() && !QString(scene.name).startsWith(only))
+            continue;
+        const bool isSaved = save(scene, QDir(arguments[1]));
+        std::cout << scene.name << (isSaved ? "" : ": failed") << '\n';
+        isComplete = isComplete && isSaved;
+    }
+    return isComplete ? 0 : 1;
+}
