@@ -5,7 +5,8 @@
 #include <QIcon>
 #include <QQmlComponent>
 #include <QQmlContext>
-
+#include <QQuickWindow>
+#include <QSGRendererInterface>
 #include <algorithm>
 #include <malloc.h>
 
@@ -29,8 +30,10 @@ QQuickWindow* QuickWindows::make(const QString& view, QObject& bridge) {
         return present;
     load();
     QQmlComponent component(engine.get(), QUrl("qrc:/qt/qml/Quorva/" + view + ".qml"));
-    if (component.isError())
+    if (!component.isReady()) {
         qWarning("%s", qPrintable(component.errorString()));
+        return nullptr;
+    }
     auto* const made =
         component.createWithInitialProperties({{"bridge", QVariant::fromValue(&bridge)}});
     auto* const window = qobject_cast<QQuickWindow*>(made);
@@ -45,6 +48,8 @@ QQuickWindow* QuickWindows::make(const QString& view, QObject& bridge) {
 void QuickWindows::load() {
     if (engine)
         return;
+    // Small windows, seldom shown: the graphics card would cost memory for nothing.
+    QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
     QIcon::setFallbackThemeName("Adwaita");
     hints = std::make_unique<DesktopHints>();
     engine = std::make_unique<QQmlEngine>();
@@ -68,10 +73,9 @@ void QuickWindows::hide(const QString& view) {
 }
 
 void QuickWindows::freeLater() {
-    const bool isAnyShown = std::any_of(windows.begin(), windows.end(),
-                                        [](const QQuickWindow* window) {
-                                            return window->isVisible();
-                                        });
+    const bool isAnyShown =
+        std::any_of(windows.begin(), windows.end(),
+                    [](const QQuickWindow* window) { return window->isVisible(); });
     if (engine && !isAnyShown)
         freeing = loop.after(timeToReturn, lifetime.guard([this] { free(); }));
 }
