@@ -114,7 +114,7 @@ std::vector<Limitation> limitations(const CapabilityFacts& facts) {
     }
     addNotifications(facts, found);
     if (facts.speechProblem)
-        found.push_back({LimitedPart::speech, fmt::format("Objections are not spoken: {}.",
+        found.push_back({LimitedPart::speech, fmt::format("Objections are not spoken: {}",
                                                           printable(*facts.speechProblem))});
     if (!facts.hasTray)
         found.push_back({LimitedPart::tray, "This desktop shows no tray icons: start Quorva again "

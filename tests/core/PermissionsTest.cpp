@@ -78,7 +78,7 @@ TEST_F(PermissionsTest, looksAtTheSoundDevicesOnce) {
 
 TEST_F(PermissionsTest, saysWhatIsMissingAndWhatThatCosts) {
     computer.notifications.state = {NotificationService::State::absent, false};
-    computer.speech.fault = "no speech service is installed";
+    computer.speech.fault = "No speech service is installed.";
     computer.processTable.canBeListed = false;
     computer.calendars.unread = {{"Work", "it does not answer"}};
     auto& app = start();
@@ -90,7 +90,7 @@ TEST_F(PermissionsTest, saysWhatIsMissingAndWhatThatCosts) {
     EXPECT_THAT(parts,
                 ElementsAre(LimitedPart::processes, LimitedPart::calendars,
                             LimitedPart::notifications, LimitedPart::speech, LimitedPart::tray));
-    EXPECT_EQ(computer.log.count("Objections are not spoken: no speech service is installed."), 1U);
+    EXPECT_EQ(computer.log.count("Objections are not spoken: No speech service is installed."), 1U);
     EXPECT_EQ(app.stateText(), "All Clear, but not seen: this computer, calendars");
 
     computer.speech.fault.reset();

@@ -95,7 +95,7 @@ class Desktop(Session):
     def press(self, button, title):
         """Presses a button of the notification with this title, by the server's own menu."""
         wait_until(lambda: self.displayed() > 0, "a notification")
-        (self.home / "wanted").write_text(f"{button} [Quorva")
+        (self.home / "wanted").write_text(f"#{button} ({title}) [")
         subprocess.run(["dunstctl", "context"], env=self.environment, check=True, timeout=DEADLINE)
 
     def displayed(self):
@@ -123,6 +123,20 @@ class Desktop(Session):
         samples.frombytes(recorded[:len(recorded) // 2 * 2])
         parts = [samples[at:at + 4000] for at in range(0, len(samples), 4000)]
         return max((math.sqrt(sum(s * s for s in part) / len(part)) for part in parts), default=0)
+
+    def move_to_bare_bus(self):
+        """A session without any service, and without any that could be started."""
+        configuration = self.home / "bare.conf"
+        configuration.write_text(
+            f'<busconfig><type>session</type><listen>unix:dir={self.home}</listen>'
+            '<policy context="default"><allow send_destination="*"/><allow own="*"/></policy>'
+            '</busconfig>')
+        daemon = self.start(["dbus-daemon", f"--config-file={configuration}", "--nofork",
+                             "--print-address"], stdout=subprocess.PIPE, text=True)
+        self.environment["DBUS_SESSION_BUS_ADDRESS"] = daemon.stdout.readline().strip()
+        self.bus.close()
+        self.bus = dbus.bus.BusConnection(self.environment["DBUS_SESSION_BUS_ADDRESS"])
+        return daemon
 
     def start_panel(self):
         panel = self.start([*PYTHON, str(HERE / "panel.py")])

@@ -11,12 +11,24 @@ from gi.repository import GLib
 NAME = "org.kde.StatusNotifierWatcher"
 PATH = "/StatusNotifierWatcher"
 PROPERTIES = {"IsStatusNotifierHostRegistered": True, "ProtocolVersion": dbus.Int32(0)}
+DESCRIPTION = """
+    <property name="RegisteredStatusNotifierItems" type="as" access="read"/>
+    <property name="IsStatusNotifierHostRegistered" type="b" access="read"/>
+    <property name="ProtocolVersion" type="i" access="read"/>
+"""
 
 
 class Watcher(dbus.service.Object):
     def __init__(self, bus):
         super().__init__(bus, PATH)
         self.items = dbus.Array([], signature="s")
+
+    @dbus.service.method(dbus.INTROSPECTABLE_IFACE, out_signature="s",
+                         path_keyword="path", connection_keyword="connection")
+    def Introspect(self, path, connection):
+        methods = super().Introspect(path, connection)
+        start = f'<interface name="{NAME}">'
+        return methods.replace(start, start + DESCRIPTION)
 
     @dbus.service.method(NAME, in_signature="s", sender_keyword="sender")
     def RegisterStatusNotifierItem(self, item, sender):

@@ -7,7 +7,7 @@ import time
 
 import pytest
 
-from application import INSTANCE, SILENCE, Desktop, Icon, Notifications, Quorva
+from application import SILENCE, Desktop, Icon, Notifications, Quorva
 from conftest import DEADLINE, PROGRAMS, wait_until
 from meeting_site import Browser, Site
 
@@ -42,13 +42,13 @@ def test_leads_from_a_bot_to_an_objection(desktop):
     quorva = Quorva(desktop).wait_until_watching()
     icon = Icon(desktop)
     wait_until(lambda: "All Clear" in icon.tool_tip(), "the state in words")
-    assert icon.pixmap_sizes()[0] <= 18 and icon.pixmap_sizes()[-1] >= 72, "sharp at any scale"
+    assert icon.pixmap_sizes()[0] <= 18 and icon.pixmap_sizes()[-1] >= 64, "sharp at any scale"
 
     bot = desktop.start_bot()
     found = notifications.wait_for("AI Recorder Found")
     assert found["body"] == "Otter.ai (Transcription) is running on your Mac"
     assert found["actions"] == ["Object Now", "Dismiss"] and not found["is_silent"]
-    assert names(desktop.history()) == [("Otter.ai", "processPath")]
+    assert names(desktop.history()) == [("Otter.ai", "processName")]
     wait_until(lambda: icon.tool_tip() == "Quorva: 1 Bot Detected, but not seen: meetings",
                "the bot in the tooltip")
 
@@ -125,17 +125,21 @@ def test_says_what_it_needs(desktop):
 
 
 def test_says_what_is_missing(desktop):
-    """No notification server, no calendar service, accessibility off; and a panel that is late."""
+    """None of the services that there could be; and a panel that is late."""
+    desktop.move_to_bare_bus()
+    (desktop.home / "data/calendars/work").rmdir()
+    (desktop.home / "data/calendars").rmdir()
     desktop.environment["PATH"] = "/nowhere"  # and no speech service to be started
     quorva = Quorva(desktop).wait_until_watching()
     desktop.environment["PATH"] = "/usr/bin:/bin"
     wait_until(lambda: desktop.logged("This desktop shows no tray icons"), "the missing panel")
     panel = desktop.start_panel()
     icon = Icon(desktop)
-    wait_until(lambda: "not seen: meetings" in icon.tool_tip(), "the state in words")
+    wait_until(lambda: "not seen: calendars, meetings" in icon.tool_tip(), "the state in words")
     shown = wait_until(lambda: desktop.logged("No longer so: This desktop shows no tray icons")
                        and list(icon.menu()), "the menu")
-    for part in ("accessibility is switched off", "No notification server", "are not spoken"):
+    for part in ("accessibility is switched off", "No notification server", "are not spoken",
+                 "no calendar service"):
         assert any(part in text for text in shown), (part, shown)
         assert desktop.logged(part)
 
@@ -154,11 +158,8 @@ def test_says_what_is_missing(desktop):
 
 
 def test_ends_with_its_session(desktop):
+    daemon = desktop.move_to_bare_bus()
     quorva = Quorva(desktop).wait_until_watching()
-    desktop.bus.get_object(INSTANCE, "/com/veltran/QuorvaApp")
-    daemon = int(desktop.bus.get_object("org.freedesktop.DBus", "/org/freedesktop/DBus")
-                 .GetConnectionUnixProcessID("org.freedesktop.DBus",
-                                             dbus_interface="org.freedesktop.DBus"))
-    subprocess.run(["kill", str(daemon)], check=True)
+    desktop.end(daemon, by=signal.SIGTERM)
     assert quorva.process.wait(DEADLINE) == 0
     assert desktop.kept("showNotifications") is True, "the settings were stored"
