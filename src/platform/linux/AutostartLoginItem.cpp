@@ -38,9 +38,8 @@ GKeyFilePtr parse(const std::string& bytes) {
 
 } // namespace
 
-AutostartLoginItem::AutostartLoginItem(fs::path folder, std::string program_)
-    : file(std::move(folder) / "autostart" / "com.veltran.QuorvaApp.desktop"),
-      program(std::move(program_)) {}
+AutostartLoginItem::AutostartLoginItem(const fs::path& folder, std::string program_)
+    : file(folder / "autostart" / "com.veltran.QuorvaApp.desktop"), program(std::move(program_)) {}
 
 AutostartLoginItem::AutostartLoginItem()
     : AutostartLoginItem(g_get_user_config_dir(), ownProgram()) {}

@@ -16,7 +16,7 @@ class AutostartLoginItem final : public LoginItem {
 public:
     /// `folder` is the configuration folder ($XDG_CONFIG_HOME); `program` the absolute path of what
     /// is to be started.
-    AutostartLoginItem(std::filesystem::path folder, std::string program);
+    AutostartLoginItem(const std::filesystem::path& folder, std::string program);
 
     /// The user's own folder, and the program that runs here.
     AutostartLoginItem();

@@ -114,8 +114,11 @@ Capabilities decodeCapabilities(GVariant* reply) {
     g_variant_get(reply, "(as)", &names);
     const gchar* capability = nullptr;
     while (g_variant_iter_next(names, "&s", &capability) != FALSE) {
-        capabilities.actions |= std::string_view(capability) == "actions";
-        capabilities.bodyMarkup |= std::string_view(capability) == "body-markup";
+        const std::string_view known = capability;
+        capabilities.actions |= known == "actions";
+        // Links and images are markup, and dunst reads it although it may name only these.
+        capabilities.bodyMarkup |=
+            known == "body-markup" || known == "body-hyperlinks" || known == "body-images";
     }
     g_variant_iter_free(names);
     return capabilities;

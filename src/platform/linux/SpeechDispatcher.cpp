@@ -275,7 +275,7 @@ void SpeechDispatcher::disconnect() {
     idle.reset();
 }
 
-void SpeechDispatcher::setFault(std::optional<std::string> next) {
+void SpeechDispatcher::setFault(const std::optional<std::string>& next) {
     if (std::exchange(fault, next) != next)
         problemChanges.call();
 }

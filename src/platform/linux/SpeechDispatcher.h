@@ -63,7 +63,7 @@ private:
     void endUtterance();
     void fail(const std::string& why);
     void disconnect();
-    void setFault(std::optional<std::string> next);
+    void setFault(const std::optional<std::string>& next);
 
     MainLoop& loop;
     const Limits limits;

@@ -7,9 +7,9 @@
 namespace quorva {
 namespace {
 
-constexpr std::size_t longestLine = 64 * 1024;
+constexpr std::size_t longestLine = 65'536;
 constexpr std::size_t mostLines = 20'000; ///< a list of voices may be long
-constexpr std::size_t mostRead = 16 * 1024;
+constexpr std::size_t mostRead = 16'384;
 constexpr int receivingData = 230;
 
 using BytesPtr = std::unique_ptr<GBytes, Release<g_bytes_unref>>;

@@ -55,7 +55,7 @@ private:
     void flush();
     void read();
     void take(std::string_view bytes);
-    void takeLine(std::string_view line);
+    void takeLine(std::string_view bytes);
     void takeReply(const ssip::Reply& reply);
     void finish(End end);
 

@@ -84,6 +84,7 @@ TEST(NotificationProtocolTest, bearsAnswersThatMakeNoSense) {
     };
     EXPECT_EQ(decoded("(['body', 'actions', 'body-markup'],)").first, (Capabilities{true, true}));
     EXPECT_EQ(decoded("(['body', 'action-icons'],)").first, Capabilities{});
+    EXPECT_EQ(decoded("(['body-hyperlinks'],)").first, (Capabilities{false, true}));
     EXPECT_EQ(decoded("('actions',)").first, Capabilities{});
     EXPECT_EQ(decodeCapabilities(nullptr), Capabilities{});
     EXPECT_THAT(decoded("(uint32 9,)").second, Optional(9U));

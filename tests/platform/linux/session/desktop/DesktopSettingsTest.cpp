@@ -15,7 +15,6 @@
 namespace quorva {
 namespace {
 
-using testing::ElementsAre;
 using testing::IsEmpty;
 
 class DesktopSettingsTest : public testing::Test, protected TurningMainLoop {
