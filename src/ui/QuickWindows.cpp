@@ -2,6 +2,8 @@
 
 #include "ui/SymbolProvider.h"
 
+#include <QCoreApplication>
+#include <QEvent>
 #include <QIcon>
 #include <QQmlComponent>
 #include <QQmlContext>
@@ -83,6 +85,7 @@ void QuickWindows::freeLater() {
 void QuickWindows::free() {
     qDeleteAll(windows);
     windows.clear();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete); // those let go of before
     engine.reset();
     hints.reset();
     ::malloc_trim(0); // the program goes on for days: what the windows needed goes back

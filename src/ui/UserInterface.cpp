@@ -219,6 +219,12 @@ void UserInterface::followOnboarding() {
         if (delegate.onboardingWindow)
             delegate.onboardingWindow = false;
     });
+    // What the first run goes on looking for ends with its window.
+    QObject::connect(onboarding, &QObject::destroyed,
+                     lifetime.guard([this, closed = onboardingBridge.get()](QObject*) {
+                         if (onboardingBridge.get() == closed)
+                             onboardingBridge.reset();
+                     }));
     bringToFront(*onboarding);
 }
 

@@ -78,7 +78,8 @@ private:
     std::optional<QRect> trayIcon;
     bool hasPopoverBeenActive = false;
     std::optional<Time> popoverLostFocusAt;
-    ChangeWatch watch; // last: follows what is above
+    ChangeWatch watch;
+    Lifetime lifetime; // last: goes first
 };
 
 } // namespace quorva

@@ -32,6 +32,7 @@ OnboardingPage {
         visible: step.isGranted
         title: "Accessibility Access Granted"
         text: "Quorva can now detect bots in live meetings"
+        onVisibleChanged: if (visible) step.reveal(this)
     }
     HelpCard {
         width: parent.width
@@ -41,6 +42,8 @@ OnboardingPage {
         help: step.bridge.accessibilityHelp
         action: "Open Accessibility Settings"
         onPressed: step.bridge.openAccessibilitySettings()
+        onVisibleChanged: if (visible) step.reveal(this)
+        onHeightChanged: if (visible) step.reveal(this)
     }
 
     buttons: [

@@ -38,7 +38,9 @@ Button {
     Keys.onEnterPressed: click()
 
     contentItem: Item {
-        implicitWidth: row.implicitWidth
+        readonly property real symbolWidth: button.symbol !== "" ? button.textSize + 2 + row.spacing : 0
+
+        implicitWidth: Math.ceil(symbolWidth + label.implicitWidth)
         implicitHeight: row.implicitHeight
         Row {
             id: row
@@ -55,8 +57,8 @@ Button {
                 id: label
                 anchors.verticalCenter: parent.verticalCenter
                 // A button that is narrower than its text has the text in several lines.
-                width: Math.min(implicitWidth, button.availableWidth
-                                - (button.symbol !== "" ? button.textSize + 2 + row.spacing : 0))
+                width: Math.min(Math.ceil(implicitWidth),
+                                button.availableWidth - parent.parent.symbolWidth)
                 horizontalAlignment: Text.AlignHCenter
                 text: button.text
                 color: button.ink

@@ -44,7 +44,7 @@ Window {
         color: Theme.red
         Accessible.role: Accessible.AlertMessage
         Accessible.name: heading.text
-        Accessible.description: line.text
+        Accessible.description: product.text + kind.text
 
         RowLayout {
             id: row
@@ -82,13 +82,26 @@ Window {
                     font { bold: true; pixelSize: Theme.size(13) }
                     Accessible.ignored: true
                 }
-                OneLine {
-                    id: line
+                RowLayout {
                     width: parent.width
-                    text: panel.bridge.botName + " • " + panel.bridge.category
-                    color: "#FFFFFF"
-                    font { weight: Font.Medium; pixelSize: Theme.size(11) }
-                    Accessible.ignored: true
+                    spacing: 0
+                    OneLine {
+                        id: product
+                        Layout.fillWidth: true
+                        Layout.maximumWidth: Math.ceil(implicitWidth)
+                        text: panel.bridge.botName
+                        color: "#FFFFFF"
+                        font { weight: Font.Medium; pixelSize: Theme.size(11) }
+                        Accessible.ignored: true
+                    }
+                    AppText {
+                        id: kind
+                        text: " • " + panel.bridge.category
+                        color: "#FFFFFF"
+                        font: product.font
+                        Accessible.ignored: true
+                    }
+                    Item { Layout.fillWidth: true }
                 }
             }
             AbstractButton {

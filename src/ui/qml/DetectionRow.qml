@@ -8,9 +8,9 @@ Rectangle {
 
     required property string title
     required property string line
-    property string note
-    property string spoken
-    property string key
+    required property string note
+    required property string spoken
+    required property string key
     property string symbol
     property color accent: Theme.red
     default property alias actions: actionRow.data

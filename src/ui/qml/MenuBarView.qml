@@ -9,11 +9,13 @@ Window {
     required property var bridge
     property int maximumContentHeight: 720
     readonly property real margin: Theme.size(14)
-    readonly property real fixedHeight: header.implicitHeight + bottom.implicitHeight + 4 * margin
+    readonly property real fixedHeight: header.implicitHeight + bottom.implicitHeight + 3 * margin
+                                        + Theme.size(8)
 
     title: "Quorva"
     width: Theme.size(360)
-    height: Math.min(fixedHeight + middle.implicitHeight, maximumContentHeight)
+    height: Math.min(Math.max(fixedHeight + middle.implicitHeight, bridge.showsHistory ? Theme.size(460) : 0),
+                     Theme.size(720), maximumContentHeight)
     flags: Qt.Tool | Qt.FramelessWindowHint | Qt.WindowStaysOnTopHint
     color: desktopHints.isTranslucent ? "transparent" : Theme.grey50
 
@@ -35,10 +37,11 @@ Window {
                 bridge: popover.bridge
                 Layout.fillWidth: true
                 Layout.margins: popover.margin
+                Layout.bottomMargin: Theme.size(8)
             }
             ScrollArea {
                 id: middle
-                spacing: Theme.size(12)
+                spacing: Theme.size(10)
                 Layout.fillWidth: true
                 Layout.fillHeight: true
                 Layout.leftMargin: 1

@@ -15,7 +15,7 @@ RowLayout {
     width: parent ? parent.width : implicitWidth
     spacing: Theme.size(5)
 
-    Item { Layout.fillWidth: note.isCentred }
+    Item { visible: note.isCentred; Layout.fillWidth: true }
     Symbol {
         name: note.symbol
         color: note.color
@@ -30,5 +30,5 @@ RowLayout {
         color: note.inkOfText
         font.pixelSize: note.textSize
     }
-    Item { Layout.fillWidth: note.isCentred }
+    Item { visible: note.isCentred; Layout.fillWidth: true }
 }

@@ -14,6 +14,11 @@ ColumnLayout {
     property bool animateContent: false
     readonly property real margin: Theme.size(28)
 
+    /// Scrolls to something that has just appeared.
+    function reveal(item) {
+        Qt.callLater(() => area.reveal(item))
+    }
+
     spacing: 0
     opacity: animateContent ? 1 : 0
     Component.onCompleted: animateContent = true
@@ -23,8 +28,9 @@ ColumnLayout {
         id: area
         Layout.fillWidth: true
         Layout.fillHeight: true
-        spacing: Theme.size(12)
+        spacing: Theme.size(11)
         margin: page.margin
+        marginAbove: Theme.size(10)
 
         Item {
             id: pictureRow

@@ -7,6 +7,7 @@ Column {
     required property var bridge
 
     spacing: Theme.size(14)
+    topPadding: Theme.size(2)
 
     EmptyState {
         width: parent.width

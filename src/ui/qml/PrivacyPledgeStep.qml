@@ -7,7 +7,6 @@ OnboardingPage {
     title: "Your Data Never Leaves This Mac"
     text: "Quorva is built for professionals who handle\nsensitive information. Here is our privacy pledge."
 
-    Item { width: 1; height: 1 }
     Repeater {
         model: [
             { symbol: "wifi.slash", title: "Zero Network Calls",
@@ -23,6 +22,7 @@ OnboardingPage {
             id: pledge
             required property var modelData
             width: parent ? parent.width : 0
+            padding: Theme.size(11)
             FeatureRow {
                 symbol: pledge.modelData.symbol
                 title: pledge.modelData.title

@@ -10,11 +10,12 @@ Flickable {
     default property alias contents: column.data
     property alias spacing: column.spacing
     property real margin: 0
+    property real marginAbove: margin
     property bool isText: false
 
-    implicitHeight: column.implicitHeight + 2 * margin
+    implicitHeight: column.implicitHeight + 2 * marginAbove
     contentWidth: width
-    contentHeight: column.implicitHeight + 2 * margin
+    contentHeight: column.implicitHeight + 2 * marginAbove
     boundsBehavior: Flickable.StopAtBounds
     clip: true
     activeFocusOnTab: isText
@@ -35,7 +36,7 @@ Flickable {
     Column {
         id: column
         x: area.margin
-        y: area.margin
+        y: area.marginAbove
         width: area.width - 2 * area.margin
     }
 
@@ -46,7 +47,7 @@ Flickable {
         return false
     }
     function reveal(item) {
-        const at = item.mapToItem(column, 0, 0).y + margin
+        const at = item.mapToItem(column, 0, 0).y + marginAbove
         const room = 12
         if (at - room < contentY)
             contentY = Math.max(0, at - room)
