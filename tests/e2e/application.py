@@ -38,6 +38,7 @@ PICK = '#!/bin/sh\ngrep -m1 -F "$(cat "{home}/wanted")"\n'
 CLIPBOARD = """
 import gi
 gi.require_version("Gtk", "3.0")
+gi.require_version("Gdk", "3.0")
 from gi.repository import Gdk, Gtk
 print(Gtk.Clipboard.get(Gdk.SELECTION_CLIPBOARD).wait_for_text() or "", end="")
 """
@@ -116,6 +117,12 @@ class Desktop(Session):
             self.start(["parec", "-d", "bh.monitor", "--raw", "--rate=8000", "--channels=1",
                         "--format=s16le"], stdout=recording, stderr=subprocess.DEVNULL)
 
+    def start_speech(self):
+        """As a service of the session; where there is none, the application starts it itself."""
+        self.start(["speech-dispatcher", "--run-single", "--communication-method", "unix_socket"],
+                   stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        wait_until((self.home / "runtime/speech-dispatcher/speechd.sock").exists, "the speech")
+
     def loudness(self):
         """The root mean square of the loudest half second so far."""
         samples = array.array("h")
@@ -129,7 +136,8 @@ class Desktop(Session):
         configuration = self.home / "bare.conf"
         configuration.write_text(
             f'<busconfig><type>session</type><listen>unix:dir={self.home}</listen>'
-            '<policy context="default"><allow send_destination="*"/><allow own="*"/></policy>'
+            '<policy context="default"><allow send_destination="*" eavesdrop="true"/>'
+            '<allow eavesdrop="true"/><allow own="*"/></policy>'
             '</busconfig>')
         daemon = self.start(["dbus-daemon", f"--config-file={configuration}", "--nofork",
                              "--print-address"], stdout=subprocess.PIPE, text=True)
@@ -196,7 +204,12 @@ class Quorva:
                                                    dbus_interface="org.freedesktop.DBus"))
 
     def wait_until_watching(self):
-        wait_until(lambda: self.desktop.logged("startMonitoring: process=on"), "monitoring")
+        def is_watching():
+            if not self.desktop.log.exists():
+                return False
+            _, _, since = self.desktop.log.read_text().partition(f" PID {self.pid}\n")
+            return "startMonitoring: process=on" in since
+        wait_until(is_watching, "monitoring")
         return self
 
     def end(self, by=signal.SIGTERM):
