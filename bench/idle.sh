@@ -9,23 +9,7 @@ seconds=${2:-300}
 tests=$(dirname "$(realpath "$0")")/../tests
 ticks=$(getconf CLK_TCK)
 
-# waitFor COMMAND...: until it succeeds, for ten seconds at most.
-waitFor() {
-    local attempt
-    for attempt in {1..200}; do
-        "$@" >/dev/null 2>&1 && return
-        sleep 0.05
-    done
-    echo "idle.sh: never came: $*" >&2
-    exit 1
-}
-
-Xvfb -displayfd 3 -screen 0 1280x1000x24 3>"$HOME/display" 2>/dev/null &
-waitFor test -s "$HOME/display"
-DISPLAY=:$(cat "$HOME/display")
-export DISPLAY
-dbus-update-activation-environment DISPLAY
-openbox 2>/dev/null &
+. "$tests/support/virtual-display.sh"
 /usr/bin/python3 -B "$tests/e2e/panel.py" &
 waitFor gdbus wait --session --timeout 10 org.kde.StatusNotifierWatcher
 gdbus call --session --dest org.a11y.Bus --object-path /org/a11y/bus \

@@ -1,6 +1,8 @@
 // What AppState makes of the detectors' lists and callbacks.
 #include "core/AppState.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <utility>
 
@@ -153,6 +155,8 @@ void AppState::takeDetection(const RecordingIndicatorDetection& indicator) {
 
 /// The entry first: what is announced must be in the history whatever happens next.
 void AppState::record(DetectionEvent event, BotAlert alert, Task notify) {
+    services.platform.log.notice(fmt::format("Detected: {} ({})", event.botName, event.method),
+                                 logCategory::appState);
     if (!settings.showNotifications)
         return detectionLog.add(std::move(event));
     auto announcement =
