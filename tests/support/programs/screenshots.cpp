@@ -6,7 +6,6 @@
 #include <QDir>
 #include <QElapsedTimer>
 #include <QThread>
-
 #include <functional>
 #include <iostream>
 #include <vector>
@@ -83,7 +82,11 @@ void hostile(Stage& stage) {
 }
 
 const std::vector<Scene> scenes{
-    {"popover-clear", popover, [](Stage& stage) { showClear(stage); stage.ui.openPopover(); }},
+    {"popover-clear", popover,
+     [](Stage& stage) {
+         showClear(stage);
+         stage.ui.openPopover();
+     }},
     {"popover-off", popover,
      [](Stage& stage) {
          showClear(stage);
@@ -99,16 +102,24 @@ const std::vector<Scene> scenes{
          stage.ui.openPopover();
      }},
     {"popover-detections", popover,
-     [](Stage& stage) { showEverything(stage); stage.ui.openPopover(); }},
+     [](Stage& stage) {
+         showEverything(stage);
+         stage.ui.openPopover();
+     }},
     {"popover-permissions", popover,
-     [](Stage& stage) { stage.permit(false, false); stage.ui.openPopover(); }},
+     [](Stage& stage) {
+         stage.permit(false, false);
+         stage.ui.openPopover();
+     }},
     {"popover-accounts", popover,
      [](Stage& stage) {
          stage.permit(true, true);
          stage.state.permissions.needsCalendarAccountSetup = true;
          stage.computer.systemSettings.hasPanes = false;
          stage.ui.openPopover();
-         stage.ui.window(popover)->property("bridge").value<PopoverBridge*>()
+         stage.ui.window(popover)
+             ->property("bridge")
+             .value<PopoverBridge*>()
              ->openInternetAccounts();
      }},
     {"popover-objection-toast", popover,
@@ -129,7 +140,11 @@ const std::vector<Scene> scenes{
          stage.ui.openPopover();
          stage.ui.window(popover)->property("bridge").value<PopoverBridge*>()->refresh();
      }},
-    {"popover-hostile", popover, [](Stage& stage) { hostile(stage); stage.ui.openPopover(); }},
+    {"popover-hostile", popover,
+     [](Stage& stage) {
+         hostile(stage);
+         stage.ui.openPopover();
+     }},
     {"popover-many", popover,
      [](Stage& stage) {
          showEverything(stage);
@@ -137,19 +152,35 @@ const std::vector<Scene> scenes{
              stage.showProcess("Recorder " + std::to_string(each), BotCategory::localRecorder);
          stage.ui.openPopover();
      }},
-    {"history", popover, [](Stage& stage) { showHistory(stage); stage.ui.openHistory(); }},
-    {"history-empty", popover, [](Stage& stage) { showClear(stage); stage.ui.openHistory(); }},
+    {"history", popover,
+     [](Stage& stage) {
+         showHistory(stage);
+         stage.ui.openHistory();
+     }},
+    {"history-empty", popover,
+     [](Stage& stage) {
+         showClear(stage);
+         stage.ui.openHistory();
+     }},
     {"alert", "BotAlertBanner",
-     [](Stage& stage) { stage.state.alertPanel.show({"Otter.ai", "Zoom", "Transcription"}); }},
+     [](Stage& stage) {
+         stage.state.alertPanel.show({"Otter.ai", "Zoom", "Transcription"});
+     }},
     {"alert-long", "BotAlertBanner",
      [](Stage& stage) {
          stage.state.alertPanel.show(
              {std::string(300, 'M'), "Microsoft Teams", "Sales Intelligence"});
      }},
     {"calendar-window", "CalendarPermissionHelper",
-     [](Stage& stage) { stage.permit(false, true); stage.state.calendarWindow = true; }},
+     [](Stage& stage) {
+         stage.permit(false, true);
+         stage.state.calendarWindow = true;
+     }},
     {"calendar-window-granted", "CalendarPermissionHelper",
-     [](Stage& stage) { stage.permit(true, true); stage.state.calendarWindow = true; }},
+     [](Stage& stage) {
+         stage.permit(true, true);
+         stage.state.calendarWindow = true;
+     }},
     {"calendar-consent", "CalendarConsent",
      [](Stage& stage) { stage.consent.request([](const CalendarStore::AccessAnswer&) {}); }},
     {"onboarding-1-welcome", onboarding, [](Stage& stage) { onboardingStep(stage, 0); }},
