@@ -1,10 +1,12 @@
-// quorva-screenshots FOLDER: shows every view in its states on made-up data and saves a picture of
-// each, to be looked at by people. QT_SCALE_FACTOR says how large.
+// quorva-screenshots FOLDER [SCENE [POINTS]]: shows every view in its states on made-up data and
+// saves a picture of each, to be looked at by people; only those whose name begins with SCENE,
+// unless it is "all"; with a font of so many points. QT_SCALE_FACTOR says how large.
 #include "support/Stage.h"
 
 #include <QApplication>
 #include <QDir>
 #include <QElapsedTimer>
+#include <QFont>
 #include <QThread>
 #include <functional>
 #include <iostream>
@@ -24,6 +26,7 @@ struct Scene {
 constexpr char popover[] = "MenuBarView";
 constexpr char onboarding[] = "OnboardingView";
 constexpr char settings[] = "SettingsView";
+constexpr int usualPoints = 10;
 
 void showEverything(Stage& stage) {
     stage.permit(true, true);
@@ -253,7 +256,7 @@ void wait(Stage& stage, int milliseconds) {
     }
 }
 
-bool save(const Scene& scene, const QDir& folder) {
+bool save(const Scene& scene, const QDir& folder, int points) {
     Stage stage;
     scene.set(stage);
     stage.settle();
@@ -262,7 +265,8 @@ bool save(const Scene& scene, const QDir& folder) {
         return false;
     wait(stage, 700);
     const QString ratio = QString::number(window->devicePixelRatio());
-    const QString path = folder.filePath(QString(scene.name) + "@" + ratio + "x.png");
+    const QString font = points == usualPoints ? "" : "-font" + QString::number(points);
+    const QString path = folder.filePath(scene.name + font + "@" + ratio + "x.png");
     return window->grabWindow().save(path);
 }
 
@@ -272,16 +276,20 @@ int main(int argc, char* argv[]) {
     QApplication application(argc, argv);
     QApplication::setApplicationVersion("0.1.0");
     const QStringList arguments = QApplication::arguments();
-    const QString only = arguments.value(2);
+    const QString only = arguments.value(2, "all");
+    const int points = arguments.value(3, QString::number(usualPoints)).toInt();
     if (arguments.size() < 2 || !QDir().mkpath(arguments[1])) {
-        std::cerr << "Usage: quorva-screenshots FOLDER [SCENE]\n";
+        std::cerr << "Usage: quorva-screenshots FOLDER [SCENE [POINTS]]\n";
         return 2;
     }
+    QFont font = QApplication::font();
+    font.setPointSize(points);
+    QApplication::setFont(font);
     bool isComplete = true;
     for (const Scene& scene : scenes) {
-        if (!only.isEmpty() && !QString(scene.name).startsWith(only))
+        if (only != "all" && !QString(scene.name).startsWith(only))
             continue;
-        const bool isSaved = save(scene, QDir(arguments[1]));
+        const bool isSaved = save(scene, QDir(arguments[1]), points);
         std::cout << scene.name << (isSaved ? "" : ": failed") << '\n';
         isComplete = isComplete && isSaved;
     }
