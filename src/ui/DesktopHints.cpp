@@ -2,12 +2,12 @@
 
 #include <QFontInfo>
 #include <QGuiApplication>
-
 #include <algorithm>
 #include <cstdlib>
 #include <memory>
 #undef signals // GIO names a member so
 #include <gio/gio.h>
+
 #include <xcb/xcb.h>
 
 namespace quorva {
@@ -30,7 +30,8 @@ bool wantsAnimations() {
         return true;
     bool wants = true;
     if (g_settings_schema_has_key(schema, "enable-animations")) {
-        const std::unique_ptr<GSettings, Unref> settings(g_settings_new_full(schema, nullptr, nullptr));
+        const std::unique_ptr<GSettings, Unref> settings(
+            g_settings_new_full(schema, nullptr, nullptr));
         wants = g_settings_get_boolean(settings.get(), "enable-animations") != FALSE;
     }
     g_settings_schema_unref(schema);
@@ -50,8 +51,8 @@ bool isCompositing() {
     if (!atom)
         return false;
     const std::unique_ptr<xcb_get_selection_owner_reply_t, Free> owner(
-        xcb_get_selection_owner_reply(
-            connection, xcb_get_selection_owner(connection, atom->atom), nullptr));
+        xcb_get_selection_owner_reply(connection, xcb_get_selection_owner(connection, atom->atom),
+                                      nullptr));
     return owner && owner->owner != XCB_NONE;
 }
 
@@ -64,7 +65,8 @@ qreal textScaleOf(const QFont& font) {
 } // namespace
 
 DesktopHints::DesktopHints()
-    : hasReducedMotion(!wantsAnimations()), scale(textScaleOf(QGuiApplication::font())),
+    : hasReducedMotion(!wantsAnimations()),
+      scale(textScaleOf(QGuiApplication::font())),
       isComposited(isCompositing()) {}
 
 } // namespace quorva

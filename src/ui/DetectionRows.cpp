@@ -8,7 +8,6 @@
 #include <QDateTime>
 #include <QHash>
 #include <QLocale>
-
 #include <algorithm>
 #include <chrono>
 
@@ -102,12 +101,12 @@ std::vector<Row> rowsOf(const std::vector<DetectionEvent>& history) {
         // for those that nothing does.
         const QString what = ours(each.botName) + ours(each.source.value_or("")) +
                              QString::number(each.detectedAt.time_since_epoch().count());
-        rows.push_back({.id = what + "-" + QString::number(same[what]++),
-                        .title = foreign(each.botName),
-                        .subtitle = categoryText(each.category),
-                        .detail = time,
-                        .spoken = isolated(each.botName) + ", " + categoryText(each.category) +
-                                  ", " + time});
+        rows.push_back(
+            {.id = what + "-" + QString::number(same[what]++),
+             .title = foreign(each.botName),
+             .subtitle = categoryText(each.category),
+             .detail = time,
+             .spoken = isolated(each.botName) + ", " + categoryText(each.category) + ", " + time});
     }
     std::reverse(rows.begin(), rows.end());
     return rows;
@@ -145,12 +144,12 @@ std::vector<Row> rowsOfAccounts(const std::vector<std::string>& names) {
         const auto label = accountLabel(name);
         const auto number = QString::number(rows.size()); // two accounts may have one name
         const QString provider = ours(label.provider);
-        rows.push_back({.id = ours(name) + "-" + number,
-                        .title = foreign(name),
-                        .subtitle = provider,
-                        .badge = ours(label.symbol),
-                        .spoken = provider.isEmpty() ? isolated(name)
-                                                     : isolated(name) + ", " + provider});
+        rows.push_back(
+            {.id = ours(name) + "-" + number,
+             .title = foreign(name),
+             .subtitle = provider,
+             .badge = ours(label.symbol),
+             .spoken = provider.isEmpty() ? isolated(name) : isolated(name) + ", " + provider});
     }
     return rows;
 }

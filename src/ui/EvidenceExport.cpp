@@ -8,7 +8,6 @@
 #include <QDir>
 #include <QFileDialog>
 #include <QSaveFile>
-
 #include <string_view>
 #include <utility>
 

@@ -9,7 +9,6 @@
 
 #include <QPointer>
 #include <QString>
-
 #include <functional>
 #include <memory>
 #include <string>

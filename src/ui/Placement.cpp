@@ -10,7 +10,8 @@ constexpr int margin = 8;
 constexpr int alertMarginRight = 16;
 
 int within(int from, int wanted, int to) {
-    return std::max(from, std::min(wanted, to)); // what is larger than the screen starts at its edge
+    return std::max(from,
+                    std::min(wanted, to)); // what is larger than the screen starts at its edge
 }
 
 } // namespace

@@ -3,7 +3,6 @@
 
 #include <QRect>
 #include <QSize>
-
 #include <optional>
 
 namespace quorva {

@@ -5,7 +5,6 @@
 #include "ui/ViewTexts.h"
 
 #include <QVariantMap>
-
 #include <algorithm>
 
 namespace quorva {
@@ -18,10 +17,9 @@ constexpr Seconds longestScan{15.0}; ///< a calendar that hangs is given up afte
 
 template <typename Detection>
 const Detection* find(const std::vector<Detection>& detections, const QString& id) {
-    const auto found = std::find_if(detections.begin(), detections.end(),
-                                    [wanted = utf8(id)](const auto& each) {
-                                        return each.id == wanted;
-                                    });
+    const auto found =
+        std::find_if(detections.begin(), detections.end(),
+                     [wanted = utf8(id)](const auto& each) { return each.id == wanted; });
     return found == detections.end() ? nullptr : &*found;
 }
 

@@ -58,7 +58,9 @@ public:
     [[nodiscard]] QString accessibilityHelp() const { return help.accessibility; }
     [[nodiscard]] bool isScanning() const;
     [[nodiscard]] QString lastScan() const;
-    [[nodiscard]] bool showsObjectionToast() const { return state.objections.showingObjectionToast; }
+    [[nodiscard]] bool showsObjectionToast() const {
+        return state.objections.showingObjectionToast;
+    }
     [[nodiscard]] bool showsShareToast() const { return static_cast<bool>(shareToastTimer); }
     [[nodiscard]] bool showsHistory() const { return state.showingLogSheet; }
     [[nodiscard]] RowModel* indicators() { return &indicatorRows; }

@@ -51,7 +51,8 @@ void QuickWindows::load() {
     if (engine)
         return;
     // Small windows, seldom shown: the graphics card would cost memory for nothing.
-    QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
+    if (QQuickWindow::sceneGraphBackend().isEmpty())
+        QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
     QIcon::setFallbackThemeName("Adwaita");
     hints = std::make_unique<DesktopHints>();
     engine = std::make_unique<QQmlEngine>();

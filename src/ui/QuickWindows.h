@@ -11,7 +11,6 @@
 #include <QQuickWindow>
 #include <QString>
 #include <QVariantMap>
-
 #include <memory>
 
 namespace quorva {

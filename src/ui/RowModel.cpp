@@ -1,7 +1,6 @@
 #include "ui/RowModel.h"
 
 #include <QSet>
-
 #include <algorithm>
 #include <array>
 #include <utility>
@@ -16,10 +15,10 @@ struct RowRole {
 };
 
 constexpr std::array rowRoles{
-    RowRole{"rowId", &Row::id},           RowRole{"title", &Row::title},
-    RowRole{"subtitle", &Row::subtitle},  RowRole{"detail", &Row::detail},
-    RowRole{"badge", &Row::badge},        RowRole{"note", &Row::note},
-    RowRole{"spoken", &Row::spoken},      RowRole{"key", &Row::key},
+    RowRole{"rowId", &Row::id},          RowRole{"title", &Row::title},
+    RowRole{"subtitle", &Row::subtitle}, RowRole{"detail", &Row::detail},
+    RowRole{"badge", &Row::badge},       RowRole{"note", &Row::note},
+    RowRole{"spoken", &Row::spoken},     RowRole{"key", &Row::key},
 };
 
 std::vector<Row> withoutRepeated(std::vector<Row> rows) {

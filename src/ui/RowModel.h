@@ -4,7 +4,6 @@
 #include <QAbstractListModel>
 #include <QHash>
 #include <QString>
-
 #include <vector>
 
 namespace quorva {

@@ -9,7 +9,6 @@
 #include "ui/RowModel.h"
 
 #include <QObject>
-
 #include <string_view>
 
 namespace quorva {
@@ -27,8 +26,8 @@ class SettingsBridge final : public QObject {
     Q_PROPERTY(QString updateText READ updateText NOTIFY changed)
     Q_PROPERTY(bool isMonitoring READ isMonitoring NOTIFY changed)
     Q_PROPERTY(bool calendarEnabled READ calendarEnabled WRITE setCalendarEnabled NOTIFY changed)
-    Q_PROPERTY(bool participantEnabled READ participantEnabled WRITE setParticipantEnabled NOTIFY
-                   changed)
+    Q_PROPERTY(
+        bool participantEnabled READ participantEnabled WRITE setParticipantEnabled NOTIFY changed)
     Q_PROPERTY(bool hasCalendarAccess READ hasCalendarAccess NOTIFY changed)
     Q_PROPERTY(bool needsCalendarAccount READ needsCalendarAccount NOTIFY changed)
     Q_PROPERTY(bool hasAccessibility READ hasAccessibility NOTIFY changed)
@@ -114,7 +113,7 @@ private:
     EvidenceExport evidenceExport;
     PaneHelp help;
     QString noBrowser; ///< why the website could not be opened
-    QString exported; ///< what copying or exporting has come to
+    QString exported;  ///< what copying or exporting has come to
     ChangeWatch watch; // last: follows what is above
 };
 

@@ -5,7 +5,6 @@
 
 #include <QIcon>
 #include <QPainter>
-
 #include <algorithm>
 
 namespace quorva {
@@ -15,10 +14,9 @@ namespace {
 constexpr int usualSize = 16;
 
 QIcon iconOf(const QString& symbol) {
-    const auto found = std::find_if(symbolIcons.begin(), symbolIcons.end(),
-                                    [&symbol](const SymbolIcon& each) {
-                                        return ours(each.symbol) == symbol;
-                                    });
+    const auto found =
+        std::find_if(symbolIcons.begin(), symbolIcons.end(),
+                     [&symbol](const SymbolIcon& each) { return ours(each.symbol) == symbol; });
     if (found == symbolIcons.end())
         return {};
     if (!found->icon.empty())

@@ -42,8 +42,13 @@ void onClosed(QWindow& window, QObject& context, Task task) {
 
 UserInterface::UserInterface(AppState& state_, AppDelegate& delegate_,
                              CalendarConsentDialog& consent_, Updates& updates_, MainLoop& loop_)
-    : state(state_), delegate(delegate_), consent(consent_), updates(updates_), loop(loop_),
-      windows(loop_), watch(loop_, [this] { follow(); }) {
+    : state(state_),
+      delegate(delegate_),
+      consent(consent_),
+      updates(updates_),
+      loop(loop_),
+      windows(loop_),
+      watch(loop_, [this] { follow(); }) {
     QGuiApplication::setQuitOnLastWindowClosed(false); // the tray icon stays
     watch.follow(state.alertPanel.alert, state.calendarWindow, state.showingLogSheet,
                  consent.isAsking, delegate.onboardingWindow);
@@ -164,8 +169,7 @@ void UserInterface::placeAlert() {
     if (!panel || !screen)
         return;
     const int shadow = panel->property("shadowMargin").toInt();
-    const QPoint position =
-        alertPosition(panel->width() - 2 * shadow, screen->availableGeometry());
+    const QPoint position = alertPosition(panel->width() - 2 * shadow, screen->availableGeometry());
     panel->setPosition(position - QPoint(shadow, shadow));
     if (windows.desktopHints() && !windows.desktopHints()->isTranslucent())
         panel->setMask(roundedMask(panel->size(), panel->property("radius").toInt()));

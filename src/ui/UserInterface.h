@@ -15,7 +15,6 @@
 #include "ui/SettingsBridge.h"
 
 #include <QRect>
-
 #include <memory>
 #include <optional>
 

@@ -9,7 +9,6 @@
 #include "ui/UserInterface.h"
 
 #include <QCoreApplication>
-
 #include <string>
 #include <utility>
 

@@ -28,13 +28,15 @@ OnboardingPage {
                 "No reading of chat messages or shared content", "No data stored or transmitted"]
     }
     GrantedCard {
+        id: granted
         width: parent.width
         visible: step.isGranted
         title: "Accessibility Access Granted"
         text: "Quorva can now detect bots in live meetings"
-        onVisibleChanged: if (visible) step.reveal(this)
+        onVisibleChanged: if (visible) step.reveal(granted)
     }
     HelpCard {
+        id: help
         width: parent.width
         visible: step.showDeniedHelp
         title: "Manual Setup Required"
@@ -42,8 +44,8 @@ OnboardingPage {
         help: step.bridge.accessibilityHelp
         action: "Open Accessibility Settings"
         onPressed: step.bridge.openAccessibilitySettings()
-        onVisibleChanged: if (visible) step.reveal(this)
-        onHeightChanged: if (visible) step.reveal(this)
+        onVisibleChanged: if (visible) step.reveal(help)
+        onHeightChanged: if (visible) step.reveal(help)
     }
 
     buttons: [

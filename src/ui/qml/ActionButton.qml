@@ -33,9 +33,11 @@ Button {
     rightPadding: leftPadding
     opacity: enabled ? 1 : 0.55
     hoverEnabled: true
+    Accessible.name: text
     Accessible.description: hint
-    Keys.onReturnPressed: click()
-    Keys.onEnterPressed: click()
+    Accessible.onPressAction: if (enabled) clicked()
+    Keys.onReturnPressed: clicked()
+    Keys.onEnterPressed: clicked()
 
     contentItem: Item {
         readonly property real symbolWidth: button.symbol !== "" ? button.textSize + 2 + row.spacing : 0

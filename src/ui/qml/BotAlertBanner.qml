@@ -111,6 +111,7 @@ Window {
                 hoverEnabled: true
                 Accessible.role: Accessible.Button
                 Accessible.name: "Close"
+                Accessible.onPressAction: if (enabled) clicked()
                 onClicked: panel.bridge.dismiss()
                 contentItem: Item {
                     Symbol {

@@ -18,8 +18,9 @@ AbstractButton {
     Accessible.role: Accessible.Button
     Accessible.name: name
     Accessible.description: hint
-    Keys.onReturnPressed: click()
-    Keys.onEnterPressed: click()
+    Accessible.onPressAction: if (enabled) clicked()
+    Keys.onReturnPressed: clicked()
+    Keys.onEnterPressed: clicked()
 
     contentItem: Item {
         Symbol {

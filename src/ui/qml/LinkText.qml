@@ -11,8 +11,9 @@ AbstractButton {
     hoverEnabled: true
     Accessible.role: Accessible.Link
     Accessible.name: text
-    Keys.onReturnPressed: click()
-    Keys.onEnterPressed: click()
+    Accessible.onPressAction: if (enabled) clicked()
+    Keys.onReturnPressed: clicked()
+    Keys.onEnterPressed: clicked()
     contentItem: AppText {
         text: link.text
         color: Theme.blueText

@@ -20,6 +20,10 @@ Menu {
         text: "Allow…"
         onTriggered: menu.allowed()
         Accessible.name: text
+        Accessible.onPressAction: {
+            menu.allowed()
+            menu.close()
+        }
         Accessible.description: "Hides " + menu.product
                                 + " from now on. The settings list what is allowed."
         contentItem: Column {

@@ -11,6 +11,7 @@ TabButton {
     padding: Theme.size(6)
     hoverEnabled: true
     Accessible.name: text
+    Accessible.onPressAction: TabBar.tabBar.setCurrentIndex(TabBar.index)
     contentItem: Column {
         spacing: Theme.size(3)
         Symbol {

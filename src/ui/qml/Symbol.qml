@@ -2,20 +2,23 @@
 import QtQuick
 import QtQuick.Window
 
-Image {
+Item {
     id: symbol
 
     required property string name
     property color color: Theme.text
     property real size: Theme.size(16)
+    readonly property real dots: Math.ceil(size * Screen.devicePixelRatio)
 
-    width: size
-    height: size
-    sourceSize: Qt.size(size * Screen.devicePixelRatio, size * Screen.devicePixelRatio)
-    source: name === "" ? "" : "image://symbol/" + name + "/" + hex(color)
+    implicitWidth: size
+    implicitHeight: size
     Accessible.ignored: true
 
-    function hex(colour) {
-        return colour.toString().slice(-6)
+    Image {
+        anchors.fill: parent
+        sourceSize: Qt.size(symbol.dots, symbol.dots)
+        source: symbol.name === "" ? "" : "image://symbol/" + symbol.name + "/"
+                                          + symbol.color.toString().slice(-6)
+        Accessible.ignored: true
     }
 }

@@ -26,8 +26,14 @@ Column {
             padding: Theme.size(4)
             text: title
             checked: picker.bridge.selectedTemplate === index
+            Accessible.name: text
             Accessible.description: subtitle
-            onToggled: {
+            Accessible.checkable: true
+            Accessible.checked: checked
+            Accessible.onPressAction: choose()
+            Accessible.onToggleAction: choose()
+            onToggled: choose()
+            function choose() {
                 picker.bridge.selectedTemplate = index
                 checked = Qt.binding(() => picker.bridge.selectedTemplate === index)
             }

@@ -10,7 +10,7 @@ Rectangle {
     required property string title
     required property string text
 
-    implicitHeight: row.implicitHeight + Theme.size(20)
+    implicitHeight: Math.max(row.implicitHeight + Theme.size(20), Theme.size(70))
     radius: Theme.radius
     color: Theme.slate
     visible: opacity > 0

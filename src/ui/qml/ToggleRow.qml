@@ -15,9 +15,19 @@ Switch {
     checked: isOn
     Accessible.name: text
     Accessible.description: description
+    Accessible.checkable: true
+    Accessible.checked: checked
+    Accessible.onPressAction: press()
+    Accessible.onToggleAction: press()
+    Keys.onReturnPressed: press()
     onToggled: {
         toggle.switched(checked)
         checked = Qt.binding(() => toggle.isOn)
+    }
+
+    function press() {
+        toggle.toggle()
+        toggle.toggled()
     }
 
     indicator: Rectangle {

@@ -1,12 +1,13 @@
-// quorva-screenshots FOLDER: shows every view in its states on made-up data and saves a picture of
-// each, to be looked at by people. QT_SCALE_FACTOR says how large.
+// quorva-screenshots FOLDER [SCENE [POINTS]]: shows every view in its states on made-up data and
+// saves a picture of each, to be looked at by people; only those whose name begins with SCENE,
+// unless it is "all"; with a font of so many points. QT_SCALE_FACTOR says how large.
 #include "support/Stage.h"
 
 #include <QApplication>
 #include <QDir>
 #include <QElapsedTimer>
+#include <QFont>
 #include <QThread>
-
 #include <functional>
 #include <iostream>
 #include <vector>
@@ -25,6 +26,7 @@ struct Scene {
 constexpr char popover[] = "MenuBarView";
 constexpr char onboarding[] = "OnboardingView";
 constexpr char settings[] = "SettingsView";
+constexpr int usualPoints = 10;
 
 void showEverything(Stage& stage) {
     stage.permit(true, true);
@@ -83,7 +85,11 @@ void hostile(Stage& stage) {
 }
 
 const std::vector<Scene> scenes{
-    {"popover-clear", popover, [](Stage& stage) { showClear(stage); stage.ui.openPopover(); }},
+    {"popover-clear", popover,
+     [](Stage& stage) {
+         showClear(stage);
+         stage.ui.openPopover();
+     }},
     {"popover-off", popover,
      [](Stage& stage) {
          showClear(stage);
@@ -99,16 +105,24 @@ const std::vector<Scene> scenes{
          stage.ui.openPopover();
      }},
     {"popover-detections", popover,
-     [](Stage& stage) { showEverything(stage); stage.ui.openPopover(); }},
+     [](Stage& stage) {
+         showEverything(stage);
+         stage.ui.openPopover();
+     }},
     {"popover-permissions", popover,
-     [](Stage& stage) { stage.permit(false, false); stage.ui.openPopover(); }},
+     [](Stage& stage) {
+         stage.permit(false, false);
+         stage.ui.openPopover();
+     }},
     {"popover-accounts", popover,
      [](Stage& stage) {
          stage.permit(true, true);
          stage.state.permissions.needsCalendarAccountSetup = true;
          stage.computer.systemSettings.hasPanes = false;
          stage.ui.openPopover();
-         stage.ui.window(popover)->property("bridge").value<PopoverBridge*>()
+         stage.ui.window(popover)
+             ->property("bridge")
+             .value<PopoverBridge*>()
              ->openInternetAccounts();
      }},
     {"popover-objection-toast", popover,
@@ -129,7 +143,11 @@ const std::vector<Scene> scenes{
          stage.ui.openPopover();
          stage.ui.window(popover)->property("bridge").value<PopoverBridge*>()->refresh();
      }},
-    {"popover-hostile", popover, [](Stage& stage) { hostile(stage); stage.ui.openPopover(); }},
+    {"popover-hostile", popover,
+     [](Stage& stage) {
+         hostile(stage);
+         stage.ui.openPopover();
+     }},
     {"popover-many", popover,
      [](Stage& stage) {
          showEverything(stage);
@@ -137,19 +155,35 @@ const std::vector<Scene> scenes{
              stage.showProcess("Recorder " + std::to_string(each), BotCategory::localRecorder);
          stage.ui.openPopover();
      }},
-    {"history", popover, [](Stage& stage) { showHistory(stage); stage.ui.openHistory(); }},
-    {"history-empty", popover, [](Stage& stage) { showClear(stage); stage.ui.openHistory(); }},
+    {"history", popover,
+     [](Stage& stage) {
+         showHistory(stage);
+         stage.ui.openHistory();
+     }},
+    {"history-empty", popover,
+     [](Stage& stage) {
+         showClear(stage);
+         stage.ui.openHistory();
+     }},
     {"alert", "BotAlertBanner",
-     [](Stage& stage) { stage.state.alertPanel.show({"Otter.ai", "Zoom", "Transcription"}); }},
+     [](Stage& stage) {
+         stage.state.alertPanel.show({"Otter.ai", "Zoom", "Transcription"});
+     }},
     {"alert-long", "BotAlertBanner",
      [](Stage& stage) {
          stage.state.alertPanel.show(
              {std::string(300, 'M'), "Microsoft Teams", "Sales Intelligence"});
      }},
     {"calendar-window", "CalendarPermissionHelper",
-     [](Stage& stage) { stage.permit(false, true); stage.state.calendarWindow = true; }},
+     [](Stage& stage) {
+         stage.permit(false, true);
+         stage.state.calendarWindow = true;
+     }},
     {"calendar-window-granted", "CalendarPermissionHelper",
-     [](Stage& stage) { stage.permit(true, true); stage.state.calendarWindow = true; }},
+     [](Stage& stage) {
+         stage.permit(true, true);
+         stage.state.calendarWindow = true;
+     }},
     {"calendar-consent", "CalendarConsent",
      [](Stage& stage) { stage.consent.request([](const CalendarStore::AccessAnswer&) {}); }},
     {"onboarding-1-welcome", onboarding, [](Stage& stage) { onboardingStep(stage, 0); }},
@@ -222,7 +256,7 @@ void wait(Stage& stage, int milliseconds) {
     }
 }
 
-bool save(const Scene& scene, const QDir& folder) {
+bool save(const Scene& scene, const QDir& folder, int points) {
     Stage stage;
     scene.set(stage);
     stage.settle();
@@ -231,7 +265,8 @@ bool save(const Scene& scene, const QDir& folder) {
         return false;
     wait(stage, 700);
     const QString ratio = QString::number(window->devicePixelRatio());
-    const QString path = folder.filePath(QString(scene.name) + "@" + ratio + "x.png");
+    const QString font = points == usualPoints ? "" : "-font" + QString::number(points);
+    const QString path = folder.filePath(scene.name + font + "@" + ratio + "x.png");
     return window->grabWindow().save(path);
 }
 
@@ -241,16 +276,20 @@ int main(int argc, char* argv[]) {
     QApplication application(argc, argv);
     QApplication::setApplicationVersion("0.1.0");
     const QStringList arguments = QApplication::arguments();
-    const QString only = arguments.value(2);
+    const QString only = arguments.value(2, "all");
+    const int points = arguments.value(3, QString::number(usualPoints)).toInt();
     if (arguments.size() < 2 || !QDir().mkpath(arguments[1])) {
-        std::cerr << "Usage: quorva-screenshots FOLDER [SCENE]\n";
+        std::cerr << "Usage: quorva-screenshots FOLDER [SCENE [POINTS]]\n";
         return 2;
     }
+    QFont font = QApplication::font();
+    font.setPointSize(points);
+    QApplication::setFont(font);
     bool isComplete = true;
     for (const Scene& scene : scenes) {
-        if (!only.isEmpty() && !QString(scene.name).startsWith(only))
+        if (only != "all" && !QString(scene.name).startsWith(only))
             continue;
-        const bool isSaved = save(scene, QDir(arguments[1]));
+        const bool isSaved = save(scene, QDir(arguments[1]), points);
         std::cout << scene.name << (isSaved ? "" : ": failed") << '\n';
         isComplete = isComplete && isSaved;
     }

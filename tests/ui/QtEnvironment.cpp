@@ -1,0 +1,47 @@
+#include "QtEnvironment.h"
+
+#include <gtest/gtest.h>
+
+#include <QAccessible>
+#include <utility>
+
+namespace quorva {
+
+namespace {
+
+std::string warnings;
+
+void note(QtMsgType type, const QMessageLogContext&, const QString& message) {
+    if (type != QtDebugMsg && type != QtInfoMsg && !message.contains("XDG_RUNTIME_DIR") &&
+        !message.startsWith("This plugin does not support"))
+        warnings += message.toStdString() + '\n';
+}
+
+class QtEnvironment final : public testing::Environment {
+public:
+    void SetUp() override {
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+        qputenv("QT_QUICK_BACKEND", "software");
+        qInstallMessageHandler(note);
+        static int count = 1;
+        static char name[] = "ui_tests";
+        static char* arguments[] = {name, nullptr};
+        application = std::make_unique<QApplication>(count, arguments);
+        QAccessible::setActive(true); // as if a screen reader were there
+    }
+    void TearDown() override { application.reset(); }
+
+private:
+    std::unique_ptr<QApplication> application;
+};
+
+// Google Test runs and frees it.
+const auto* const environment = testing::AddGlobalTestEnvironment(new QtEnvironment);
+
+} // namespace
+
+std::string takeWarnings() {
+    return std::exchange(warnings, {});
+}
+
+} // namespace quorva
