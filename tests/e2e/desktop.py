@@ -2,6 +2,7 @@
 
 import os
 import pathlib
+import shutil
 import subprocess
 
 import dbus
@@ -9,6 +10,7 @@ import dbus
 from conftest import DEADLINE, Computer
 
 SESSION = pathlib.Path(__file__).parents[1] / "support" / "private-session.sh"
+ZOOM_WINDOW = pathlib.Path(__file__).with_name("zoom_window.py")
 LAUNCHER = ("org.a11y.Bus", "/org/a11y/bus")
 SCREEN = "1280x900x24"
 
@@ -69,3 +71,21 @@ class Session(Computer):
         self.session.wait(DEADLINE)
         for child in self.children:
             child.wait(DEADLINE)
+
+
+class ZoomWindow:
+    """A running program that counts as Zoom, by its name and its desktop entry."""
+
+    def __init__(self, desktop):
+        program = desktop.home / "opt" / "zoom"
+        program.parent.mkdir(exist_ok=True)
+        shutil.copy(ZOOM_WINDOW, program)
+        program.chmod(0o755)
+        desktop.add_desktop_entry("Zoom", "Zoom", program)
+        self.process = desktop.start([program], stdin=subprocess.PIPE, stdout=subprocess.PIPE,
+                                     text=True, bufsize=1)
+        assert self.process.stdout.readline() == "shown\n"
+
+    def tell(self, command, argument):
+        self.process.stdin.write(f"{command} {argument}\n")
+        assert self.process.stdout.readline() == f"{command}\n"

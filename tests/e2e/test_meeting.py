@@ -11,10 +11,9 @@ import time
 import pytest
 
 from conftest import Watch, wait_until
-from desktop import Session
+from desktop import Session, ZoomWindow
 from meeting_site import BROWSERS, Browser, Site
 
-ZOOM_WINDOW = pathlib.Path(__file__).with_name("zoom_window.py")
 NAMES = {"firefox": "Firefox", "chromium": "Chromium"}
 
 
@@ -86,24 +85,6 @@ def assert_nothing_walked(look):
 
 
 # A program of its own. First, because there is no browser yet that would be looked at too.
-
-
-class ZoomWindow:
-    """A running program that counts as Zoom, by its name and its desktop entry."""
-
-    def __init__(self, desktop):
-        program = desktop.home / "opt" / "zoom"
-        program.parent.mkdir(exist_ok=True)
-        shutil.copy(ZOOM_WINDOW, program)
-        program.chmod(0o755)
-        desktop.add_desktop_entry("Zoom", "Zoom", program)
-        self.process = desktop.start([program], stdin=subprocess.PIPE, stdout=subprocess.PIPE,
-                                     text=True, bufsize=1)
-        assert self.process.stdout.readline() == "shown\n"
-
-    def tell(self, command, argument):
-        self.process.stdin.write(f"{command} {argument}\n")
-        assert self.process.stdout.readline() == f"{command}\n"
 
 
 @pytest.fixture

@@ -1,0 +1,120 @@
+"""The application as a screen reader has it: what its windows say, and what can be pressed in them.
+
+Elements are asked one property at a time over the accessibility bus; nothing is remembered.
+"""
+
+import dbus
+
+from conftest import wait_until
+
+ACCESSIBLE = "org.a11y.atspi.Accessible"
+REGISTRY = ("org.a11y.atspi.Registry", "/org/a11y/atspi/accessible/root")
+CHECKED, FOCUSED, SHOWING = 4, 12, 25
+LONGEST = 20.0
+
+
+class Element:
+    def __init__(self, reader, name, path):
+        self.reader = reader
+        self.proxy = reader.bus.get_object(name, path, introspect=False)
+
+    def _get(self, interface, name):
+        return self.proxy.Get(interface, name, dbus_interface=dbus.PROPERTIES_IFACE)
+
+    @property
+    def name(self):
+        return str(self._get(ACCESSIBLE, "Name"))
+
+    @property
+    def description(self):
+        return str(self._get(ACCESSIBLE, "Description"))
+
+    @property
+    def role(self):
+        return str(self.proxy.GetRoleName(dbus_interface=ACCESSIBLE))
+
+    def is_(self, state):
+        words = self.proxy.GetState(dbus_interface=ACCESSIBLE)
+        return bool(int(words[state // 32]) >> state % 32 & 1)
+
+    def children(self):
+        return [Element(self.reader, str(name), str(path))
+                for name, path in self.proxy.GetChildren(dbus_interface=ACCESSIBLE)]
+
+    def act(self, *names):
+        """Does the first of its actions that has one of these names."""
+        actions = [str(action[0]).lower() for action in
+                   self.proxy.GetActions(dbus_interface="org.a11y.atspi.Action")]
+        for name in names:
+            if name in actions:
+                self.proxy.DoAction(actions.index(name), dbus_interface="org.a11y.atspi.Action")
+                return
+        raise AssertionError(f"{self.name} can do {actions}, not {names}")
+
+    def walk(self):
+        """It and all that shows beneath it, in the order in which it is read out."""
+        yield self
+        for child in self.children():
+            if child.is_(SHOWING):
+                yield from child.walk()
+
+
+class ScreenReader:
+    """Reads the windows of one application on the session's accessibility bus."""
+
+    def __init__(self, desktop, application="quorva"):
+        launcher = desktop.bus.get_object("org.a11y.Bus", "/org/a11y/bus")
+        self.bus = dbus.bus.BusConnection(launcher.GetAddress(dbus_interface="org.a11y.Bus"))
+        self.application = application
+
+    def close(self):
+        self.bus.close()
+
+    def windows(self):
+        registry = self.bus.get_object(*REGISTRY, introspect=False)
+        found = {}
+        for name, path in registry.GetChildren(dbus_interface=ACCESSIBLE):
+            application = Element(self, str(name), str(path))
+            try:
+                if application.name == self.application:
+                    found.update({window.name: window for window in application.children()
+                                  if window.is_(SHOWING)})
+            except dbus.DBusException:
+                continue  # it has just ended
+        return found
+
+    def _elements(self, window):
+        shown = self.windows()
+        for name, each in shown.items():
+            if window is None or name == window:
+                yield from each.walk()
+
+    def _first(self, name, window, role):
+        try:
+            for element in self._elements(window):
+                if element.name == name and (role is None or element.role == role):
+                    return element
+        except dbus.DBusException:
+            pass  # it has just gone: look anew
+        return None
+
+    def find(self, name, window=None, role=None):
+        """The first element of this name, once it is there."""
+        return wait_until(lambda: self._first(name, window, role), f'"{name}" on the screen')
+
+    def wait_until_gone(self, name, window=None):
+        wait_until(lambda: not self._first(name, window, None), f'"{name}" to go')
+
+    def press(self, name, window=None, role=None):
+        self.find(name, window, role).act("press", "toggle", "click")
+
+    def read(self, window=None):
+        """All that the windows say, in their order."""
+        try:
+            return [element.name for element in self._elements(window) if element.name]
+        except dbus.DBusException:
+            return []
+
+    def hears(self, text, window=None):
+        return wait_until(lambda: next((said for said in self.read(window) if text in said), None),
+                          f'"{text}" to be read')
