@@ -222,6 +222,26 @@ TEST_F(UserInterfaceTest, aScreenReaderCanOperateWhatItIsToldOf) {
     EXPECT_EQ(stage.computer.systemSettings.addresses.size(), 1U);
 }
 
+TEST_F(UserInterfaceTest, theKeyboardGoesThroughThePopoverAsItIsRead) {
+    detectEverything();
+    stage.permit(true, true);
+    stage.ui.openPopover();
+    ASSERT_TRUE(isShown(popoverView));
+    auto& popover = *stage.ui.window(popoverView);
+    std::vector<std::string> names;
+    for (int each = 0; each < 13; ++each) {
+        QTest::keyClick(&popover, Qt::Key_Tab);
+        auto* const at = QAccessible::queryAccessibleInterface(popover.activeFocusItem());
+        names.push_back(at->text(QAccessible::Name).toStdString());
+    }
+    EXPECT_THAT(names, testing::ElementsAre(
+                           "Monitoring toggle", "Object to Otter.ai", "More for Otter.ai",
+                           "Object to Read.ai", "Dismiss Read.ai", "More for Read.ai",
+                           "More for Granola", "Refresh all scans", "View detection history",
+                           "Object to AI recording", "Open settings",
+                           "Share Quorva with a colleague", "Quit Quorva"));
+}
+
 TEST_F(UserInterfaceTest, everyTextStandsOutFromWhatIsBehindIt) {
     lookAtEveryView([](QQuickWindow& window) {
         for (const auto& [text, contrast] : contrastsOf(window))

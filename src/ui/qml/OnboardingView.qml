@@ -11,10 +11,10 @@ Window {
                                   detectionLive]
 
     title: "Welcome to Quorva"
-    width: Theme.size(520)
-    height: Theme.size(640)
-    minimumWidth: Theme.size(420)
-    minimumHeight: 420
+    width: Math.min(Theme.size(520), Screen.desktopAvailableWidth)
+    height: Math.min(Theme.size(640), Screen.desktopAvailableHeight - 40)
+    minimumWidth: Math.min(Theme.size(420), width)
+    minimumHeight: 300
     color: Theme.grey50
 
     Component { id: welcome; WelcomeStep { bridge: onboarding.bridge } }

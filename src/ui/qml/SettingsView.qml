@@ -11,10 +11,10 @@ Window {
     property alias currentTab: bar.currentIndex
 
     title: "Quorva Settings"
-    width: Theme.size(560)
-    height: Theme.size(600)
-    minimumWidth: Theme.size(440)
-    minimumHeight: 360
+    width: Math.min(Theme.size(560), Screen.desktopAvailableWidth)
+    height: Math.min(Theme.size(600), Screen.desktopAvailableHeight - 40)
+    minimumWidth: Math.min(Theme.size(440), width)
+    minimumHeight: 300
     color: Theme.grey50
 
     ColumnLayout {
