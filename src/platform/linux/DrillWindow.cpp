@@ -11,6 +11,7 @@ namespace quorva {
 namespace {
 
 constexpr std::uint64_t patience = 5'000'000; // microseconds
+constexpr const char* tree = "/org/a11y/atspi/accessible";
 constexpr std::string_view folder = "/org/a11y/atspi/accessible/";
 constexpr std::string_view rootName = "root";
 
@@ -59,9 +60,8 @@ DrillWindow::DrillWindow(const std::string& title, const std::vector<std::string
     const char* name = nullptr;
     if (sd_bus_set_address(made, accessibilityBus().c_str()) < 0 ||
         sd_bus_set_bus_client(made, 1) < 0 || sd_bus_set_method_call_timeout(made, patience) < 0 ||
-        sd_bus_add_fallback(made, nullptr, folder.substr(0, folder.size() - 1).data(), receive,
-                            this) < 0 ||
-        sd_bus_start(made) < 0 || sd_bus_get_unique_name(made, &name) < 0)
+        sd_bus_add_fallback(made, nullptr, tree, receive, this) < 0 || sd_bus_start(made) < 0 ||
+        sd_bus_get_unique_name(made, &name) < 0)
         refuse("the accessibility bus can't be reached");
     ownName = name;
     embed();
