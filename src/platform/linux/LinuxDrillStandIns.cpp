@@ -5,6 +5,7 @@
 #include "platform/linux/DrillMode.h"
 #include "platform/linux/DrillProcess.h"
 #include "platform/linux/IcsFolderStore.h"
+#include "platform/linux/Utf8.h"
 
 #include <cstdio>
 #include <exception>
@@ -15,21 +16,29 @@
 namespace quorva {
 namespace {
 
+using Places = std::vector<std::filesystem::path>;
+
 /// Files that have been made in a folder of their own, or why not.
 struct MadeFiles {
     std::shared_ptr<DrillFolder> folder;
     std::string problem;
+    std::size_t place = 0; ///< in which it is
 };
 
-MadeFiles makeFiles(const std::filesystem::path& place,
+/// Makes them in the first place from this one on where that is possible.
+MadeFiles makeFiles(const Places& places, std::size_t first,
                     const std::function<void(const std::filesystem::path& folder)>& make) {
-    try {
-        const auto folder = std::make_shared<DrillFolder>(place);
-        make(folder->path());
-        return {folder, {}};
-    } catch (const std::exception& failure) {
-        return {nullptr, failure.what()};
-    }
+    MadeFiles made{.folder = nullptr, .problem = "there is no folder for temporary files"};
+    for (made.place = first; made.place < places.size(); ++made.place)
+        try {
+            auto folder = std::make_shared<DrillFolder>(places[made.place]);
+            make(folder->path());
+            made.folder = std::move(folder);
+            break;
+        } catch (const std::exception& failure) {
+            made.problem = validUtf8(failure.what());
+        }
+    return made;
 }
 
 /// "20260302T100000Z"
@@ -110,42 +119,41 @@ Subscription LinuxDrillStandIns::startProgram(const std::string& name,
     return owning(std::move(running));
 }
 
-/// Copies it to a place, and starts it there; where that is forbidden, to the next place.
-void LinuxDrillStandIns::copyProgram(const std::weak_ptr<Program>& weak, std::size_t place) {
+/// Copies it to a place, or one after that, and starts it there.
+void LinuxDrillStandIns::copyProgram(const std::weak_ptr<Program>& weak, std::size_t firstPlace) {
     const auto asked = weak.lock();
-    const auto start = [this, weak, place](std::optional<MadeFiles> made) {
-        const auto running = weak.lock();
-        if (!running)
-            return;
-        const bool isLast = place + 1 == places.size();
-        if (!made->folder)
-            return isLast ? running->done({.problem = made->problem})
-                          : copyProgram(weak, place + 1);
-        running->folder = std::move(made->folder);
-        const auto take = lifetime.guard([this, weak, place, isLast](const RunningStandIn& started,
-                                                                     bool isForbidden) {
-            const auto holder = weak.lock();
-            if (!holder)
-                return;
-            if (isForbidden && !isLast)
-                return copyProgram(weak, place + 1);
-            holder->done(isForbidden ? RunningStandIn{.problem = started.problem +
-                                                                 ": no folder for temporary files "
-                                                                 "lets programs be run from it"}
-                                     : started);
-        });
-        running->process = std::make_unique<DrillProcess>(
-            running->folder->path() / running->name, std::vector<std::string>{"program"}, take);
-    };
+    if (!asked)
+        return;
     runBlocking<MadeFiles>(
         nullptr,
-        [from = program, to = places[place], name = asked->name](GCancellable*) {
-            return makeFiles(to, [&](const std::filesystem::path& folder) {
+        [from = program, to = places, firstPlace, name = asked->name](GCancellable*) {
+            return makeFiles(to, firstPlace, [&](const std::filesystem::path& folder) {
                 std::filesystem::copy_file(from, folder / name);
                 std::filesystem::permissions(folder / name, std::filesystem::perms::owner_all);
             });
         },
-        lifetime.guard(start));
+        lifetime.guard([this, weak](std::optional<MadeFiles> made) {
+            const auto copied = weak.lock();
+            if (!copied)
+                return;
+            if (!made->folder)
+                return copied->done({.problem = made->problem});
+            copied->folder = std::move(made->folder);
+            runCopy(weak, made->place);
+        }));
+}
+
+/// A place may be one from which the system lets no programs be run: then the next one is tried.
+void LinuxDrillStandIns::runCopy(const std::weak_ptr<Program>& weak, std::size_t place) {
+    const auto copied = weak.lock();
+    copied->process = std::make_unique<DrillProcess>(
+        copied->folder->path() / copied->name, std::vector<std::string>{"program"},
+        lifetime.guard([this, weak, place](const RunningStandIn& started, bool isForbidden) {
+            if (isForbidden && place + 1 < places.size())
+                return copyProgram(weak, place + 1);
+            if (const auto running = weak.lock())
+                running->done(started);
+        }));
 }
 
 Subscription LinuxDrillStandIns::showWindow(const std::string& title,
@@ -165,8 +173,8 @@ Subscription LinuxDrillStandIns::writeCalendar(const DrillEvent& event,
     const std::weak_ptr weak(calendar);
     runBlocking<MadeFiles>(
         nullptr,
-        [event, place = places.front()](GCancellable*) {
-            return makeFiles(place, [&](const std::filesystem::path& folder) {
+        [event, in = places](GCancellable*) {
+            return makeFiles(in, 0, [&](const std::filesystem::path& folder) {
                 writeFile(folder / "drill.ics", iCalendarOf(event));
             });
         },
