@@ -3,10 +3,12 @@
 #include "ProgramLog.h"
 #include "platform/linux/AtspiAccessibilityTree.h"
 #include "platform/linux/DesktopEntries.h"
+#include "platform/linux/DrillMode.h"
 #include "platform/linux/GLibMainLoop.h"
 #include "platform/linux/JournalLog.h"
 #include "platform/linux/LinuxApplications.h"
 #include "platform/linux/LinuxCalendarStore.h"
+#include "platform/linux/LinuxDrillStandIns.h"
 #include "platform/linux/LinuxFileSystem.h"
 #include "platform/linux/LinuxProcessTable.h"
 #include "platform/linux/LinuxWholeFile.h"
@@ -14,6 +16,7 @@
 #include "platform/linux/PreferencesFormat.h"
 #include "platform/linux/SystemdUnitSignals.h"
 #include "scan/Scan.h"
+#include "scan/SelfTestReport.h"
 
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
@@ -141,7 +144,35 @@ int watch(const ScanOptions& options, LinuxServices& services) {
     return status;
 }
 
+/// Interrupted, it takes its stand-ins down and says that not everything was tried.
+int selfTest(const ScanOptions& options, LinuxServices& services) {
+    const auto quit = [&] { services.loop.quit(); };
+    const auto onInterrupt = GLibMainLoop::onSignal(SIGINT, quit);
+    const auto onTerminate = GLibMainLoop::onSignal(SIGTERM, quit);
+    LinuxDrillStandIns standIns(services.loop, services.calendars);
+    SelfTest test(services.platform, standIns);
+    int status = notLookedAt;
+    test.run(
+        linksOf(options.sources),
+        [&](const DrillFinding& finding) {
+            if (options.json)
+                return;
+            fmt::print("{}", describeLink(finding));
+            std::fflush(stdout);
+        },
+        [&](const std::vector<DrillFinding>& findings) {
+            status = selfTestStatus(findings);
+            fmt::print("{}", options.json ? dump(selfTestToJson(findings)) + "\n"
+                                          : describeSelfTest(findings));
+            quit();
+        });
+    services.loop.run();
+    return status;
+}
+
 int run(const std::vector<std::string_view>& arguments) {
+    if (const auto status = runAsDrillStandIn(arguments))
+        return *status;
     const auto [options, problem] = parseScanOptions(arguments);
     if (!options) {
         fmt::print(stderr, "quorva-scan: {}\n\n{}", problem, scanUsage());
@@ -152,6 +183,8 @@ int run(const std::vector<std::string_view>& arguments) {
         return 0;
     }
     LinuxServices services(*options);
+    if (options->selfTest)
+        return selfTest(*options, services);
     return options->watch ? watch(*options, services) : lookOnce(*options, services);
 }
 

@@ -1,13 +1,12 @@
 #include "scan/Scan.h"
 
+#include "drill/Remedies.h"
+
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
 
 namespace quorva {
 namespace {
-
-constexpr auto processesCannotBeListed =
-    "the processes can't be listed: /proc is not mounted or can't be read";
 
 std::string describeUnread(const UnreadMeetingWindow& unread) {
     auto what = unread.applicationName;
@@ -144,7 +143,7 @@ std::vector<SourceReport> Scan::reports() const {
 SourceReport Scan::processReport() const {
     const auto& [listed, seen, denied] = *processes.coverage;
     if (!listed)
-        return {ScanSource::process, SourceStatus::unavailable, processesCannotBeListed};
+        return {ScanSource::process, SourceStatus::unavailable, remedies::processesCannotBeListed};
     auto detail = fmt::format("looked at {} processes", seen);
     if (denied > 0)
         detail +=
@@ -182,12 +181,9 @@ SourceReport Scan::meetingReport() const {
         return SourceReport{ScanSource::meeting, status, std::move(detail)};
     };
     if (!*meetings.hasAccessibilityPermission)
-        return report(SourceStatus::noAccess,
-                      "accessibility is switched off: switch it on in the desktop's accessibility "
-                      "settings, or with \"gsettings set org.gnome.desktop.interface "
-                      "toolkit-accessibility true\", and restart the programs that run already");
+        return report(SourceStatus::noAccess, remedies::accessibilityIsOff);
     if (const auto listed = processTable.processIdentifiers(); !listed || listed->empty())
-        return report(SourceStatus::unavailable, processesCannotBeListed);
+        return report(SourceStatus::unavailable, remedies::processesCannotBeListed);
     const auto& looked = *meetings.coverage;
     auto detail = fmt::format("applications that may hold meetings: {}; meeting windows: {}",
                               looked.applications, looked.windows);

@@ -4,8 +4,8 @@
 #include "detectors/CalendarMonitor.h"
 #include "detectors/MeetingParticipantMonitor.h"
 #include "detectors/ProcessMonitor.h"
+#include "platform/NoPreferences.h"
 #include "platform/Platform.h"
-#include "scan/NoPreferences.h"
 #include "scan/ScanOptions.h"
 #include "scan/ScanReport.h"
 

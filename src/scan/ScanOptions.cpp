@@ -48,6 +48,8 @@ ParsedOptions parseScanOptions(const std::vector<std::string_view>& arguments) {
             options.json = true;
         else if (*at == "--watch")
             options.watch = true;
+        else if (*at == "--self-test")
+            options.selfTest = true;
         else if (*at == "--help" || *at == "-h")
             options.help = true;
         else if (*at == "--version")
@@ -71,6 +73,8 @@ ParsedOptions parseScanOptions(const std::vector<std::string_view>& arguments) {
         options.sources.push_back(*known);
         options.namesSources = true;
     }
+    if (options.selfTest && options.watch)
+        return wrong("--self-test and --watch don't go together");
     if (options.sources.empty())
         options.sources.assign(everySource.begin(), everySource.end());
     std::sort(options.sources.begin(), options.sources.end());
@@ -80,7 +84,7 @@ ParsedOptions parseScanOptions(const std::vector<std::string_view>& arguments) {
 }
 
 std::string_view scanUsage() {
-    return R"(Usage: quorva-scan [--json] [--watch] [--source process|calendar|meeting]...
+    return R"(Usage: quorva-scan [--json] [--watch | --self-test] [--source process|calendar|meeting]...
 
 Looks once for AI note-takers, recorders and sales assistants, and says what it found.
 
@@ -89,11 +93,14 @@ Looks once for AI note-takers, recorders and sales assistants, and says what it 
   --json         print one JSON object instead of a table
   --watch        keep looking, and print a line of JSON for each product that appears or disappears,
                  until interrupted
+  --self-test    look for nothing real: send a harmless stand-in through each source to a detection,
+                 and say which link is broken, if one is. Calendars of yours are not read.
   --version      print the version
   --help         print this
 
 Exit status: 0 looked everywhere asked, nothing found; 1 something found; 2 wrong use or internal
-error; 3 nothing found, but a source could not be looked at.
+error; 3 nothing found, but a source could not be looked at. Of a self-test: 0 every link works;
+3 one is broken or could not be tried.
 )";
 }
 

@@ -17,6 +17,7 @@ enum class ScanSource { process, calendar, meeting };
 struct ScanOptions {
     bool json = false;
     bool watch = false;
+    bool selfTest = false;
     bool help = false;
     bool version = false;
     std::vector<ScanSource> sources; ///< each once, in the order of the enumeration

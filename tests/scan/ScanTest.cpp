@@ -36,6 +36,7 @@ TEST(ScanOptions, sayWhatIsWrong) {
     EXPECT_THAT(parseScanOptions({"--source", "disk"}).problem, HasSubstr("\"disk\""));
     EXPECT_THAT(parseScanOptions({"--jsno"}).problem, HasSubstr("\"--jsno\""));
     EXPECT_FALSE(parseScanOptions({"--jsno"}).options);
+    EXPECT_THAT(parseScanOptions({"--watch", "--self-test"}).problem, HasSubstr("together"));
 }
 
 class ScanTest : public testing::Test {

@@ -27,6 +27,11 @@ public:
     [[nodiscard]] std::vector<CalendarSource> sources() const override;
     [[nodiscard]] Subscription onChange(Task callback) override;
 
+    /// As EdsCalendarStore::findService, whatever the user allows: nothing is read of a calendar.
+    [[nodiscard]] Subscription findService(std::function<void(EdsCalendarStore::Service)> done) {
+        return service.findService(std::move(done));
+    }
+
 private:
     struct Request;
 

@@ -1,0 +1,84 @@
+#include "scan/SelfTestReport.h"
+
+#include "catalogue/Text.h"
+
+#include <fmt/format.h>
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+
+namespace quorva {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+std::string_view nameOf(DrillLink link) {
+    switch (link) {
+    case DrillLink::process:
+        return nameOf(ScanSource::process);
+    case DrillLink::calendar:
+        return nameOf(ScanSource::calendar);
+    case DrillLink::meeting:
+        break;
+    }
+    return nameOf(ScanSource::meeting);
+}
+
+std::string_view statusOf(const DrillFinding& finding) {
+    return finding.isBroken() ? "broken" : "ok";
+}
+
+} // namespace
+
+std::vector<DrillLink> linksOf(const std::vector<ScanSource>& sources) {
+    std::vector<DrillLink> links;
+    for (const auto source : sources)
+        links.push_back(source == ScanSource::process    ? DrillLink::process
+                        : source == ScanSource::calendar ? DrillLink::calendar
+                                                         : DrillLink::meeting);
+    return links;
+}
+
+std::string describeLink(const DrillFinding& finding) {
+    auto text = fmt::format("  {:<8}  {:<6}  ", nameOf(finding.link), statusOf(finding));
+    for (const auto& step : finding.passed)
+        text += printable(step) + " … ";
+    if (finding.isBroken())
+        return text + fmt::format("could not {}: {}\n", finding.broken.step,
+                                  printable(finding.broken.problem));
+    return text + fmt::format("ok in {:.1f} s\n", finding.took.count());
+}
+
+std::string describeSelfTest(const std::vector<DrillFinding>& findings) {
+    std::string broken;
+    for (const auto& finding : findings)
+        if (finding.isBroken())
+            broken += fmt::format("{}{}", broken.empty() ? "" : ", ", nameOf(finding.link));
+    return broken.empty() ? "Every link works.\n" : fmt::format("Broken: {}.\n", broken);
+}
+
+Json selfTestToJson(const std::vector<DrillFinding>& findings) {
+    Json links = Json::array();
+    for (const auto& finding : findings) {
+        Json broken;
+        if (finding.isBroken())
+            broken = {{"step", finding.broken.step}, {"problem", finding.broken.problem}};
+        links.push_back({{"link", nameOf(finding.link)},
+                         {"status", statusOf(finding)},
+                         {"passed", finding.passed},
+                         {"broken", std::move(broken)},
+                         {"seconds", finding.took.count()}});
+    }
+    return {{"version", 1},
+            {"verdict", selfTestStatus(findings) == 0 ? "ok" : "broken"},
+            {"links", std::move(links)}};
+}
+
+int selfTestStatus(const std::vector<DrillFinding>& findings) {
+    return std::any_of(findings.begin(), findings.end(),
+                       [](const DrillFinding& finding) { return finding.isBroken(); })
+               ? 3
+               : 0;
+}
+
+} // namespace quorva
