@@ -27,6 +27,7 @@ SILENCE = 100  # of 32,767
 DUNSTRC = """[global]
     dmenu = {home}/pick
     notification_limit = 20
+{appearance}
 [urgency_low]
     timeout = 0
 [urgency_normal]
@@ -84,8 +85,9 @@ class Desktop(Session):
 
     # Services.
 
-    def start_notifications(self):
-        (self.home / "dunstrc").write_text(DUNSTRC.format(home=self.home))
+    def start_notifications(self, appearance=""):
+        (self.home / "dunstrc").write_text(
+            DUNSTRC.format(home=self.home, appearance=appearance))
         (self.home / "pick").write_text(PICK.format(home=self.home))
         (self.home / "pick").chmod(0o700)
         server = self.start(["dunst", "-config", str(self.home / "dunstrc")],

@@ -46,9 +46,9 @@ class Session(Computer):
         bus.start_service_by_name("org.a11y.atspi.Registry")
         bus.close()
 
-    def open_display(self):
+    def open_display(self, screen=SCREEN):
         reader, writer = os.pipe()
-        self.start(["Xvfb", "-displayfd", str(writer), "-screen", "0", SCREEN,
+        self.start(["Xvfb", "-displayfd", str(writer), "-screen", "0", screen,
                     "-nolisten", "tcp", "-noreset"],
                    pass_fds=[writer], stderr=subprocess.DEVNULL)
         os.close(writer)

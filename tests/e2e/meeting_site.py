@@ -14,6 +14,7 @@ from conftest import wait_until
 
 PAGE = """<!DOCTYPE html>
 <html lang="en"><meta charset="utf-8"><title>TITLE</title>
+<style>STYLE</style>
 <div id="banner" role="status"></div>
 <h1>Weekly planning</h1>
 <section aria-label="In this call"><ul id="people"></ul></section>
@@ -83,9 +84,10 @@ class Site(http.server.ThreadingHTTPServer):
 
     daemon_threads = True
 
-    def __init__(self):
+    def __init__(self, style=""):
         super().__init__(("127.0.0.1", 0), Handler)
         self.pages = {}
+        self.style = style
         threading.Thread(target=self.serve_forever, daemon=True).start()
 
     def add(self, path, *arguments, **options):
@@ -114,7 +116,8 @@ class Handler(http.server.BaseHTTPRequestHandler):
             self.answer(404, "text/plain", "")
         elif not asks:
             page.shown = -1
-            self.answer(200, "text/html", PAGE.replace("TITLE", page.title))
+            self.answer(200, "text/html", PAGE.replace("TITLE", page.title)
+                        .replace("STYLE", self.server.style))
         else:
             query = urllib.parse.parse_qs(url.query)
             page.shown = int(query["shown"][0])
