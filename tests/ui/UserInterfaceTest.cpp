@@ -234,12 +234,12 @@ TEST_F(UserInterfaceTest, theKeyboardGoesThroughThePopoverAsItIsRead) {
         auto* const at = QAccessible::queryAccessibleInterface(popover.activeFocusItem());
         names.push_back(at->text(QAccessible::Name).toStdString());
     }
-    EXPECT_THAT(names, testing::ElementsAre(
-                           "Monitoring toggle", "Object to Otter.ai", "More for Otter.ai",
-                           "Object to Read.ai", "Dismiss Read.ai", "More for Read.ai",
-                           "More for Granola", "Refresh all scans", "View detection history",
-                           "Object to AI recording", "Open settings",
-                           "Share Quorva with a colleague", "Quit Quorva"));
+    EXPECT_THAT(names,
+                testing::ElementsAre(
+                    "Monitoring toggle", "Object to Otter.ai", "More for Otter.ai",
+                    "Object to Read.ai", "Dismiss Read.ai", "More for Read.ai", "More for Granola",
+                    "Refresh all scans", "View detection history", "Object to AI recording",
+                    "Open settings", "Share Quorva with a colleague", "Quit Quorva"));
 }
 
 TEST_F(UserInterfaceTest, everyTextStandsOutFromWhatIsBehindIt) {

@@ -1,0 +1,96 @@
+// popover-bench: how long it takes from the press on the tray icon until the popover is
+// painted, the first time and later; how fast sixty rows scroll; and what memory the windows hold,
+// and leave behind. Prints; judges nothing.
+#include "support/Stage.h"
+
+#include <fmt/format.h>
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <algorithm>
+#include <fstream>
+#include <unistd.h>
+#include <vector>
+
+namespace {
+
+using namespace quorva;
+using namespace std::chrono_literals;
+
+constexpr char popover[] = "MenuBarView";
+
+double residentMegabytes() {
+    long pages = 0;
+    long resident = 0;
+    std::ifstream("/proc/self/statm") >> pages >> resident;
+    return static_cast<double>(resident * sysconf(_SC_PAGESIZE)) / 1e6;
+}
+
+/// Waits until the window has painted once more; how long that took.
+double millisecondsToPaint(Stage& stage, const std::function<void()>& change) {
+    QElapsedTimer timer;
+    timer.start();
+    change();
+    auto* const window = stage.ui.window(popover);
+    bool isPainted = false;
+    const auto connection = QObject::connect(window, &QQuickWindow::frameSwapped, window,
+                                             [&isPainted] { isPainted = true; });
+    window->update();
+    while (!isPainted && timer.elapsed() < 5000) {
+        stage.computer.loop.runPosted();
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 1);
+    }
+    QObject::disconnect(connection);
+    return static_cast<double>(timer.nsecsElapsed()) / 1e6;
+}
+
+QQuickItem* scrollArea(QQuickItem* item) {
+    if (item->inherits("QQuickFlickable"))
+        return item;
+    for (auto* const child : item->childItems())
+        if (auto* const found = scrollArea(child))
+            return found;
+    return nullptr;
+}
+
+double slowestScrollStep(Stage& stage) {
+    auto* const area = scrollArea(stage.ui.window(popover)->contentItem());
+    std::vector<double> steps;
+    for (int at = 0; at < 120; ++at)
+        steps.push_back(
+            millisecondsToPaint(stage, [&] { area->setProperty("contentY", 20 * at); }));
+    return *std::max_element(steps.begin(), steps.end());
+}
+
+} // namespace
+
+int main(int argc, char* argv[]) {
+    QApplication application(argc, argv);
+    Stage stage;
+    stage.permit(true, true);
+    const double idle = residentMegabytes();
+    const auto open = [&] { stage.ui.openPopover(); };
+    fmt::print("popover, first time:  {:6.1f} ms until painted\n",
+               millisecondsToPaint(stage, open));
+    std::vector<double> later;
+    for (int each = 0; each < 10; ++each) {
+        stage.ui.closePopover();
+        stage.settle();
+        later.push_back(millisecondsToPaint(stage, open));
+    }
+    fmt::print("popover, then:        {:6.1f} ms, the slowest of ten\n",
+               *std::max_element(later.begin(), later.end()));
+    for (int each = 0; each < 60; ++each)
+        stage.showProcess("Recorder " + std::to_string(each), BotCategory::localRecorder);
+    fmt::print("sixty rows appear:    {:6.1f} ms\n",
+               millisecondsToPaint(stage, [&] { stage.settle(); }));
+    fmt::print("scrolling sixty rows: {:6.1f} ms a frame, the slowest of 120\n",
+               slowestScrollStep(stage));
+    const double shown = residentMegabytes();
+    stage.ui.closePopover();
+    stage.settle();
+    stage.computer.loop.advance(61s);
+    fmt::print("memory: {:.1f} MB before, {:.1f} MB with the popover, {:.1f} MB a minute after\n",
+               idle, shown, residentMegabytes());
+    return 0;
+}
