@@ -89,7 +89,7 @@ def test_objects_to_a_participant(screen):
     reader.press("Done")
     reader.wait_until_gone("Detection History")
     reader.press("Monitoring toggle")
-    assert reader.hears("Monitoring Off")
+    wait_until(lambda: here.icon.tool_tip() == "Quorva: Monitoring Off", "the end of monitoring")
     here.desktop.end(zoom.process)
 
 
@@ -166,23 +166,23 @@ def test_keeps_what_is_set(screen):
     here.icon.choose("Open settings")
     before = {}
     for tab, switches in SWITCHES.items():
-        reader.press(tab)
+        reader.press(tab, role="page tab")
         for name in switches:
             before[name] = reader.find(name).is_(CHECKED)
             reader.press(name)
             wait_until(lambda: reader.find(name).is_(CHECKED) != before[name], f"{name} to change")
-    reader.press("Objection")
+    reader.press("Objection", role="page tab")
     reader.press("Brief Statement")
     here.icon.choose("Refresh all scans")
     here.restart()
     reader = here.reader
     here.icon.choose("Open settings")
     for tab, switches in SWITCHES.items():
-        reader.press(tab)
+        reader.press(tab, role="page tab")
         for name in switches:
             assert reader.find(name).is_(CHECKED) != before[name], name
     assert (here.desktop.home / "config/autostart/com.veltran.QuorvaApp.desktop").exists()
-    reader.press("About")
+    reader.press("About", role="page tab")
     assert reader.hears("This is not legal advice.")
     reader.press("Privacy Policy")
     assert reader.hears("What Quorva Does NOT Do")
@@ -199,7 +199,7 @@ def test_allows_a_product_and_takes_that_back(screen):
     wait_until(lambda: here.icon.tool_tip() == "Quorva: All Clear", "nothing to be seen")
     assert here.desktop.kept("allowedBotIds") == ["otter"]
     reader.press("Open settings")
-    reader.press("Detection")
+    reader.press("Detection", role="page tab")
     assert reader.hears("Otter.ai, on this computer")
     reader.press("Remove Otter.ai, on this computer")
     wait_until(lambda: here.icon.tool_tip() == "Quorva: 1 Bot Detected", "the bot again")

@@ -7,4 +7,8 @@ Text {
     color: Theme.text
     font.pixelSize: Theme.size(13)
     lineHeight: 1.1
+    // Qt tells screen readers of a text only when it is said so. What a control says under its own
+    // name is ignored there.
+    Accessible.role: Accessible.StaticText
+    Accessible.name: text
 }
