@@ -33,7 +33,12 @@ class Watcher(dbus.service.Object):
     @dbus.service.method(NAME, in_signature="s", sender_keyword="sender")
     def RegisterStatusNotifierItem(self, item, sender):
         self.items.append(sender if item.startswith("/") else item)
+        bus.watch_name_owner(sender, lambda owner: owner or self.forget(item, sender))
         self.StatusNotifierItemRegistered(item)
+
+    def forget(self, *names):
+        self.items = dbus.Array([item for item in self.items if item not in names],
+                                signature="s")
 
     @dbus.service.method(NAME, in_signature="s")
     def RegisterStatusNotifierHost(self, _host):

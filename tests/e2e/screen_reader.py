@@ -9,8 +9,7 @@ from conftest import wait_until
 
 ACCESSIBLE = "org.a11y.atspi.Accessible"
 REGISTRY = ("org.a11y.atspi.Registry", "/org/a11y/atspi/accessible/root")
-CHECKED, FOCUSED, SHOWING = 4, 12, 25
-LONGEST = 20.0
+CHECKED, FOCUSED, VISIBLE = 4, 12, 30
 
 
 class Element:
@@ -52,10 +51,10 @@ class Element:
         raise AssertionError(f"{self.name} can do {actions}, not {names}")
 
     def walk(self):
-        """It and all that shows beneath it, in the order in which it is read out."""
+        """It and all that is beneath it, in the order in which it is read out."""
         yield self
         for child in self.children():
-            if child.is_(SHOWING):
+            if child.is_(VISIBLE):
                 yield from child.walk()
 
 
@@ -78,7 +77,7 @@ class ScreenReader:
             try:
                 if application.name == self.application:
                     found.update({window.name: window for window in application.children()
-                                  if window.is_(SHOWING)})
+                                  if window.is_(VISIBLE)})
             except dbus.DBusException:
                 continue  # it has just ended
         return found
