@@ -31,6 +31,7 @@
 
 #include <QAbstractEventDispatcher>
 #include <QApplication>
+#include <QIcon>
 #include <QSessionManager>
 #include <csignal>
 #include <cstdlib>
@@ -126,7 +127,15 @@ public:
         delegate.didFinishLaunching();
     }
 
-    void activate() { userInterface.openPopover(tray.geometry()); }
+    /// What the actions of the desktop entry do; without one, the popover opens.
+    void activate(const std::string& action = {}) {
+        if (action == "history")
+            userInterface.openHistory();
+        else if (action == "settings")
+            userInterface.openSettings();
+        else
+            userInterface.openPopover(tray.geometry());
+    }
 
     int run() {
         const int status = QApplication::exec();
@@ -156,9 +165,9 @@ int run(char* programName) {
     auto bus = ApplicationInstance::openSessionBus(reason);
     auto claim = ApplicationInstance::claim(bus ? share(bus) : nullptr,
                                             {.onActivate =
-                                                 [&](const Activation&) {
+                                                 [&](const Activation& activation) {
                                                      if (application)
-                                                         application->activate();
+                                                         application->activate(activation.action);
                                                  },
                                              .onLost = [] { QApplication::quit(); }});
     using Kind = ApplicationInstance::Claim::Kind;
@@ -184,6 +193,7 @@ int run(char* programName) {
     QApplication::setApplicationDisplayName("Quorva");
     QApplication::setApplicationVersion(QUORVA_VERSION);
     QApplication::setDesktopFileName(applicationId);
+    QApplication::setWindowIcon(QIcon::fromTheme(applicationId));
     QApplication::setQuitOnLastWindowClosed(false);
 
     const auto quit = [] { QApplication::quit(); };

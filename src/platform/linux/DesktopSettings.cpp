@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <array>
 #include <cstdlib>
+#include <iterator>
+#include <sys/prctl.h>
 #include <unistd.h>
 #include <utility>
 
@@ -57,7 +59,23 @@ std::vector<std::string_view> namesOf(std::string_view desktop) {
     return names;
 }
 
-bool start(const Command& command) {
+/// Whether this program runs as a confined service of systemd, as quorva.service does.
+bool isConfined() {
+    return ::prctl(PR_GET_NO_NEW_PRIVS, 0, 0, 0, 0) == 1 && std::getenv("INVOCATION_ID") != nullptr;
+}
+
+/// A browser or a settings program would inherit the limits of this one, such as having no network,
+/// and would end with it. The user's service manager starts it without.
+Command unconfined(Command command) {
+    Command outside{"systemd-run", "--user", "--quiet", "--collect", "--property=ExitType=cgroup",
+                    "--"};
+    std::ranges::move(command, std::back_inserter(outside));
+    return outside;
+}
+
+bool start(Command command) {
+    if (isConfined())
+        command = unconfined(std::move(command));
     std::vector<gchar*> words;
     for (const auto& word : command)
         words.push_back(const_cast<gchar*>(word.c_str())); // which are not written to
@@ -116,6 +134,8 @@ bool DesktopSettings::openAddress(const std::string& address) {
     const GObjectPtr<GAppInfo> program(g_app_info_get_default_for_uri_scheme(scheme.get()));
     if (!program)
         return false;
+    if (isConfined())
+        return start({"gio", "open", address});
     GList only{.data = const_cast<gchar*>(address.c_str())};
     g_app_info_launch_uris_async(program.get(), &only, nullptr, nullptr, nullptr, nullptr);
     return true;

@@ -10,7 +10,8 @@
 namespace quorva {
 
 /// Main thread only. What is started lives on without this program: in a session of its own, with
-/// no shell in between.
+/// no shell in between. Where this program is a confined service of systemd, the user's service
+/// manager starts it, free of what confines this one.
 class DesktopSettings final : public SystemSettings {
 public:
     using Command = std::vector<std::string>;

@@ -2,7 +2,7 @@
 
 #include <QPainter>
 #include <QPixmap>
-#include <array>
+#include <algorithm>
 
 namespace quorva {
 namespace {
@@ -42,6 +42,17 @@ constexpr std::array sizes{16, 18, 22, 24, 32, 36, 44, 48, 54, 64, 72, 96, 128};
 
 } // namespace
 
+std::array<IconBar, 5> iconBars(bool hasActiveThreats) {
+    std::array<IconBar, 5> painted;
+    std::ranges::transform(bars, painted.begin(), [&](const Bar& bar) {
+        const auto& colour = hasActiveThreats ? bar.alert : bar.clear;
+        QColor fill(colour.red, colour.green, colour.blue);
+        fill.setAlphaF(static_cast<float>(colour.opacity));
+        return IconBar{bar.part, fill};
+    });
+    return painted;
+}
+
 QImage menuBarImage(bool hasActiveThreats, int size) {
     QImage image(size, size, QImage::Format_ARGB32_Premultiplied);
     image.fill(Qt::transparent);
@@ -50,11 +61,8 @@ QImage menuBarImage(bool hasActiveThreats, int size) {
     painter.scale(size / designSize, size / designSize);
     painter.setPen(Qt::NoPen);
     double y = top;
-    for (const auto& [part, clear, alert] : bars) {
-        const auto& colour = hasActiveThreats ? alert : clear;
-        QColor fill(colour.red, colour.green, colour.blue);
-        fill.setAlphaF(static_cast<float>(colour.opacity));
-        painter.setBrush(fill);
+    for (const auto& [part, colour] : iconBars(hasActiveThreats)) {
+        painter.setBrush(colour);
         painter.drawRoundedRect(QRectF(left, y, longest * part, thickness), cornerRadius,
                                 cornerRadius);
         y += pitch;

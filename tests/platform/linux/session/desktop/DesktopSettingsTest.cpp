@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <sys/prctl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -77,6 +78,17 @@ TEST_F(DesktopSettingsTest, opensAddressesOfTwoSchemesOnly) {
           "javascript:alert(1)", "-https://example.org", "https://\n", "appstream://quorva"})
         EXPECT_FALSE(settings.openAddress(address)) << address;
     EXPECT_TRUE(DesktopSettings::mayBeOpened("appstream://com.veltran.QuorvaApp"));
+}
+
+TEST_F(DesktopSettingsTest, startsProgramsOutsideOfItsOwnConfinement) {
+    for (const auto* const program : {"gnome-control-center", "systemd-run"})
+        install(program);
+    ASSERT_EQ(::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0), 0);
+    ::setenv("INVOCATION_ID", "0123456789abcdef0123456789abcdef", 1);
+    EXPECT_TRUE(DesktopSettings("GNOME").open(SettingsPane::internetAccounts));
+    ::unsetenv("INVOCATION_ID");
+    EXPECT_TRUE(isToldOf("systemd-run --user --quiet --collect --property=ExitType=cgroup -- "
+                         "gnome-control-center online-accounts"));
 }
 
 } // namespace quorva

@@ -1,0 +1,7 @@
+#compdef quorva-scan
+_arguments \
+    '*--source=[look there only]:source:(process calendar meeting)' \
+    '--json[print one JSON object instead of a table]' \
+    '--watch[keep looking, and print what appears and disappears]' \
+    '(-)--version[print the version]' \
+    '(- *)'{-h,--help}'[say how it is used]'
