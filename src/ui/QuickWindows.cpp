@@ -11,6 +11,7 @@
 #include <QSGRendererInterface>
 #include <algorithm>
 #include <malloc.h>
+#include <utility>
 
 namespace quorva {
 
@@ -84,8 +85,10 @@ void QuickWindows::freeLater() {
 }
 
 void QuickWindows::free() {
-    qDeleteAll(windows);
-    windows.clear();
+    // A window tells of its closing while it goes, and those who hear it ask which ones are left.
+    for (auto* const window : std::exchange(windows, {}))
+        delete window;
+    freeing.reset();
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete); // those let go of before
     engine.reset();
     hints.reset();
