@@ -6,7 +6,8 @@ _quorva_scan() {
     if [[ $previous == --source ]]; then
         mapfile -t COMPREPLY < <(compgen -W "process calendar meeting" -- "$word")
     else
-        mapfile -t COMPREPLY < <(compgen -W "--source --json --watch --version --help" -- "$word")
+        local options="--source --json --watch --self-test --version --help"
+        mapfile -t COMPREPLY < <(compgen -W "$options" -- "$word")
     fi
 }
 complete -F _quorva_scan quorva-scan
