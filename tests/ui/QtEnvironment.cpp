@@ -60,19 +60,3 @@ std::string takeWarnings() {
 }
 
 } // namespace quorva
-
-// Asked for by the address sanitizer, where there is one. Drawn by software, Qt Quick frees the
-// textures of the last window when the next one is drawn, which here never comes. That is told by
-// the stack, which has to be walked with care for it.
-// NOLINTBEGIN(bugprone-reserved-identifier)
-extern "C" const char* __asan_default_options();
-extern "C" const char* __lsan_default_suppressions();
-
-const char* __asan_default_options() {
-    return "fast_unwind_on_malloc=0";
-}
-
-const char* __lsan_default_suppressions() {
-    return "leak:QSGRenderContext::textureForFactory";
-}
-// NOLINTEND(bugprone-reserved-identifier)
