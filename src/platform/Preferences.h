@@ -22,7 +22,10 @@ struct PreferenceData {
 };
 
 /// A value that is there, but of none of the types below: another program's, or a later version's.
+/// It can be stored again under another key.
 struct UnknownPreference {
+    std::string json; ///< as it is stored; empty: nothing
+
     bool operator==(const UnknownPreference&) const = default;
 };
 
@@ -49,7 +52,7 @@ public:
     /// Sets the value under `key`, and calls `onDurable`, if given, as a task of the main loop once
     /// the change, or a later one of the same key, would survive a power cut. While nothing can be
     /// stored it is not called; nor after these preferences have been destroyed. Setting an
-    /// UnknownPreference does nothing.
+    /// UnknownPreference that holds nothing does nothing.
     virtual void set(std::string_view key, PreferenceValue value, Task onDurable = {}) = 0;
 
     /// Removes `key`; a missing one is a success. `onDurable` as above.

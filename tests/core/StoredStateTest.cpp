@@ -75,6 +75,15 @@ TEST_F(StoredStateTest, setsAsideWhatItCannotRead) {
     EXPECT_THAT(*state->objections.objectionLog.records, testing::SizeIs(1));
 }
 
+TEST_F(StoredStateTest, keepsAHistoryOfAnotherVersionsShape) {
+    const UnknownPreference history{R"({"events":[],"format":2})"};
+    computer.preferences.values["detectionLog"] = history;
+    start();
+    computer.startOtter();
+    computer.loop.advance(3s);
+    EXPECT_EQ(computer.preferences.value("detectionLog.unreadable-2026-03-02T09:00:00Z"), history);
+}
+
 TEST_F(StoredStateTest, followsTheLoginItem) {
     computer.loginItem.state = LoginItemStatus::enabled;
     EXPECT_TRUE(start().settings.launchAtLogin);

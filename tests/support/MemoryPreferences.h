@@ -21,7 +21,8 @@ public:
         return found == values.end() ? std::nullopt : std::optional(found->second);
     }
     void set(std::string_view key, PreferenceValue value, Task onDurable = {}) override {
-        if (std::holds_alternative<UnknownPreference>(value))
+        const auto* const unknown = std::get_if<UnknownPreference>(&value);
+        if (unknown != nullptr && unknown->json.empty())
             return;
         values.insert_or_assign(std::string(key), std::move(value));
         postDurable(std::move(onDurable));

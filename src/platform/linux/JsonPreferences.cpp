@@ -56,7 +56,8 @@ std::optional<PreferenceValue> JsonPreferences::value(std::string_view key) cons
 }
 
 void JsonPreferences::set(std::string_view key, PreferenceValue value, Task onDurable) {
-    if (!std::holds_alternative<UnknownPreference>(value))
+    const auto* const unknown = std::get_if<UnknownPreference>(&value);
+    if (unknown == nullptr || !unknown->json.empty())
         change(key, std::move(value), std::move(onDurable));
 }
 

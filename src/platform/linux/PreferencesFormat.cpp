@@ -54,8 +54,15 @@ std::optional<std::string> fromBase64(const std::string& text) {
     return toBase64(bytes) == text ? std::optional(std::move(bytes)) : std::nullopt;
 }
 
+PreferenceValue unknownOf(const Json& json) {
+    return UnknownPreference{json.dump(-1, ' ', false, Json::error_handler_t::replace)};
+}
+
 struct Encode {
-    Json operator()(const UnknownPreference&) const { return nullptr; }
+    Json operator()(const UnknownPreference& unknown) const {
+        auto json = Json::parse(unknown.json, nullptr, false);
+        return json.is_discarded() ? Json() : json;
+    }
     Json operator()(const PreferenceData& data) const {
         if (isUtf8(data.bytes))
             return Json::object({{textDataKey, data.bytes}});
@@ -72,7 +79,7 @@ PreferenceValue decodeList(const Json& json) {
     texts.reserve(json.size());
     for (const auto& element : json) {
         if (!element.is_string())
-            return UnknownPreference{};
+            return unknownOf(json);
         texts.push_back(element.get<std::string>());
     }
     return texts;
@@ -80,12 +87,12 @@ PreferenceValue decodeList(const Json& json) {
 
 PreferenceValue decodeData(const Json& json) {
     if (json.size() != 1 || !json.front().is_string())
-        return UnknownPreference{};
+        return unknownOf(json);
     const auto text = json.front().get<std::string>();
     if (json.contains(textDataKey))
         return PreferenceData{text};
     auto bytes = json.contains(base64Key) ? fromBase64(text) : std::nullopt;
-    return bytes ? PreferenceValue(PreferenceData{std::move(*bytes)}) : UnknownPreference{};
+    return bytes ? PreferenceValue(PreferenceData{std::move(*bytes)}) : unknownOf(json);
 }
 
 PreferenceValue decode(const Json& json) {
@@ -96,7 +103,7 @@ PreferenceValue decode(const Json& json) {
         return json.get<std::int64_t>();
     case Json::value_t::number_unsigned:
         if (json.get<std::uint64_t>() > std::numeric_limits<std::int64_t>::max())
-            return UnknownPreference{};
+            return unknownOf(json);
         return json.get<std::int64_t>();
     case Json::value_t::number_float:
         return json.get<double>();
@@ -107,7 +114,7 @@ PreferenceValue decode(const Json& json) {
     case Json::value_t::object:
         return decodeData(json);
     default:
-        return UnknownPreference{};
+        return unknownOf(json);
     }
 }
 

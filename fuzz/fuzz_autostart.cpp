@@ -1,0 +1,109 @@
+// Any bytes in place of an autostart entry, and of the path of a program. After switching on, the
+// entry starts that program and nothing else; what else was in it is kept.
+#include "platform/linux/AutostartLoginItem.h"
+#include "platform/linux/DrillFolder.h"
+#include "platform/linux/Handles.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <string_view>
+
+using namespace quorva;
+
+namespace {
+
+void expect(bool condition) {
+    if (!condition)
+        std::abort();
+}
+
+/// What a desktop makes of the value of Exec, as the Desktop Entry Specification has it: unquoted,
+/// with "%%" for "%"; empty where it is anything but one quoted argument without field codes.
+std::string programOf(std::string_view exec) {
+    if (exec.size() < 2 || exec.front() != '"' || exec.back() != '"')
+        return {};
+    exec = exec.substr(1, exec.size() - 2);
+    std::string program;
+    for (std::size_t at = 0; at < exec.size(); ++at) {
+        const char character = exec[at];
+        const bool isPair = character == '\\' || character == '%';
+        if (character == '"' || character == '`' || character == '$' ||
+            (isPair && at + 1 == exec.size()) || (character == '%' && exec[at + 1] != '%'))
+            return {};
+        at += isPair ? 1 : 0;
+        program += exec[at];
+    }
+    return program;
+}
+
+GKeyFilePtr entryIn(const std::string& bytes) {
+    GKeyFilePtr entry(g_key_file_new());
+    if (g_key_file_load_from_data(entry.get(), bytes.data(), bytes.size(), G_KEY_FILE_NONE,
+                                  nullptr) == FALSE)
+        entry.reset();
+    return entry;
+}
+
+std::string valueOf(GKeyFile* entry, const char* group, const char* key) {
+    const GCharsPtr value(g_key_file_get_value(entry, group, key, nullptr));
+    return value ? value.get() : "";
+}
+
+/// What the entry had in other groups is there still.
+void expectKept(GKeyFile* before, GKeyFile* after) {
+    const GStringsPtr groups(g_key_file_get_groups(before, nullptr));
+    for (gchar** group = groups.get(); *group != nullptr; ++group) {
+        if (std::string_view(*group) == G_KEY_FILE_DESKTOP_GROUP)
+            continue;
+        const GStringsPtr keys(g_key_file_get_keys(before, *group, nullptr, nullptr));
+        for (gchar** key = keys.get(); key != nullptr && *key != nullptr; ++key)
+            expect(valueOf(before, *group, *key) == valueOf(after, *group, *key));
+    }
+}
+
+std::string contentOf(const std::filesystem::path& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+} // namespace
+
+/// The first line is the program, the others are the entry.
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    static const DrillFolder folder("/dev/shm");
+    static const auto file = folder.path() / "autostart" / "com.veltran.QuorvaApp.desktop";
+    const std::string bytes(reinterpret_cast<const char*>(data), size);
+    const auto lineEnd = std::min(bytes.find('\n'), bytes.size());
+    const auto program = "/" + bytes.substr(0, std::min(lineEnd, bytes.find('\0')));
+    const auto stored = bytes.substr(std::min(lineEnd + 1, bytes.size()));
+    expect(programOf(AutostartLoginItem::execOf(program)) == program);
+
+    std::filesystem::create_directories(file.parent_path());
+    std::ofstream(file, std::ios::binary) << stored;
+    AutostartLoginItem item(folder.path(), program);
+    const auto status = item.status();
+    expect(status != LoginItemStatus::requiresApproval);
+    const bool isEntry = status != LoginItemStatus::notFound;
+    const bool isUtf8 = g_utf8_validate(program.c_str(), -1, nullptr) != FALSE;
+
+    if (const auto problem = item.registerItem()) {
+        expect(!isUtf8 || !isEntry);
+        return 0;
+    }
+    expect(item.status() == LoginItemStatus::enabled);
+    const auto written = entryIn(contentOf(file));
+    expect(written != nullptr);
+    const GCharsPtr exec(g_key_file_get_string(written.get(), G_KEY_FILE_DESKTOP_GROUP,
+                                               G_KEY_FILE_DESKTOP_KEY_EXEC, nullptr));
+    if (isUtf8)
+        expect(exec && programOf(exec.get()) == program);
+    const auto before = entryIn(stored);
+    if (isEntry && before)
+        expectKept(before.get(), written.get());
+    expect(!item.unregisterItem() && item.status() == LoginItemStatus::notRegistered);
+    return 0;
+}
