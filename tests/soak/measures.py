@@ -1,0 +1,64 @@
+"""What the application holds of the computer, from time to time."""
+
+import bisect
+import pathlib
+import time
+
+LOG_FILES, LOG_FILE_SIZE = 4, 5 * 1024 * 1024
+
+
+class Samples:
+    """Proportional memory in kB, descriptors, threads."""
+
+    NAMES = ("memory, kB", "descriptors", "threads")
+
+    def __init__(self, pid, log_folder):
+        self.process = pathlib.Path(f"/proc/{pid}")
+        self.log_folder = log_folder
+        self.taken = []
+        self.log_faults = set()
+
+    def take(self):
+        try:
+            lines = (self.process / "smaps_rollup").read_text().splitlines()
+            memory = next(int(line.split()[1]) for line in lines if line.startswith("Pss:"))
+            self.taken.append((time.monotonic(), (
+                memory, len(list((self.process / "fd").iterdir())),
+                len(list((self.process / "task").iterdir())))))
+        except OSError:
+            return  # it has ended, which is noticed elsewhere
+        files = [path.stat().st_size for path in self.log_folder.iterdir()]
+        if len(files) > LOG_FILES or max(files, default=0) > LOG_FILE_SIZE:
+            self.log_faults.add(f"the log is {len(files)} files of {max(files)} bytes at most")
+
+    def peaks(self, start=0, end=float("inf")):
+        """The most of each within a span of time."""
+        rows = [figures for at, figures in self.taken if start <= at <= end]
+        return [max(column) for column in zip(*rows)]
+
+
+class Starvation:
+    """How long the application's main thread has been kept from a processor by other programs: what
+    it is late for by as much is no fault of its own."""
+
+    def __init__(self, pid):
+        self.file = pathlib.Path(f"/proc/{pid}/schedstat")
+        self.moments, self.waited = [], []
+        self.note()
+
+    def note(self):
+        try:
+            waited = int(self.file.read_text().split()[1]) / 1e9
+        except (OSError, IndexError):
+            return self.waited[-1] if self.waited else 0.0  # ended, or a kernel that does not say
+        self.moments.append(time.monotonic())
+        self.waited.append(waited)
+        return waited
+
+    def between(self, start, end):
+        """From the last note before to the first one after."""
+        if not self.moments:
+            return 0.0
+        first = max(0, bisect.bisect_right(self.moments, start) - 1)
+        last = min(len(self.moments) - 1, bisect.bisect_left(self.moments, end))
+        return self.waited[last] - self.waited[first]
