@@ -81,7 +81,8 @@ TEST_F(StoredStateTest, keepsAHistoryOfAnotherVersionsShape) {
     start();
     computer.startOtter();
     computer.loop.advance(3s);
-    EXPECT_EQ(computer.preferences.value("detectionLog.unreadable-2026-03-02T09:00:00Z"), history);
+    EXPECT_EQ(computer.preferences.value("detectionLog.unreadable-2026-03-02T09:00:00Z"),
+              PreferenceValue(history));
 }
 
 TEST_F(StoredStateTest, followsTheLoginItem) {
