@@ -76,7 +76,7 @@ TEST_F(StoredStateTest, setsAsideWhatItCannotRead) {
 }
 
 TEST_F(StoredStateTest, keepsAHistoryOfAnotherVersionsShape) {
-    const UnknownPreference history{R"({"events":[],"format":2})"};
+    const PreferenceValue history = UnknownPreference{R"({"events":[],"format":2})"};
     computer.preferences.values["detectionLog"] = history;
     start();
     computer.startOtter();

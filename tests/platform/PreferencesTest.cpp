@@ -61,6 +61,7 @@ TYPED_TEST(PreferencesContract, keepsValuesOfEveryTypeForTheNextRun) {
         {"none", std::vector<std::string>()},
         {"log", PreferenceData{"[{\"a\":1}]"}},
         {"bytes", PreferenceData{std::string("\xff\0\x01", 3)}},
+        {"later", UnknownPreference{R"({"format":2,"items":[1.5,null]})"}},
     };
     for (const auto& [key, value] : values)
         this->preferences().set(key, value, {});

@@ -151,8 +151,13 @@ void LinuxDrillStandIns::runCopy(const std::weak_ptr<Program>& weak, std::size_t
         lifetime.guard([this, weak, place](const RunningStandIn& started, bool isForbidden) {
             if (isForbidden && place + 1 < places.size())
                 return copyProgram(weak, place + 1);
-            if (const auto running = weak.lock())
-                running->done(started);
+            const auto running = weak.lock();
+            if (!running)
+                return;
+            auto told = started;
+            if (isForbidden)
+                told.problem += ": set TMPDIR to a folder that lets programs be run from it";
+            running->done(told);
         }));
 }
 
