@@ -4,6 +4,9 @@ import QtQuick
 Text {
     textFormat: Text.PlainText
     wrapMode: Text.Wrap
+    // Said, and not left to Qt: to guess it, Qt 6.4 asks the input method of Wayland, and ends where a
+    // session has neither keyboard nor pointer. A name in Arabic begins where the others do.
+    horizontalAlignment: Text.AlignLeft
     color: Theme.text
     font.pixelSize: Theme.size(13)
     lineHeight: 1.1

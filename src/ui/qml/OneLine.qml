@@ -3,7 +3,6 @@ import QtQuick
 
 AppText {
     wrapMode: Text.NoWrap
-    horizontalAlignment: Text.AlignLeft // whichever way the text itself is written
     elide: Text.ElideRight
     maximumLineCount: 1
 }
