@@ -81,11 +81,11 @@ class Services:
                                       restore=self.restore_notifications)],
             "calendar": [Service(name, [name], affects=("calendarAttendee",), recovery=300.0)
                          for name in ("evolution-source-registry", "evolution-calendar-factory")],
-            "speech": [Service("speech service", ["speech-dispatcher"],
-                               restore=self.restore_speech)],
+            # Which the application starts by itself where there is none.
+            "speech": [Service("speech service", ["speech-dispatcher"])],
             "sound": [Service("sound server", ["pulseaudio", "-n"], restore=self.restore_sound)],
             "meeting": [
-                Service("accessibility registry", ["at-spi2-registryd"], **meeting, ways=(STOP,)),
+                Service("accessibility registry", ["at-spi2-registryd"], **meeting),
                 Service("accessibility bus", ["accessibility.conf"], **meeting, ways=(STOP,)),
                 Service("accessibility launcher", ["at-spi-bus-launcher"], **meeting,
                         restore=self.restore_accessibility),
@@ -134,11 +134,6 @@ class Services:
         socket = self.desktop.home / "runtime/pulse/native"
         socket.unlink(missing_ok=True)
         self.desktop.start_sound()
-
-    def restore_speech(self):
-        if not processes(self.desktop, ["speech-dispatcher"]):  # else the application has
-            (self.desktop.home / "runtime/speech-dispatcher/speechd.sock").unlink(missing_ok=True)
-            self.desktop.start_speech()
 
     def restore_accessibility(self):
         self.desktop.switch_accessibility_on()

@@ -38,27 +38,31 @@ class Samples:
 
 
 class Starvation:
-    """How long the application's main thread has been kept from a processor by other programs: what
-    it is late for by as much is no fault of its own."""
+    """How long the application's threads, and the soak's own, have been kept from a processor by other
+    programs: what the application is late for by as much is no fault of its own. Who waits for a
+    service that does not answer is asleep, which does not count."""
 
     def __init__(self, pid):
-        self.file = pathlib.Path(f"/proc/{pid}/schedstat")
+        self.tasks = pathlib.Path(f"/proc/{pid}/task")
+        self.by_thread = {}
+        self.total = 0.0
         self.moments, self.waited = [], []
         self.note()
 
     def note(self):
-        try:
-            waited = int(self.file.read_text().split()[1]) / 1e9
-        except (OSError, IndexError):
-            return self.waited[-1] if self.waited else 0.0  # ended, or a kernel that does not say
+        for file in [*self.tasks.glob("*/schedstat"), pathlib.Path("/proc/thread-self/schedstat")]:
+            try:
+                waited = int(file.read_text().split()[1]) / 1e9
+            except (OSError, IndexError):
+                continue  # ended, or a kernel that does not say
+            self.total += waited - self.by_thread.get(file, 0.0)
+            self.by_thread[file] = waited
         self.moments.append(time.monotonic())
-        self.waited.append(waited)
-        return waited
+        self.waited.append(self.total)
+        return self.total
 
     def between(self, start, end):
         """From the last note before to the first one after."""
-        if not self.moments:
-            return 0.0
         first = max(0, bisect.bisect_right(self.moments, start) - 1)
         last = min(len(self.moments) - 1, bisect.bisect_left(self.moments, end))
         return self.waited[last] - self.waited[first]

@@ -104,7 +104,6 @@ class Soak:
                 else:
                     actor()
                     due[actor] = now + self.choose.uniform(0.5, 1.5) * actors[actor]
-            self.starvation.note()
             time.sleep(0.05)
         return self.finish()
 
@@ -117,6 +116,7 @@ class Soak:
         self.choose_from_menu("Refresh all scans")
         self.wait_until_told()
         self.samples.take()
+        self.starvation.note()
         self.history.end()
         died = self.quorva.process.poll() is not None
         status = self.quorva.process.returncode if died else self.quorva.end()
@@ -127,7 +127,6 @@ class Soak:
     def wait_until_told(self):
         def all_told():
             self.note_shown()
-            self.starvation.note()
             due = [each for each in self.appearances if not each.is_void and each.since]
             return time.monotonic() > self.end + LAST_LOOK or self.every_find_is_told() and all(
                 each.key in self.history.keys() for each in due)
@@ -249,6 +248,7 @@ class Soak:
             self.calls.append((time.monotonic() - before - starved, before, disturbed))
 
     def ask(self):
+        self.starvation.note()
         self.timed(self.icon.tool_tip)
 
     def toggle_popover(self):

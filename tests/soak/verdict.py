@@ -6,7 +6,7 @@ import time
 
 from appearances import assign, deadline
 
-SLOWEST_ANSWER = 2.0
+SLOWEST_ANSWER = 3.0
 EPOCH = 978_307_200  # 2001, from 1970
 UNCONFIRMED = 25.0  # a participant that was seen for less is given up after 15 s out of sight
 NOTIFICATION_TITLES = {
@@ -52,7 +52,7 @@ class Verdict:
             if each.found:
                 self.delays[each.method].append(each.found - each.since)
             latest = deadline(each, self.disturbances)
-            latest += 2 * self.soak.starvation.between(each.since, latest)
+            latest += self.soak.starvation.between(each.since, latest)
             if each.is_void or not each.since:
                 continue
             if not each.found:
@@ -123,7 +123,7 @@ class Verdict:
             print("  {:30} {:11.0f} {:9.0f} {:9.0f}".format(*row))
         print(f"  the slowest of {len(soak.calls)} answers: {max(soak.calls)[0]:.2f} s")
         starved = soak.starvation.waited[-1] - soak.starvation.waited[0]
-        print(f"  kept waiting for a processor: {starved:.1f} s, which is not counted")
+        print(f"  its threads were kept from a processor for {starved:.1f} s in all, which is not counted")
         print("\nFaults" if self.faults else "\nNo fault was seen")
         for fault in self.faults:
             print(f"  {fault}")
