@@ -124,6 +124,11 @@ public:
                              session.setRestartHint(QSessionManager::RestartNever);
                              delegate.willTerminate();
                          });
+        // Where the clipboard needs a window of ours to have the keyboard, there has to be one.
+        objecting = state.objections.showingObjectionToast.observe([this](bool isFiled) {
+            if (isFiled && linux.clipboard.isWaiting())
+                activate();
+        });
         delegate.didFinishLaunching();
     }
 
@@ -157,6 +162,7 @@ private:
                    .openSettings = [this] { userInterface.openSettings(); },
                    .quit = [] { QApplication::quit(); }},
                   [this](std::optional<QRect> place) { userInterface.togglePopover(place); }};
+    Subscription objecting;
 };
 
 int run(char* programName) {
@@ -166,6 +172,10 @@ int run(char* programName) {
     auto claim = ApplicationInstance::claim(bus ? share(bus) : nullptr,
                                             {.onActivate =
                                                  [&](const Activation& activation) {
+                                                     // Qt's windows look for it there.
+                                                     if (!activation.token.empty())
+                                                         qputenv("XDG_ACTIVATION_TOKEN",
+                                                                 activation.token.c_str());
                                                      if (application)
                                                          application->activate(activation.action);
                                                  },

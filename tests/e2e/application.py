@@ -48,9 +48,12 @@ print(Gtk.Clipboard.get(Gdk.SELECTION_CLIPBOARD).wait_for_text() or "", end="")
 class Desktop(Session):
     """A session with a display, in which a user is logged in who has seen the first run."""
 
-    def __init__(self, **preferences):
+    def __init__(self, is_wayland=False, **preferences):
         super().__init__()
-        self.open_display()
+        if is_wayland:
+            self.open_wayland_display()
+        else:
+            self.open_display()
         self.keep({"hasCompletedOnboarding": True, "calendarAuthorization": 3, **preferences})
         (self.home / "data/calendars/work").mkdir(parents=True)
 

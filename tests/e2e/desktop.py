@@ -7,7 +7,7 @@ import subprocess
 
 import dbus
 
-from conftest import DEADLINE, Computer
+from conftest import DEADLINE, Computer, wait_until
 
 SESSION = pathlib.Path(__file__).parents[1] / "support" / "private-session.sh"
 ZOOM_WINDOW = pathlib.Path(__file__).with_name("zoom_window.py")
@@ -58,6 +58,16 @@ class Session(Computer):
             .UpdateActivationEnvironment({"DISPLAY": self.environment["DISPLAY"]},
                                          dbus_interface="org.freedesktop.DBus")
         self.start(["openbox"], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+
+    def open_wayland_display(self):
+        """A compositor without a screen, a keyboard or a mouse."""
+        runtime = pathlib.Path(self.environment["XDG_RUNTIME_DIR"])
+        self.start(["weston", "--backend=headless-backend.so", "--socket=wayland-test",
+                    "--idle-time=0", "--width=1280", "--height=900"],
+                   stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        wait_until((runtime / "wayland-test").exists, "the compositor")
+        self.environment |= {"WAYLAND_DISPLAY": "wayland-test", "XDG_SESSION_TYPE": "wayland"}
+        self.environment.pop("DISPLAY", None)
 
     def add_desktop_entry(self, entry_id, name, command):
         folder = self.home / "data" / "applications"

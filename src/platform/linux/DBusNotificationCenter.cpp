@@ -305,6 +305,13 @@ void DBusNotificationCenter::receive(const std::string& sender, const std::strin
         const gchar* key = nullptr;
         g_variant_get_child(parameters, 1, "&s", &key);
         receivePress(key);
+    } else if (signal == "ActivationToken" &&
+               g_variant_is_of_type(parameters, G_VARIANT_TYPE("(us)")) != FALSE) {
+        std::uint32_t number = 0;
+        const gchar* token = nullptr;
+        g_variant_get(parameters, "(u&s)", &number, &token);
+        if (posted.isShown(number)) // toolkits look for it there when they open a window
+            g_setenv("XDG_ACTIVATION_TOKEN", token, TRUE);
     } else if (signal == "NotificationClosed" &&
                g_variant_is_of_type(parameters, G_VARIANT_TYPE("(uu)")) != FALSE) {
         std::uint32_t number = 0;

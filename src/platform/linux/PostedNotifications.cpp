@@ -40,6 +40,10 @@ std::uint32_t PostedNotifications::numberOf(const std::string& identifier) const
     return entry != entries.end() ? entry->number : 0;
 }
 
+bool PostedNotifications::isShown(std::uint32_t number) const {
+    return number != 0 && std::ranges::find(entries, number, &Entry::number) != entries.end();
+}
+
 void PostedNotifications::noteClosed(std::uint32_t number) {
     const auto entry = std::ranges::find(entries, number, &Entry::number);
     if (entry != entries.end())

@@ -42,6 +42,9 @@ public:
     /// The server's number for `identifier`; 0 when it shows no such notification.
     [[nodiscard]] std::uint32_t numberOf(const std::string& identifier) const;
 
+    /// Whether the server shows one of these under `number`.
+    [[nodiscard]] bool isShown(std::uint32_t number) const;
+
     /// The server shows nothing under `number` any more. Unknown numbers do nothing.
     void noteClosed(std::uint32_t number);
 
