@@ -36,7 +36,7 @@ void detectionBurst(benchmark::State& state, Summary& summary) {
     JsonPreferences preferences(computer.loop, computer.log, file);
     AppState app({computer.platform, preferences, computer.notifications, computer.speech,
                   computer.audioDevices, computer.clipboard, computer.loginItem,
-                  computer.systemSettings});
+                  computer.systemSettings, computer.detectionTest});
     computer.loop.runPosted();
     std::vector<double> seconds;
     double before = 0;

@@ -23,6 +23,7 @@
 #include "platform/linux/OpenSslSha256.h"
 #include "platform/linux/PackageKitUpdates.h"
 #include "platform/linux/PulseAudioDevices.h"
+#include "platform/linux/ScanProgramTest.h"
 #include "platform/linux/SpeechDispatcher.h"
 #include "platform/linux/SystemdUnitSignals.h"
 #include "ui/UserInterface.h"
@@ -108,10 +109,11 @@ struct LinuxServices {
     AutostartLoginItem loginItem;
     DesktopSettings systemSettings;
     PackageKitUpdates updateService{loop};
+    ScanProgramTest detectionTest;
     SystemdUnitSignals units;
     LinuxPanelWatch panels;
-    AppServices services{platform,     preferences, notifications, speech,
-                         audioDevices, clipboard,   loginItem,     systemSettings};
+    AppServices services{platform,  preferences, notifications,  speech,       audioDevices,
+                         clipboard, loginItem,   systemSettings, detectionTest};
 };
 
 /// The running application.

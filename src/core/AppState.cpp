@@ -25,6 +25,7 @@ AppState::AppState(const AppServices& services_)
       permissions(services.platform.loop, services.platform.log, services.platform.calendars,
                   services.platform.accessibility, services.audioDevices, calendarMonitor,
                   participantMonitor),
+      detectionTrial(services.detectionTest),
       announcements(services.platform.loop) {
     settings.load();
     detectionLog.load();

@@ -6,6 +6,7 @@
 #include "core/AlertPanel.h"
 #include "core/AllowList.h"
 #include "core/AnnouncementQueue.h"
+#include "core/DetectionTrial.h"
 #include "core/Limitations.h"
 #include "core/NotificationManager.h"
 #include "core/Objections.h"
@@ -35,6 +36,7 @@ struct AppServices {
     Clipboard& clipboard;
     LoginItem& loginItem;
     SystemSettings& systemSettings;
+    DetectionTest& detectionTest;
 };
 
 /// Main thread only.
@@ -62,6 +64,7 @@ public:
     NotificationManager notificationManager;
     AlertPanel alertPanel;
     Permissions permissions;
+    DetectionTrial detectionTrial;
 
     Published<bool> isMonitoring{false};
     Published<std::vector<DetectedBot>> detectedBots;                ///< without the allowed ones

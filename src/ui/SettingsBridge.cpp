@@ -20,6 +20,7 @@ SettingsBridge::SettingsBridge(AppState& state_, Updates& updates_, MainLoop& lo
                  state.allowList.allowedBotIds);
     watch.follow(state.permissions.hasCalendarAccess, state.permissions.hasAccessibilityPermission,
                  state.permissions.needsCalendarAccountSetup);
+    watch.follow(state.detectionTrial.isRunning, state.detectionTrial.lines);
     watch.follow(state.objections.objectionLog.records, state.objections.selectedTemplate);
     std::vector<Row> titles;
     for (const auto& [value, raw] : namedCases<ObjectionTemplate>) {
@@ -67,6 +68,13 @@ void SettingsBridge::setParticipantEnabled(bool isOn) {
 QString SettingsBridge::activeMeeting() const {
     const auto& platform = state.activeMeetingPlatform.get();
     return platform ? foreign(*platform) : QString("None");
+}
+
+QString SettingsBridge::trialText() const {
+    QStringList lines;
+    for (const auto& line : state.detectionTrial.lines.get())
+        lines.push_back(foreign(line));
+    return lines.join('\n');
 }
 
 QString SettingsBridge::limitations() const {

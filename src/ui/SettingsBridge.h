@@ -34,6 +34,8 @@ class SettingsBridge final : public QObject {
     Q_PROPERTY(QString activeMeeting READ activeMeeting NOTIFY changed)
     Q_PROPERTY(QString accountsHelp READ accountsHelp NOTIFY changed)
     Q_PROPERTY(QString accessibilityHelp READ accessibilityHelp NOTIFY changed)
+    Q_PROPERTY(bool isTrying READ isTrying NOTIFY changed)
+    Q_PROPERTY(QString trialText READ trialText NOTIFY changed)
     Q_PROPERTY(QString limitations READ limitations NOTIFY changed)
     Q_PROPERTY(int selectedTemplate READ selectedTemplate WRITE selectTemplate NOTIFY changed)
     Q_PROPERTY(QString preview READ preview NOTIFY changed)
@@ -78,6 +80,9 @@ public:
     [[nodiscard]] QString accessibilityHelp() const { return help.accessibility; }
     [[nodiscard]] QString limitations() const; ///< all that does not work just now, a line each
 
+    [[nodiscard]] bool isTrying() const { return state.detectionTrial.isRunning; }
+    [[nodiscard]] QString trialText() const; ///< what the trial of detection has said, a line each
+
     [[nodiscard]] int selectedTemplate() const;
     void selectTemplate(int index);
     [[nodiscard]] QString preview() const;
@@ -94,6 +99,7 @@ public:
     Q_INVOKABLE void openInternetAccounts();
     Q_INVOKABLE void openAccessibilitySettings();
     Q_INVOKABLE void removeAllowed(const QString& key);
+    Q_INVOKABLE void testDetection() { state.detectionTrial.start(); }
     Q_INVOKABLE void copyEvidence();
     Q_INVOKABLE void exportEvidence();
     Q_INVOKABLE void openWebsite();

@@ -229,7 +229,8 @@ TEST_F(AppStateTest, tellsOfABotOnceItsRecordIsSafeOrTheDiskTakesTooLong) {
     AppServices services{computer.platform,      disk,
                          computer.notifications, computer.speech,
                          computer.audioDevices,  computer.clipboard,
-                         computer.loginItem,     computer.systemSettings};
+                         computer.loginItem,     computer.systemSettings,
+                         computer.detectionTest};
     computer.inviteOtter("E1", 1h);
     AppState app(services);
     computer.loop.runPosted();

@@ -150,6 +150,21 @@ TEST(CalendarConsentDialogTest, keepsTheAnswerAndAsksAgainAfterARefusal) {
     EXPECT_EQ(dialog.status(), CalendarAuthorization::notDetermined);
 }
 
+TEST(DetectionTrialTest, keepsWhatOneTrialAtATimeHasSaid) {
+    FakeDetectionTest test;
+    DetectionTrial trial(test);
+    trial.start();
+    test.onLine("process ok");
+    trial.start();
+    EXPECT_EQ(test.runs, 1);
+    test.onLine("Every link works.");
+    test.done(true);
+    EXPECT_THAT(*trial.lines, ElementsAre("process ok", "Every link works."));
+    trial.start();
+    EXPECT_THAT(*trial.lines, IsEmpty());
+    EXPECT_TRUE(trial.isRunning);
+}
+
 TEST(UpdatesTest, asksOnceADayWhereThatIsSwitchedOn) {
     VirtualMainLoop loop;
     MemoryPreferences preferences(loop);

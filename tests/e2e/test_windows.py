@@ -208,6 +208,17 @@ def test_keeps_what_is_set(screen):
     assert reader.hears("Data Stored On Your Device")
 
 
+def test_tries_detection(screen):
+    here = screen()
+    here.icon.choose("Open settings")
+    here.reader.press("Detection", role="page tab")
+    here.enlarge("Quorva Settings")
+    here.reader.press("Test detection…")
+    said = here.reader.hears("Every link works.")
+    assert all(source in said for source in ("process", "calendar", "meeting"))
+    assert here.desktop.history() == [], "a trial is no detection"
+
+
 def test_allows_a_product_and_takes_that_back(screen):
     here = screen()
     here.desktop.start_bot()

@@ -28,10 +28,11 @@ struct FakeComputer {
     FakeClipboard clipboard;
     FakeLoginItem loginItem;
     FakeSystemSettings systemSettings;
+    FakeDetectionTest detectionTest;
     Platform platform{loop,      log,           processTable, applications,
                       calendars, accessibility, openSslSha256};
-    AppServices services{platform,     preferences, notifications, speech,
-                         audioDevices, clipboard,   loginItem,     systemSettings};
+    AppServices services{platform,  preferences, notifications,  speech,       audioDevices,
+                         clipboard, loginItem,   systemSettings, detectionTest};
 
     FakeComputer() { processTable.run(1, "/usr/lib/systemd/systemd"); }
 

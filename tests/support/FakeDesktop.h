@@ -3,6 +3,7 @@
 
 #include "platform/AudioDevices.h"
 #include "platform/Clipboard.h"
+#include "platform/DetectionTest.h"
 #include "platform/LoginItem.h"
 #include "platform/SpeechSynthesizer.h"
 #include "platform/SystemSettings.h"
@@ -99,6 +100,21 @@ public:
     checkForUpdates(std::function<void(const UpdateAnswer&)> done) override {
         ++checks;
         done(answer);
+        return {};
+    }
+};
+
+class FakeDetectionTest final : public DetectionTest {
+public:
+    std::function<void(const std::string&)> onLine;
+    std::function<void(bool)> done;
+    int runs = 0;
+
+    [[nodiscard]] Subscription run(std::function<void(const std::string&)> nextOnLine,
+                                   std::function<void(bool)> nextDone) override {
+        ++runs;
+        onLine = std::move(nextOnLine);
+        done = std::move(nextDone);
         return {};
     }
 };

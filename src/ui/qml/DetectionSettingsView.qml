@@ -95,6 +95,27 @@ SettingsTab {
         }
     }
     SettingsSection {
+        title: "Trial"
+        AppText {
+            width: parent.width
+            text: "Sends a harmless stand-in through each source to a detection, and names the link that is broken if one is."
+            color: Theme.secondaryText
+            font.pixelSize: Theme.size(12)
+        }
+        ActionButton {
+            text: "Test detection…"
+            enabled: !tab.bridge.isTrying
+            onClicked: tab.bridge.testDetection()
+        }
+        AppText {
+            width: parent.width
+            visible: text !== ""
+            text: tab.bridge.trialText
+            color: Theme.secondaryText
+            font.pixelSize: Theme.size(12)
+        }
+    }
+    SettingsSection {
         title: "Allowed"
         AppText {
             width: parent.width
