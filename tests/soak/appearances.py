@@ -20,13 +20,15 @@ BOUNDS = {
 class Appearance:
     method: str
     name: str                # what the history says: the product, the participant, or the start
-    since: float = 0.0       # 0: not to be seen yet
+    since: float = 0.0       # when it was surely to be seen; 0: not yet
+    earliest: float = 0.0    # when it began to appear
     bound: float = 0.0
     found: float = 0.0
     is_void: bool = False    # ended before it had to be found
 
     def __post_init__(self):
         self.bound = self.bound or BOUNDS[self.method]
+        self.earliest = time.monotonic()
 
     @property
     def key(self):
@@ -84,7 +86,7 @@ def assign(appearances, arrivals):
             waiting[each.key].append(each)
     unexpected = []
     for at, key in arrivals:
-        owner = next((each for each in waiting[key] if not each.found and each.since <= at + 0.5),
+        owner = next((each for each in waiting[key] if not each.found and each.earliest <= at),
                      None)
         if owner:
             owner.found = at

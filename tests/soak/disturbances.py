@@ -7,6 +7,8 @@ import pathlib
 import signal
 import time
 
+import pytest
+
 from meeting_site import Browser
 
 MEETING = "/meet.google.com/soak"
@@ -140,6 +142,14 @@ class Services:
         self.open_browser()
 
     def open_browser(self):
+        """On a computer that is busy with other things, a second start finds it less so."""
+        try:
+            self._open_browser()
+        except pytest.fail.Exception:
+            send(processes(self.desktop, ["firefox-esr", "--no-remote"]), signal.SIGKILL)
+            self._open_browser()
+
+    def _open_browser(self):
         self.browser = Browser(self.desktop, self.site, "firefox")
         self.page = self.browser.show(MEETING, "Meet - soak", people=["Ann Smith"])
 

@@ -22,7 +22,7 @@ import dbus  # noqa: E402
 
 from appearances import Appearance, HistoryWatch  # noqa: E402
 from application import Desktop, Icon, Notifications, Quorva  # noqa: E402
-from conftest import PROGRAMS, wait_until  # noqa: E402
+from conftest import DEADLINE, PROGRAMS, wait_until  # noqa: E402
 from disturbances import Services  # noqa: E402
 from meeting_site import Site  # noqa: E402
 from measures import Samples, Starvation  # noqa: E402
@@ -35,7 +35,6 @@ MAILBOXES = ["notetaker@otter.ai", "fred@fireflies.ai", "bot@avoma.com", "bot@se
 CALENDAR_REST = 30
 EPOCH = datetime.datetime(2001, 1, 1, tzinfo=datetime.timezone.utc)
 WARM_UP, LAST_LOOK = 20, 15
-SLOWEST_CALL = 10
 
 
 class SoakDesktop(Desktop):
@@ -149,10 +148,10 @@ class Soak:
         if not free:
             return
         name = self.choose.choice(free)
+        it = self.appear("processName", PRODUCTS[name])
         process = self.desktop.start_bot(name)
-        lifetime = self.choose.uniform(9, 30)
-        self.bots[name] = (process, time.monotonic() + lifetime)
-        self.appear("processName", PRODUCTS[name], since=time.monotonic())
+        it.since = time.monotonic()
+        self.bots[name] = (process, it.since + self.choose.uniform(9, 30))
 
     def show_people(self):
         page = self.services.page
@@ -166,7 +165,8 @@ class Soak:
         self.number += 1
         name = f"Acme{self.number} Notetaker"
         self.people[name] = time.monotonic() + self.choose.uniform(25, 70)
-        self.unshown.append((*self.show_people(), self.appear("participantList", name)))
+        it = self.appear("participantList", name)
+        self.unshown.append((*self.show_people(), it))
 
     def note_shown(self):
         for entry in list(self.unshown):
@@ -190,7 +190,6 @@ class Soak:
             + datetime.timedelta(minutes=61 + self.number)
         mailbox = f"{self.number}.{self.choose.choice(MAILBOXES)}"
         now = time.monotonic()
-        self.desktop.invite(mailbox, start)
         disturbed = [each.recovered for each in self.services.done
                      if "calendarAttendee" in each.affects]
         has_rested = now - self.calendar_moved > 2 * CALENDAR_REST \
@@ -199,6 +198,7 @@ class Soak:
         self.files[mailbox] = now + self.choose.uniform(320, 400)
         self.appear("calendarAttendee", (start - EPOCH).total_seconds(), since=now,
                     bound=10 if has_rested else 0)
+        self.desktop.invite(mailbox, start)
 
     def retire(self, now):
         self.note_shown()
@@ -235,9 +235,12 @@ class Soak:
         way()
         self.actions["clicks"] += 1
 
+    def disturbed(self):
+        return [f"{each.part} {each.how}" for _, each in self.services.present.values()]
+
     def timed(self, call):
         before, starved = time.monotonic(), self.starvation.note()
-        disturbed = [each.part + " " + each.how for _, each in self.services.present.values()]
+        disturbed = self.disturbed()
         try:
             return call()
         except dbus.DBusException as error:
@@ -267,16 +270,21 @@ class Soak:
         self.choose_from_menu("Refresh all scans")
 
     def start_again(self):
-        def start():
-            return subprocess.run([PROGRAMS / "quorva"], env=self.desktop.environment,
-                                  capture_output=True, timeout=SLOWEST_CALL)
-        try:
-            started = start()
-        except subprocess.TimeoutExpired:
-            self.actions["no answer to a second start"] += 1
-            return
-        if started.returncode != 0:
-            self.actions[f"second start: {started.stderr.decode().strip()}"] += 1
+        """Which activates the running one, and ends."""
+        before = time.monotonic()
+        again = self.desktop.start([PROGRAMS / "quorva"], stdout=subprocess.PIPE,
+                                   stderr=subprocess.STDOUT, text=True)
+        starvation = Starvation(again.pid)
+        while again.poll() is None and time.monotonic() < before + DEADLINE:
+            starvation.note()
+            time.sleep(0.05)
+        seconds = time.monotonic() - before - starvation.waited[-1] + starvation.waited[0]
+        self.calls.append((seconds, before, ["a second start", *self.disturbed()]))
+        if again.poll() is None:
+            self.desktop.end(again)
+        said = again.stdout.read()
+        if again.returncode != 0 or "does not answer" in said:
+            self.actions[f"second start: {said.strip()}"] += 1
 
     def sample(self):
         self.samples.take()
