@@ -8,9 +8,10 @@ LOG_FILES, LOG_FILE_SIZE = 4, 5 * 1024 * 1024
 
 
 class Samples:
-    """Proportional memory in kB, descriptors, threads."""
+    """Memory in kB, descriptors, threads. The proportional memory changes with what other programs
+    share; what is not of files is the application's own."""
 
-    NAMES = ("memory, kB", "descriptors", "threads")
+    NAMES = ("memory, kB", "of this not of files, kB", "descriptors", "threads")
 
     def __init__(self, pid, log_folder):
         self.process = pathlib.Path(f"/proc/{pid}")
@@ -21,9 +22,9 @@ class Samples:
     def take(self):
         try:
             lines = (self.process / "smaps_rollup").read_text().splitlines()
-            memory = next(int(line.split()[1]) for line in lines if line.startswith("Pss:"))
+            memory = {line.split(":")[0]: int(line.split()[1]) for line in lines[1:]}
             self.taken.append((time.monotonic(), (
-                memory, len(list((self.process / "fd").iterdir())),
+                memory["Pss"], memory["Pss_Anon"], len(list((self.process / "fd").iterdir())),
                 len(list((self.process / "task").iterdir())))))
         except OSError:
             return  # it has ended, which is noticed elsewhere
