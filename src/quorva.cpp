@@ -35,7 +35,9 @@
 #include <QIcon>
 #include <QSessionManager>
 #include <csignal>
+#include <cstdio>
 #include <cstdlib>
+#include <unistd.h>
 
 namespace {
 
@@ -222,7 +224,11 @@ int run(char* programName) {
 
 int main(int, char* texts[]) {
     try {
-        return run(texts[0]);
+        const int status = run(texts[0]);
+        // Threads of libraries that can't be ended may still be at work, and must not find these
+        // libraries being taken apart. All of ours is stored by now.
+        std::fflush(nullptr);
+        ::_exit(status);
     } catch (const std::exception& failure) {
         return refuse(failure.what());
     }
