@@ -16,6 +16,11 @@ if(QUORVA_SANITIZE)
     target_link_options(quorva_compiler INTERFACE -fsanitize=address,undefined)
 endif()
 
+if(QUORVA_COVERAGE)
+    target_compile_options(quorva_compiler INTERFACE --coverage -fprofile-update=atomic)
+    target_link_options(quorva_compiler INTERFACE --coverage)
+endif()
+
 if(QUORVA_FUZZ)
     target_compile_options(quorva_compiler INTERFACE
         -fsanitize=fuzzer-no-link,address,undefined -fno-sanitize-recover=all

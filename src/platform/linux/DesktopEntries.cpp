@@ -3,6 +3,7 @@
 #include "catalogue/Text.h"
 #include "platform/linux/Handles.h"
 #include "platform/linux/ProcFormats.h"
+#include "platform/linux/Utf8.h"
 
 #include <fmt/format.h>
 
@@ -272,7 +273,7 @@ void DesktopEntries::readFolder(const std::filesystem::path& folder, const std::
     for (const auto& file : files) {
         const auto name = file.filename().string();
         if (file.extension() == ".desktop")
-            readEntry(file, idPrefix + file.stem().string());
+            readEntry(file, validUtf8(idPrefix + file.stem().string()));
         else if (std::filesystem::is_directory(file, error))
             readFolder(file, idPrefix + name + "-", depth + 1, visited);
     }

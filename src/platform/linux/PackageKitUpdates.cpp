@@ -2,6 +2,7 @@
 
 #include "platform/Lifetime.h"
 #include "platform/linux/BusCall.h"
+#include "platform/linux/PackageKitProtocol.h"
 #include "platform/linux/Utf8.h"
 
 #include <fmt/format.h>
@@ -9,6 +10,7 @@
 #include <cstdint>
 #include <memory>
 #include <utility>
+#include <variant>
 
 namespace quorva {
 namespace {
@@ -16,12 +18,10 @@ namespace {
 constexpr const char* serviceName = "org.freedesktop.PackageKit";
 constexpr const char* servicePath = "/org/freedesktop/PackageKit";
 constexpr const char* transactionInterface = "org.freedesktop.PackageKit.Transaction";
-constexpr std::string_view packageName = "quorva";
 
-// Filters and outcomes, as PackageKit numbers them.
+// Filters, as PackageKit numbers them.
 constexpr std::uint64_t noFilter = 1U << 1U;
 constexpr std::uint64_t installedOnly = 1U << 2U;
-constexpr std::uint32_t success = 1;
 
 UpdateAnswer unknown(std::string reason) {
     return {.kind = UpdateAnswer::Kind::unknown, .reason = std::move(reason)};
@@ -48,8 +48,8 @@ public:
     Check(const Check&) = delete;
     Check& operator=(const Check&) = delete;
 
-    void start(const OpenBus& openBus) {
-        openBus(lifetime.guard([this](GObjectPtr<GDBusConnection>& opened) {
+    void start(const OpenBus& open) {
+        open(lifetime.guard([this](GObjectPtr<GDBusConnection>& opened) {
             if (!opened)
                 return finish(unknown("The system bus can't be reached."));
             bus = std::move(opened);
@@ -61,7 +61,7 @@ private:
     using Next = void (Check::*)();
 
     void findInstalled() {
-        const gchar* const names[] = {packageName.data(), nullptr};
+        const gchar* const names[] = {packageKit::packageName.data(), nullptr};
         begin("Resolve", g_variant_ref_sink(g_variant_new("(t^as)", installedOnly, names)),
               &Check::judgeInstalled);
     }
@@ -87,12 +87,11 @@ private:
         const std::shared_ptr<GVariant> held(parameters, g_variant_unref);
         call(servicePath, serviceName, "CreateTransaction", nullptr,
              [this, method, held, then](GVariant* reply) {
-                 if (g_variant_is_of_type(reply, G_VARIANT_TYPE("(o)")) == FALSE)
+                 const auto path = packageKit::decodeTransaction(reply);
+                 if (!path)
                      return finish(unknown("The package service makes no sense."));
-                 const gchar* path = nullptr;
-                 g_variant_get(reply, "(&o)", &path);
-                 follow(path, then);
-                 call(path, transactionInterface, method, held.get(), nullptr);
+                 follow(path->c_str(), then);
+                 call(path->c_str(), transactionInterface, method, held.get(), nullptr);
              });
     }
 
@@ -141,22 +140,14 @@ private:
     }
 
     void receive(std::string_view signal, GVariant* parameters) {
-        const auto has = [&](const char* type) {
-            return g_variant_is_of_type(parameters, G_VARIANT_TYPE(type)) != FALSE;
-        };
-        const gchar* text = nullptr;
-        if (signal == "Package" && has("(uss)")) {
-            g_variant_get_child(parameters, 1, "&s", &text);
-            if (auto found = versionOf(text))
-                version = std::move(found);
-        } else if (signal == "ErrorCode" && has("(us)")) {
-            g_variant_get_child(parameters, 1, "&s", &text);
-            fault = validUtf8(text);
-        } else if (signal == "Finished" && has("(uu)")) {
-            std::uint32_t outcome = 0;
-            g_variant_get_child(parameters, 0, "u", &outcome);
+        const auto said = packageKit::decodeSignal(signal, parameters);
+        if (const auto* const package = std::get_if<packageKit::OwnPackage>(&said)) {
+            version = package->version;
+        } else if (const auto* const told = std::get_if<packageKit::Fault>(&said)) {
+            fault = told->text;
+        } else if (const auto* const end = std::get_if<packageKit::End>(&said)) {
             endTransaction();
-            if (outcome == success)
+            if (end->isSuccess)
                 (this->*next)();
             else
                 finish(unknown("The package service failed: " + fault));
@@ -189,15 +180,6 @@ Subscription PackageKitUpdates::checkForUpdates(std::function<void(const UpdateA
     const auto check = std::make_shared<Check>(loop, limit, std::move(done));
     check->start(openBus);
     return Subscription([held = check]() mutable { held.reset(); });
-}
-
-std::optional<std::string> PackageKitUpdates::versionOf(std::string_view packageIdentifier) {
-    const auto nameEnd = packageIdentifier.find(';');
-    if (nameEnd == std::string_view::npos || packageIdentifier.substr(0, nameEnd) != packageName)
-        return std::nullopt;
-    const auto rest = packageIdentifier.substr(nameEnd + 1);
-    const auto version = rest.substr(0, rest.find(';'));
-    return version.empty() ? std::nullopt : std::optional(validUtf8(version));
 }
 
 } // namespace quorva

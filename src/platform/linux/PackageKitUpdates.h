@@ -7,9 +7,6 @@
 #include "platform/linux/Handles.h"
 
 #include <functional>
-#include <optional>
-#include <string>
-#include <string_view>
 
 namespace quorva {
 
@@ -29,9 +26,6 @@ public:
 
     [[nodiscard]] Subscription
     checkForUpdates(std::function<void(const UpdateAnswer&)> done) override;
-
-    /// The version in "name;version;architecture;repository" when the name is this program's.
-    [[nodiscard]] static std::optional<std::string> versionOf(std::string_view packageIdentifier);
 
 private:
     class Check;

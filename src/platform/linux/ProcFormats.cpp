@@ -167,7 +167,7 @@ std::optional<UnitApplication> applicationOfUnit(std::string_view unitName) {
         const auto snap = split(name, '.')[1];
         if (snap.empty())
             return std::nullopt;
-        return UnitApplication{UnitApplication::Kind::snap, unescapeUnit(snap)};
+        return UnitApplication{UnitApplication::Kind::snap, validUtf8(unescapeUnit(snap))};
     }
 
     const auto parts = split(name.substr(0, name.find('@')), '-');
@@ -178,7 +178,7 @@ std::optional<UnitApplication> applicationOfUnit(std::string_view unitName) {
         id = id.first(id.size() - 1); // RANDOM
     if (id.size() > 1)
         id = id.subspan(1); // LAUNCHER
-    auto text = unescapeUnit(joined(id));
+    auto text = validUtf8(unescapeUnit(joined(id)));
     if (text.empty())
         return std::nullopt;
     return UnitApplication{UnitApplication::Kind::desktopEntry, std::move(text)};

@@ -48,7 +48,8 @@ struct UnitApplication {
 };
 
 /// The application of "app[-LAUNCHER]-ID-RANDOM.scope", "app[-LAUNCHER]-ID[@RANDOM].service" or
-/// "snap.NAME.…", unescaped; nothing for any other unit.
+/// "snap.NAME.…", unescaped, with replacement characters in place of invalid UTF-8; nothing for any
+/// other unit.
 [[nodiscard]] std::optional<UnitApplication> applicationOfUnit(std::string_view unitName);
 
 /// A readable name for an AppImage: its file name without the ending, version and architecture.
