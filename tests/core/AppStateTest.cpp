@@ -122,6 +122,14 @@ TEST_F(AppStateTest, showsAtStartWhatIsThereWhateverTheSettingsSay) {
     EXPECT_FALSE(app.alertPanel.alert->has_value());
     computer.loop.advance(0.2s);
     EXPECT_EQ(*app.alertPanel.alert, (BotAlert{"Otter.ai", "macOS", "Transcription"}));
+
+    computer.processTable.end(100);
+    computer.preferences.values["allowedBotIds"] = std::vector<std::string>{"otter-cal"};
+    meet({"This meeting is being recorded"});
+    auto& later = start();
+    computer.loop.advance(3.1s);
+    EXPECT_EQ(*later.alertPanel.alert, (BotAlert{"recording", "Zoom", "Recording"}))
+        << "a banner, where there is nothing else";
 }
 
 TEST_F(AppStateTest, showsEachAlertForEightSecondsOfItsOwn) {

@@ -244,6 +244,25 @@ TEST_F(QuorvaLogTest, countsTheMessagesThatAHungLogCouldNotTake) {
     EXPECT_EQ(hung.messages.back(), "after");
 }
 
+TEST(LinuxFileSystem, carriesALogThroughItsRotations) {
+    const TemporaryFolder folder;
+    LinuxFileSystem files;
+    VirtualMainLoop loop;
+    std::vector<std::string> console;
+    FileLogMirror mirror(files, loop, folder.path / "log", {},
+                         [&](std::string_view text) { console.emplace_back(text); });
+    mirror.start();
+    for (const char letter : {'a', 'b', 'c', 'd', 'e'})
+        mirror.append(std::string(megabytes5, letter));
+    mirror.append("next\n");
+    EXPECT_THAT(console, IsEmpty());
+    EXPECT_EQ(folder.read("log/quorva.log"), "next\n");
+    EXPECT_EQ(folder.read("log/quorva.log.1").back(), 'e');
+    EXPECT_EQ(folder.read("log/quorva.log.2").back(), 'd');
+    EXPECT_EQ(folder.read("log/quorva.log.3").back(), 'c');
+    EXPECT_FALSE(std::filesystem::exists(folder.path / "log/quorva.log.4"));
+}
+
 TEST(LinuxFileSystem, makesItsFilesForTheUserAloneAndTakesBackHalfALine) {
     const TemporaryFolder folder;
     LinuxFileSystem files;

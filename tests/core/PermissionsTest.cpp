@@ -100,11 +100,27 @@ TEST_F(PermissionsTest, saysWhatIsMissingAndWhatThatCosts) {
     EXPECT_EQ(computer.log.count("No longer so: Objections are not spoken"), 1U);
     EXPECT_EQ(app.limitations->at(2).text,
               "The notification server shows no buttons: object from Quorva's menu.");
+    computer.notifications.become({NotificationService::State::silent, false});
+    computer.loop.runPosted();
+    EXPECT_THAT(app.limitations->at(2).text, testing::HasSubstr("does not answer"));
     app.settings.showNotifications = false;
     app.toggleCalendarMonitor(); // what is switched off is not missing
     app.stopMonitoring();
     computer.loop.runPosted();
     EXPECT_THAT(*app.limitations, testing::SizeIs(1));
+}
+
+TEST(Limitations, nameThreeWindowsAndSayHowManyMoreThereAre) {
+    CapabilityFacts facts{.isMonitoring = true,
+                          .participantMonitorEnabled = true,
+                          .hasAccessibilityPermission = true};
+    for (const auto* const name : {"Zoom", "Slack", "Web\nex", "Teams", "Meet"})
+        facts.meetings.unread.push_back({.applicationName = name, .problem = "no answer"});
+    const auto found = limitations(facts);
+    ASSERT_EQ(found.size(), 1U);
+    EXPECT_EQ(found[0].text,
+              "Windows that can't be looked at: Zoom (no answer), Slack (no answer), "
+              "Web\\nex (no answer) and 2 more. Bots in their meetings are not seen.");
 }
 
 TEST_F(PermissionsTest, leadsTheFirstRunToMonitoring) {

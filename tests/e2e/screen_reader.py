@@ -9,7 +9,7 @@ from conftest import wait_until
 
 ACCESSIBLE = "org.a11y.atspi.Accessible"
 REGISTRY = ("org.a11y.atspi.Registry", "/org/a11y/atspi/accessible/root")
-CHECKED, FOCUSED, VISIBLE = 4, 12, 30
+CHECKED, ENABLED, FOCUSED, VISIBLE = 4, 8, 12, 30
 
 
 class Element:

@@ -8,7 +8,7 @@ import pytest
 from application import Desktop, Icon, Quorva
 from conftest import DEADLINE, PROGRAMS, wait_until
 from desktop import ZoomWindow
-from screen_reader import CHECKED, FOCUSED, ScreenReader
+from screen_reader import CHECKED, ENABLED, FOCUSED, ScreenReader
 
 SWITCHES = {
     "General": ["Launch at login", "Show notifications", "Auto-start monitoring",
@@ -58,7 +58,7 @@ class Screen:
 
     def end(self):
         self.reader.close()
-        assert self.quorva.end() == 0
+        assert self.quorva.process.poll() == 0 or self.quorva.end() == 0
         self.desktop.end_session()
 
 
@@ -208,6 +208,25 @@ def test_keeps_what_is_set(screen):
     assert reader.hears("Data Stored On Your Device")
 
 
+def test_opens_what_the_desktop_and_the_icon_are_asked_for(screen):
+    here = screen()
+
+    def choose_action(name):
+        """As the menu of the desktop's applications does."""
+        subprocess.run(["gapplication", "action", "com.veltran.QuorvaApp", name],
+                       env=here.desktop.environment, check=True, timeout=DEADLINE)
+    for ask in (lambda: choose_action("history"),
+                lambda: here.icon.choose("View detection history")):
+        ask()
+        here.reader.press("Done")
+        here.reader.wait_until_gone("Detection History")
+    choose_action("settings")
+    assert here.reader.hears("Launch at login")
+    here.icon.choose("Open Quorva")
+    here.reader.press("Quit Quorva")
+    assert here.quorva.process.wait(DEADLINE) == 0
+
+
 def test_tries_detection(screen):
     here = screen()
     here.icon.choose("Open settings")
@@ -215,6 +234,7 @@ def test_tries_detection(screen):
     here.enlarge("Quorva Settings")
     here.reader.press("Test detection…")
     said = here.reader.hears("Every link works.")
+    wait_until(lambda: here.reader.find("Test detection…").is_(ENABLED), "the end of the trial")
     assert all(source in said for source in ("process", "calendar", "meeting"))
     assert here.desktop.history() == [], "a trial is no detection"
 

@@ -101,6 +101,9 @@ void PlayedNotificationServer::answer(GDBusMethodInvocation* invocation) {
         closed.emplace_back();
         g_variant_get(parameters, "(u)", &closed.back());
         g_dbus_method_invocation_return_value(invocation, nullptr);
+    } else if (isBusy) {
+        g_dbus_method_invocation_return_dbus_error(
+            invocation, "org.freedesktop.DBus.Error.LimitsExceeded", "no room");
     } else if (refuses) {
         g_dbus_method_invocation_return_dbus_error(invocation, "org.example.Refused", "too many");
     } else {
@@ -140,6 +143,10 @@ void PlayedNotificationServer::press(std::uint32_t number, const std::string& ke
 
 void PlayedNotificationServer::tellClosed(std::uint32_t number) {
     emit("NotificationClosed", g_variant_new("(uu)", number, 2U));
+}
+
+void PlayedNotificationServer::hand(std::uint32_t number, const std::string& activationToken) {
+    emit("ActivationToken", g_variant_new("(us)", number, activationToken.c_str()));
 }
 
 void PlayedNotificationServer::emit(const char* signal, GVariant* parameters) {

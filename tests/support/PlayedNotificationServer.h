@@ -26,7 +26,7 @@ struct PlayedNotification {
 /// Answers on the main context, which the test turns.
 class PlayedNotificationServer {
 public:
-    /// Takes the name, or throws. The capabilities are those of the specification.
+    /// Takes the name, or throws. The capabilities are named as freedesktop.org does.
     explicit PlayedNotificationServer(std::vector<std::string> capabilities = {"body", "actions",
                                                                                "body-markup"});
     ~PlayedNotificationServer();
@@ -37,6 +37,7 @@ public:
     bool isHanging = false;      ///< questions are kept until `answerAll`
     bool inventsNumbers = false; ///< also where something is to be replaced
     bool refuses = false;        ///< Notify comes to an error
+    bool isBusy = false;         ///< Notify comes to an error of the bus, as for want of room
 
     std::vector<PlayedNotification> shown; ///< in the order of asking
     std::vector<std::uint32_t> closed;
@@ -45,6 +46,7 @@ public:
     void answerAll();
     void press(std::uint32_t number, const std::string& key);
     void tellClosed(std::uint32_t number);
+    void hand(std::uint32_t number, const std::string& activationToken);
 
     [[nodiscard]] GDBusConnection* connection() const { return bus.get(); }
 

@@ -1,6 +1,6 @@
 #!/usr/bin/python3
-"""Prints how much of each folder of src/ the tests run, from gcovr's summary, and where they run
-least."""
+"""Prints how much of each folder of src/ the tests run, from what gcovr wrote as JSON, and where
+they run least."""
 
 import collections
 import json
@@ -10,28 +10,47 @@ import sys
 FEW = 80.0  # per cent of a file's lines
 
 
+class Counts:
+    def __init__(self):
+        self.lines = {}
+        self.branches = {}
+
+    def add(self, line):
+        number = line["line_number"]
+        self.lines[number] = self.lines.get(number, 0) + line["count"]
+        for place, branch in enumerate(line["branches"]):
+            key = (number, place)
+            self.branches[key] = self.branches.get(key, 0) + branch["count"]
+
+
+def share(counts):
+    run, total = sum(count > 0 for count in counts), len(counts)
+    return run, total, 100 * run / max(1, total)
+
+
 def main():
-    files = json.loads(pathlib.Path(sys.argv[1]).read_text())["files"]
-    folders = collections.defaultdict(lambda: [0, 0, 0, 0])
-    for file in files:
-        for name in (str(pathlib.Path(file["filename"]).parent), "all"):
-            counts = folders[name]
-            counts[0] += file["line_covered"]
-            counts[1] += file["line_total"]
-            counts[2] += file["branch_covered"]
-            counts[3] += file["branch_total"]
-    print(f"{'':28}{'lines':>16}{'':9}{'branches':>16}")
+    root = pathlib.Path(__file__).resolve().parents[2]
+    files = collections.defaultdict(Counts)
+    for file in json.loads(pathlib.Path(sys.argv[1]).read_text())["files"]:
+        path = (root / file["file"]).resolve()  # headers are included through links
+        for line in file["lines"]:
+            if not line["gcovr/noncode"]:
+                files[path.relative_to(root)].add(line)
+    folders = collections.defaultdict(lambda: ([], []))
+    for path, counts in files.items():
+        for name in (str(path.parent), "all"):
+            folders[name][0].extend(counts.lines.values())
+            folders[name][1].extend(counts.branches.values())
+
+    print(f"{'':22}{'lines':>16}{'':10}{'branches':>15}")
     for name in [*sorted(set(folders) - {"all"}), "all"]:
-        lines, all_lines, branches, all_branches = folders[name]
-        print(f"{name:28}{lines:>7} of {all_lines:>5}{100 * lines / all_lines:6.1f} %"
-              f"{branches:>10} of {all_branches:>5}{100 * branches / max(1, all_branches):6.1f} %")
-    poor = sorted((file["line_percent"] or 0, file["line_total"] - file["line_covered"],
-                   file["filename"])
-                  for file in files if (file["line_percent"] or 0) < FEW and file["line_total"])
-    if poor:
-        print(f"\nFiles of whose lines less than {FEW:.0f} % were run")
-        for percent, missed, name in poor:
-            print(f"{percent:7.1f} %  {missed:4} lines not run  {name}")
+        print("{:22}{:7} of {:5}{:6.1f} %".format(name, *share(folders[name][0])),
+              "{:7} of {:5}{:6.1f} %".format(*share(folders[name][1])))
+    print(f"\nFiles of whose lines less than {FEW:.0f} % were run")
+    for path, counts in sorted(files.items()):
+        run, total, percent = share(counts.lines.values())
+        if percent < FEW:
+            print(f"{percent:7.1f} %  {total - run:4} lines not run  {path}")
 
 
 if __name__ == "__main__":

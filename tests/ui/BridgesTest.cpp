@@ -1,7 +1,14 @@
 // What the popover and the settings show of the application state, and do to it.
+#include "support/Eventually.h"
 #include "support/Stage.h"
+#include "support/TemporaryFolder.h"
+#include "ui/EvidenceExport.h"
 
 #include <gmock/gmock.h>
+
+#include <QApplication>
+#include <QClipboard>
+#include <QFileDialog>
 
 namespace quorva {
 namespace {
@@ -162,6 +169,36 @@ TEST(SettingsBridge, theTemplateChosenIsTheOneUsed) {
     ASSERT_EQ(settings.evidence()->count(), 1);
     EXPECT_EQ(text(*settings.evidence(), 0, "title"), text(*settings.templates(), 3, "title"));
     EXPECT_EQ(settings.preview().toStdString(), stage.computer.clipboard.text);
+}
+
+TEST(SettingsBridge, theEvidenceGoesToTheClipboardOrToAFile) {
+    const TemporaryFolder folder;
+    Stage stage;
+    SettingsBridge settings{stage.state, stage.updates, stage.computer.loop};
+    stage.state.objectToFirst();
+    const auto& records = stage.state.objections.objectionLog.records.get();
+    settings.copyEvidence();
+    EXPECT_EQ(QGuiApplication::clipboard()->text().toStdString(), evidenceAsCsv(records));
+
+    settings.exportEvidence();
+    auto* const dialog = [] {
+        for (auto* const widget : QApplication::topLevelWidgets())
+            if (auto* const found = qobject_cast<QFileDialog*>(widget))
+                return found;
+        return static_cast<QFileDialog*>(nullptr);
+    }();
+    ASSERT_NE(dialog, nullptr);
+    ASSERT_TRUE(dialog->isVisible());
+    emit dialog->filterSelected(dialog->nameFilters().last());
+    dialog->setDirectory(QString::fromStdString(folder.path.string()));
+    dialog->selectFile("log");
+    ASSERT_TRUE(QMetaObject::invokeMethod(dialog, "accept"));
+    const auto isToldOf = [&] {
+        stage.settle();
+        return settings.exportText().startsWith("Exported to ");
+    };
+    ASSERT_TRUE(eventually(stage.computer.loop, isToldOf));
+    EXPECT_EQ(folder.read("log.json"), evidenceAsJson(records));
 }
 
 } // namespace

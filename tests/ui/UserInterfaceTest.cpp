@@ -154,6 +154,19 @@ TEST_F(UserInterfaceTest, theHistoryOpensWithThePopoverAndGoesWithIt) {
     EXPECT_FALSE(stage.state.showingLogSheet);
 }
 
+TEST_F(UserInterfaceTest, aHistoryThatWasClosedStaysSoWhateverChangesWhileItFades) {
+    stage.ui.openHistory();
+    ASSERT_TRUE(isShown(popoverView));
+    auto& popover = *stage.ui.window(popoverView);
+    press(popover, "Done");
+    detectEverything();
+    const auto hasGone = [&] {
+        stage.settle();
+        return !stage.state.showingLogSheet && !controlNamed(popover, "Done");
+    };
+    EXPECT_TRUE(QTest::qWaitFor(hasGone));
+}
+
 TEST_F(UserInterfaceTest, escapeClosesThePopover) {
     stage.ui.openPopover();
     ASSERT_TRUE(isShown(popoverView));

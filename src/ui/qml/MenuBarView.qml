@@ -101,6 +101,7 @@ Window {
     DetectionLogSheet {
         entries: popover.bridge.history
         visible: popover.bridge.showsHistory
-        onClosed: if (popover.bridge.showsHistory) popover.bridge.closeHistory()
+        // Already when it begins to go: until the state says so, whatever else changes would show it anew.
+        onAboutToHide: if (popover.bridge.showsHistory) popover.bridge.closeHistory()
     }
 }

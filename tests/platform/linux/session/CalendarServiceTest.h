@@ -34,16 +34,17 @@ inline std::string vcalendar(const std::string& lines) {
     return "BEGIN:VCALENDAR\r\nVERSION:2.0\r\n" + lines + "END:VCALENDAR\r\n";
 }
 
-/// The calendar "Personal", as another program of the session writes to it.
+/// A calendar, as another program of the session writes to it: "Personal" where none is given.
 class CalendarWriter {
 public:
-    CalendarWriter() {
-        const GObjectPtr<ESource> source(
-            e_source_new_with_uid("system-calendar", nullptr, nullptr));
-        client.reset(
-            E_CAL_CLIENT(e_cal_client_connect_sync(source.get(), E_CAL_CLIENT_SOURCE_TYPE_EVENTS,
-                                                   static_cast<guint32>(-1), nullptr, nullptr)));
-    }
+    CalendarWriter()
+        : CalendarWriter(
+              GObjectPtr<ESource>(e_source_new_with_uid("system-calendar", nullptr, nullptr))
+                  .get()) {}
+    explicit CalendarWriter(ESource* source)
+        : client(E_CAL_CLIENT(e_cal_client_connect_sync(source, E_CAL_CLIENT_SOURCE_TYPE_EVENTS,
+                                                        static_cast<guint32>(-1), nullptr,
+                                                        nullptr))) {}
 
     /// Adds events, or replaces those of the same UID.
     [[nodiscard]] bool put(const std::string& events) {
@@ -62,6 +63,22 @@ public:
 private:
     GObjectPtr<ECalClient> client;
 };
+
+/// Has the service keep one more calendar on this computer; null when it does not.
+inline GObjectPtr<ESource> addCalendar(const char* name) {
+    GObjectPtr<ESource> source(e_source_new(nullptr, nullptr, nullptr));
+    e_source_set_display_name(source.get(), name);
+    e_source_set_parent(source.get(), "local-stub");
+    e_source_backend_set_backend_name(
+        E_SOURCE_BACKEND(e_source_get_extension(source.get(), E_SOURCE_EXTENSION_CALENDAR)),
+        "local");
+    const GObjectPtr<ESourceRegistry> registry(e_source_registry_new_sync(nullptr, nullptr));
+    if (!registry ||
+        !e_source_registry_commit_source_sync(registry.get(), source.get(), nullptr, nullptr))
+        return {};
+    return GObjectPtr<ESource>(
+        e_source_registry_ref_source(registry.get(), e_source_get_uid(source.get())));
+}
 
 class CalendarServiceTest : public testing::Test {
 protected:

@@ -88,15 +88,22 @@ TEST_F(EdsCalendarStoreTest, readsEachClockAsItsOwn) {
         CalendarWriter().put(event("floating", "DTSTART:20300304T090000\r\nDURATION:PT10M") +
                              event("day", "DTSTART;VALUE=DATE:20300304") +
                              event("zone", "DTSTART;TZID=America/New_York:20300303T190500\r\n"
-                                           "DTEND;TZID=Europe/Paris:20300304T013000")));
+                                           "DTEND;TZID=Europe/Paris:20300304T013000") +
+                             "BEGIN:VTIMEZONE\r\nTZID:Court House\r\nBEGIN:STANDARD\r\n"
+                             "DTSTART:19700101T000000\r\nTZOFFSETFROM:+0530\r\n"
+                             "TZOFFSETTO:+0530\r\nEND:STANDARD\r\nEND:VTIMEZONE\r\n" +
+                             event("own zone", "DTSTART;TZID=Court House:20300304T053600\r\n"
+                                               "DURATION:PT10M")));
 
     const Time midnight = std::chrono::sys_days(std::chrono::year(2030) / 3 / 4);
     const auto events = fetch(midnight, midnight + 8min).events;
-    ASSERT_EQ(events.size(), 3U);
+    ASSERT_EQ(events.size(), 4U);
     using testing::_;
     EXPECT_THAT(events[0], FieldsAre("day", _, midnight - 9h, midnight + 15h, true, _, _));
     EXPECT_THAT(events[1], FieldsAre("floating", _, midnight, midnight + 10min, false, _, _));
     EXPECT_THAT(events[2], FieldsAre("zone", _, midnight + 5min, midnight + 30min, false, _, _));
+    EXPECT_THAT(events[3],
+                FieldsAre("own zone", _, midnight + 6min, midnight + 16min, false, _, _));
 }
 
 TEST_F(EdsCalendarStoreTest, tellsThatEventsHaveComeAndGone) {
@@ -114,6 +121,21 @@ TEST_F(EdsCalendarStoreTest, tellsThatEventsHaveComeAndGone) {
     ASSERT_TRUE(writer.remove("old"));
     ASSERT_TRUE(comesTo([&] { return changes == 3; }));
     EXPECT_THAT(titles(), ElementsAre("New"));
+}
+
+TEST_F(EdsCalendarStoreTest, looksIntoCalendarsThatAreAddedLater) {
+    ASSERT_TRUE(CalendarWriter().put(vevent("old", now + 1h, "SUMMARY:Old\r\n")));
+    bool isChanged = false;
+    const auto subscription = store.onChange([&] { isChanged = true; });
+    const auto before = fetch().calendars;
+    ASSERT_TRUE(comesTo([&] { return isChanged; })) << "the accounts were found";
+
+    isChanged = false;
+    const auto added = addCalendar("Cases");
+    ASSERT_TRUE(comesTo([&] { return isChanged; }));
+    EXPECT_EQ(fetch().calendars, before + 1);
+    ASSERT_TRUE(CalendarWriter(added.get()).put(vevent("new", now + 2h, "SUMMARY:New\r\n")));
+    EXPECT_THAT(titles(), ElementsAre("Old", "New"));
 }
 
 TEST_F(EdsCalendarStoreTest, reportsAStoppedServiceWithoutStoppingItself) {

@@ -7,6 +7,7 @@
 
 #include <gmock/gmock.h>
 
+#include <cstdlib>
 #include <optional>
 
 namespace quorva {
@@ -195,6 +196,39 @@ TEST_F(DBusNotificationCenterTest, goesOnAfterARefusal) {
     server.refuses = false;
     center->post(request("b"));
     ASSERT_TRUE(shows(server, 1));
+}
+
+TEST_F(DBusNotificationCenterTest, triesAgainWhatTheBusHadNoRoomFor) {
+    PlayedNotificationServer server;
+    start({.answer = Seconds(0.3)});
+    ASSERT_TRUE(becomes(State::present));
+    server.isBusy = true;
+    center->post(request("a", "one"));
+    ASSERT_TRUE(comesTo([&] { return log.count("A notification waits: ") == 1; }));
+    center->post(request("b", "two"));
+    server.isBusy = false;
+    ASSERT_TRUE(shows(server, 2));
+    EXPECT_EQ(server.shown[0].title, "one");
+    EXPECT_EQ(server.shown[1].title, "two");
+}
+
+TEST_F(DBusNotificationCenterTest, passesOnTheTokenOfItsOwnNotificationsOnly) {
+    ::unsetenv("XDG_ACTIVATION_TOKEN");
+    PlayedNotificationServer server;
+    start();
+    center->post(request("a"));
+    ASSERT_TRUE(shows(server, 1));
+    const auto tokenAfterPress = [&](std::uint32_t number) {
+        responses.clear();
+        server.hand(number, "token");
+        server.press(1, server.shown[0].keys[0]);
+        EXPECT_TRUE(comesTo([&] { return !responses.empty(); }));
+        const char* const token = std::getenv("XDG_ACTIVATION_TOKEN");
+        return std::string(token != nullptr ? token : "none");
+    };
+    EXPECT_EQ(tokenAfterPress(99), "none") << "of another program's";
+    EXPECT_EQ(tokenAfterPress(1), "token");
+    ::unsetenv("XDG_ACTIVATION_TOKEN");
 }
 
 TEST_F(DBusNotificationCenterTest, knowsThatThereIsNoBus) {
