@@ -87,6 +87,10 @@ struct Fault {
     std::string step;
     std::string problem;
     std::function<void(FakeDrillStandIns&, FakeProcessTable&, FakeAccessibilityTree&)> make;
+
+    friend void PrintTo(const Fault& fault, std::ostream* out) {
+        *out << fault.step << ", " << fault.problem;
+    }
 };
 
 class SelfTestFaultTest : public SelfTestTest, public testing::WithParamInterface<Fault> {};

@@ -130,3 +130,9 @@ def test_watch_says_that_a_full_or_missing_log_place_costs_the_log_and_nothing_e
     assert computer.end(process, by=signal.SIGINT) == 0
     assert errors.read_text().count("[Quorva] FileLogMirror.start failed: ") == 1
     computer.end(bot)
+
+
+def test_watch_ends_where_nothing_can_be_watched(computer):
+    ended = computer.scan("--watch", "--source", "meeting")
+    assert ended.returncode == 3 and ended.stdout == ""
+    assert "the source meeting is not watched: accessibility is switched off" in ended.stderr
