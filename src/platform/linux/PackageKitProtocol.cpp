@@ -3,6 +3,7 @@
 #include "platform/linux/Utf8.h"
 
 #include <cstdint>
+#include <utility>
 
 namespace quorva::packageKit {
 namespace {
