@@ -4,6 +4,7 @@
 #include "platform/linux/DrillFolder.h"
 #include "platform/linux/Handles.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -48,9 +49,12 @@ GKeyFilePtr entryIn(const std::string& bytes) {
     return entry;
 }
 
+/// Without a carriage return at its end, which becomes part of the line's end when it is written.
 std::string valueOf(GKeyFile* entry, const char* group, const char* key) {
     const GCharsPtr value(g_key_file_get_value(entry, group, key, nullptr));
-    return value ? value.get() : "";
+    std::string text = value ? value.get() : "";
+    text.resize(text.find_last_not_of('\r') + 1);
+    return text;
 }
 
 /// What the entry had in other groups is there still.
@@ -82,6 +86,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const auto stored = bytes.substr(std::min(lineEnd + 1, bytes.size()));
     expect(programOf(AutostartLoginItem::execOf(program)) == program);
 
+    std::filesystem::remove_all(file.parent_path());
     std::filesystem::create_directories(file.parent_path());
     std::ofstream(file, std::ios::binary) << stored;
     AutostartLoginItem item(folder.path(), program);
@@ -104,6 +109,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const auto before = entryIn(stored);
     if (isEntry && before)
         expectKept(before.get(), written.get());
+    const auto files = std::filesystem::directory_iterator(file.parent_path());
+    const auto isAside = [&](const auto& each) { return contentOf(each.path()) == stored; };
+    if (!isEntry && !stored.empty())
+        expect(std::any_of(begin(files), end(files), isAside));
     expect(!item.unregisterItem() && item.status() == LoginItemStatus::notRegistered);
     return 0;
 }

@@ -4,7 +4,7 @@
 #include "platform/linux/LinuxWholeFile.h"
 #include "platform/linux/Utf8.h"
 
-#include <cerrno>
+#include <chrono>
 #include <cstdlib>
 #include <string_view>
 #include <utility>
@@ -34,6 +34,11 @@ GKeyFilePtr parse(const std::string& bytes) {
         g_key_file_has_group(entry.get(), group) == FALSE)
         entry.reset();
     return entry;
+}
+
+Time lastChange(const FileStamp& stamp) {
+    return Time(
+        std::chrono::duration_cast<Time::duration>(std::chrono::nanoseconds(stamp.modified)));
 }
 
 } // namespace
@@ -67,8 +72,13 @@ std::optional<std::string> AutostartLoginItem::registerItem() {
     if (error)
         return validUtf8(file.string()) + " can't be read: " + error.message();
     auto entry = content ? parse(content->bytes) : nullptr;
-    if (!entry)
+    if (!entry) {
+        const bool isForeign = content && !content->bytes.empty();
+        if (isForeign && !whole.setAside(lastChange(content->stamp), error))
+            return validUtf8(file.string()) +
+                   " is no entry, and can't be set aside: " + error.message();
         entry.reset(g_key_file_new());
+    }
     const auto set = [&](const char* key, const std::string& value) {
         g_key_file_set_string(entry.get(), group, key, value.c_str());
     };
@@ -81,7 +91,9 @@ std::optional<std::string> AutostartLoginItem::registerItem() {
     setUnlessThere(G_KEY_FILE_DESKTOP_KEY_COMMENT, "Tells when an AI note-taker joins a meeting");
     setUnlessThere(G_KEY_FILE_DESKTOP_KEY_ICON, "com.veltran.QuorvaApp");
     set(G_KEY_FILE_DESKTOP_KEY_EXEC, execOf(program));
-    g_key_file_remove_key(entry.get(), group, G_KEY_FILE_DESKTOP_KEY_HIDDEN, nullptr);
+    // Not removed: of a key that stands there twice only the last would go, and the other count.
+    if (g_key_file_has_key(entry.get(), group, G_KEY_FILE_DESKTOP_KEY_HIDDEN, nullptr) != FALSE)
+        g_key_file_set_boolean(entry.get(), group, G_KEY_FILE_DESKTOP_KEY_HIDDEN, FALSE);
     g_key_file_set_boolean(entry.get(), group, enabledKey, TRUE);
 
     gsize size = 0;

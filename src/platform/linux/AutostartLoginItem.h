@@ -10,8 +10,9 @@
 namespace quorva {
 
 /// Status: enabled when the entry is there and neither hidden nor switched off as desktops do it;
-/// notFound when it cannot be read. What the user has written into the entry besides is kept. The
-/// entry is a small file, read and replaced at once when a person asks for it.
+/// notFound when it cannot be read. What the user has written into the entry besides is kept; what
+/// is no entry at all is set aside. The entry is a small file, read and replaced at once when a
+/// person asks for it.
 class AutostartLoginItem final : public LoginItem {
 public:
     /// `folder` is the configuration folder ($XDG_CONFIG_HOME); `program` the absolute path of what

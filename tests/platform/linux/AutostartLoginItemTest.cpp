@@ -15,7 +15,6 @@ namespace quorva {
 namespace {
 
 using testing::HasSubstr;
-using testing::Not;
 
 class AutostartLoginItemTest : public testing::Test {
 protected:
@@ -68,7 +67,18 @@ TEST_F(AutostartLoginItemTest, keepsWhatTheUserHasWritten) {
     for (const auto* const part : {"# mine\n", "Name[de]=Quorva hier\n", "Name=My Quorva\n",
                                    "X-GNOME-Autostart-Delay=20\n", "Exec=\"/usr/bin/quorva\"\n"})
         EXPECT_THAT(entry(), HasSubstr(part));
-    EXPECT_THAT(entry(), Not(HasSubstr("Hidden")));
+    EXPECT_THAT(entry(), HasSubstr("Hidden=false\n"));
+}
+
+TEST_F(AutostartLoginItemTest, setsAsideWhatItCannotRead) {
+    for (const auto* const bytes : {"something else", "once more", ""}) {
+        folder.write(name, bytes);
+        EXPECT_EQ(item.registerItem(), std::nullopt);
+    }
+    std::vector<std::string> kept;
+    for (const auto& file : std::filesystem::directory_iterator(folder.path / "autostart"))
+        kept.push_back(folder.read(std::filesystem::relative(file.path(), folder.path)));
+    EXPECT_THAT(kept, testing::UnorderedElementsAre("something else", "once more", entry()));
 }
 
 TEST_F(AutostartLoginItemTest, saysWhatWentWrong) {
