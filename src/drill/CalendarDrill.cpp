@@ -3,7 +3,6 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <utility>
 
 namespace quorva {
 namespace {
@@ -29,7 +28,7 @@ bool isDrill(const CalendarEvent& event) {
 CalendarDrill::CalendarDrill(MainLoop& loop_, Log& log_, Sha256 sha256_, DrillStandIns& standIns_)
     : Drill(loop_, DrillLink::calendar),
       log(log_),
-      sha256(std::move(sha256_)),
+      sha256(sha256_),
       standIns(standIns_),
       catalogue(onlyRow(), {}) {}
 

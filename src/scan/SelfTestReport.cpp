@@ -32,6 +32,7 @@ std::string_view statusOf(const DrillFinding& finding) {
 
 std::vector<DrillLink> linksOf(const std::vector<ScanSource>& sources) {
     std::vector<DrillLink> links;
+    links.reserve(sources.size());
     for (const auto source : sources)
         links.push_back(source == ScanSource::process    ? DrillLink::process
                         : source == ScanSource::calendar ? DrillLink::calendar

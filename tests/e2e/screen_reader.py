@@ -97,6 +97,9 @@ class ScreenReader:
             pass  # it has just gone: look anew
         return None
 
+    def shows(self, name):
+        return self._first(name, None, None) is not None
+
     def find(self, name, window=None, role=None):
         """The first element of this name, once it is there."""
         return wait_until(lambda: self._first(name, window, role), f'"{name}" on the screen')

@@ -51,10 +51,14 @@ class Screen:
         subprocess.run(["xdotool", "key", *names], env=self.desktop.environment, check=True,
                        timeout=DEADLINE)
 
-    def enlarge(self, window):
-        """Makes a window as high as the screen: what is scrolled away does not count as shown."""
-        subprocess.run(["xdotool", "search", "--name", window, "windowsize", "700", "860"],
-                       env=self.desktop.environment, check=True, timeout=DEADLINE)
+    def enlarge(self, window, until):
+        """Makes a window as high as the screen, so that an element shows: what is scrolled away does
+        not count as shown. A window that is just being opened may still get another size."""
+        def is_shown():
+            subprocess.run(["xdotool", "search", "--name", window, "windowsize", "700", "860"],
+                           env=self.desktop.environment, check=True, timeout=DEADLINE)
+            return self.reader.shows(until)
+        wait_until(is_shown, f'"{until}" on the screen')
 
     def end(self):
         self.reader.close()
@@ -231,7 +235,7 @@ def test_tries_detection(screen):
     here = screen()
     here.icon.choose("Open settings")
     here.reader.press("Detection", role="page tab")
-    here.enlarge("Quorva Settings")
+    here.enlarge("Quorva Settings", until="Test detection…")
     here.reader.press("Test detection…")
     said = here.reader.hears("Every link works.")
     wait_until(lambda: here.reader.find("Test detection…").is_(ENABLED), "the end of the trial")
@@ -251,7 +255,7 @@ def test_allows_a_product_and_takes_that_back(screen):
     wait_until(lambda: here.desktop.kept("allowedBotIds") == ["otter"], "the list to be stored")
     reader.press("Open settings")
     reader.press("Detection", role="page tab")
-    here.enlarge("Quorva Settings")
+    here.enlarge("Quorva Settings", until="Remove Otter.ai, on this computer")
     assert reader.hears("Otter.ai, on this computer")
     reader.press("Remove Otter.ai, on this computer")
     wait_until(lambda: here.icon.tool_tip() == "Quorva: 1 Bot Detected", "the bot again")

@@ -88,12 +88,14 @@ AccessibleWindows AtspiAccessibilityTree::windows(ProcessIdentifier process) con
 void AtspiAccessibilityTree::request(std::vector<ReadingRequest> requests) {
     std::vector<AtspiRequest> all;
     std::map<ProcessIdentifier, AtspiAnswer> kept;
+    all.reserve(requests.size());
     for (auto& request : requests) {
-        if (auto known = answers.extract(request.process))
+        const auto process = request.process;
+        if (auto known = answers.extract(process))
             kept.insert(std::move(known));
         else
-            kept[request.process].enableResult = EINPROGRESS;
-        all.push_back({std::move(request), enabling.contains(request.process)});
+            kept[process].enableResult = EINPROGRESS;
+        all.push_back({std::move(request), enabling.contains(process)});
     }
     answers = std::move(kept);
     enabling.clear();

@@ -57,8 +57,8 @@ public:
 private:
     struct State;
     struct Pending;
-    static gboolean look(gpointer state);
-    static int receive(sd_bus_message* message, void* pending, sd_bus_error*);
+    static gboolean look(gpointer watched);
+    static int receive(sd_bus_message* message, void* answered, sd_bus_error*);
     static void finish(Pending& pending, GVariant* body);
 
     std::shared_ptr<State> state;

@@ -45,9 +45,10 @@ AtspiEvents::~AtspiEvents() {
     endRegistration();
 }
 
-Subscription AtspiEvents::follow(const std::string& application, Callback onChange,
+Subscription AtspiEvents::follow(const std::string& application, const Callback& onChange,
                                  Task onFollowed) {
     std::vector<guint> signals;
+    signals.reserve(std::size(interfaces));
     for (const char* const interface : interfaces)
         signals.push_back(g_dbus_connection_signal_subscribe(
             bus.get(), application.c_str(), interface, nullptr, nullptr, nullptr,

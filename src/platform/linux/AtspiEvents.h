@@ -30,7 +30,7 @@ public:
     /// once the registry has told the applications: what is asked of them from then on cannot be
     /// older than a change that was not told. It is also called where the registry does not answer,
     /// which is asked again later; it is not called any more once the subscription has ended.
-    [[nodiscard]] Subscription follow(const std::string& application, Callback onChange,
+    [[nodiscard]] Subscription follow(const std::string& application, const Callback& onChange,
                                       Task onFollowed);
 
     /// To be told when another registry has taken the place of one: it knows of no registrations.

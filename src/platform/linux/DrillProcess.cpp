@@ -15,6 +15,7 @@ using HearLine = std::function<void(const std::string&)>;
 
 std::vector<const char*> pointersTo(const std::vector<std::string>& texts) {
     std::vector<const char*> pointers;
+    pointers.reserve(texts.size() + 1);
     for (const auto& text : texts)
         pointers.push_back(text.c_str());
     pointers.push_back(nullptr);

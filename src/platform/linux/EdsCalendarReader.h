@@ -10,8 +10,10 @@
 #include <string>
 #include <vector>
 
+// NOLINTBEGIN(bugprone-reserved-identifier): the library's names
 struct _ECalClient;
 struct _ECalClientView;
+// NOLINTEND(bugprone-reserved-identifier)
 
 namespace quorva {
 

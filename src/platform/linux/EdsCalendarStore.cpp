@@ -179,7 +179,8 @@ void EdsCalendarStore::take(const FetchPtr& fetch, std::size_t position,
         readSuspects(fetch);
 }
 
-void EdsCalendarStore::drop(FetchPtr fetch) {
+/// By value: what was given may be the set's own, which `complete` takes out of it.
+void EdsCalendarStore::drop(FetchPtr fetch) { // NOLINT(performance-unnecessary-value-param)
     fetch->done = nullptr;
     fetch->suspects.clear();
     g_cancellable_cancel(fetch->cancellable.get());

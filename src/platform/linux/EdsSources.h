@@ -9,8 +9,10 @@
 #include <string_view>
 #include <vector>
 
+// NOLINTBEGIN(bugprone-reserved-identifier): the library's names
 struct _ESource;
 struct _ESourceRegistry;
+// NOLINTEND(bugprone-reserved-identifier)
 
 namespace quorva {
 

@@ -17,7 +17,7 @@ struct WatchedFolder {
     std::filesystem::path path;
     std::optional<std::string> awaited; ///< only the coming of this name matters
 
-    auto operator<=>(const WatchedFolder&) const = default;
+    auto operator<=>(const WatchedFolder&) const = default; // NOLINT(modernize-use-nullptr)
 };
 
 /// Main thread only, on GLib's default main context.

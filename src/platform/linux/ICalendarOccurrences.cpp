@@ -11,7 +11,8 @@ namespace {
 using std::chrono::duration_cast;
 using std::chrono::seconds;
 
-constexpr std::int64_t clockSlack = 3 * 3600; // more than clocks are set back or forward at once
+/// More than clocks are set back or forward at once.
+constexpr std::int64_t clockSlack = std::int64_t{3} * 3600;
 
 /// Years that the clock cannot count, such as 1 and 9999, are its first or last moment.
 Time timeOf(UtcSeconds moment) {

@@ -202,7 +202,8 @@ std::optional<WallTime> parseWallTime(std::string_view value) {
     if (!date.ok() || *hour > 23 || *minute > 59 || *second > 60)
         return std::nullopt;
     parsed.seconds = std::chrono::sys_days(date).time_since_epoch().count() * secondsOfDay +
-                     *hour * 3600 + *minute * 60 + std::min(*second, 59);
+                     std::int64_t{*hour} * 3600 + std::int64_t{*minute} * 60 +
+                     std::min(*second, 59);
     return parsed;
 }
 

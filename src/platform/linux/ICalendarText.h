@@ -59,7 +59,7 @@ struct ContentLine {
 
 /// Takes a line apart. Parameter values come without quotes and with RFC 6868 escapes resolved;
 /// bytes that are no UTF-8 are replaced by U+FFFD. Nothing for a line without a ":".
-[[nodiscard]] std::optional<ContentLine> parseContentLine(std::string_view line);
+[[nodiscard]] std::optional<ContentLine> parseContentLine(std::string_view bytes);
 
 /// Whether two texts are equal but for the case of ASCII letters.
 [[nodiscard]] bool equalsIgnoringCase(std::string_view a, std::string_view b);

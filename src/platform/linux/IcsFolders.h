@@ -27,7 +27,7 @@ struct IcsPlaces {
 /// counters and `abandon`.
 class IcsFolders {
 public:
-    static constexpr std::uintmax_t maxFileSize = 64 * 1'048'576;
+    static constexpr std::uintmax_t maxFileSize = std::uintmax_t{64} * 1'048'576;
 
     IcsFolders(IcsPlaces places, std::vector<std::string> userAddresses);
     ~IcsFolders();

@@ -40,8 +40,8 @@ private:
     struct Program;
     struct Calendar;
 
-    void copyProgram(const std::weak_ptr<Program>& program, std::size_t firstPlace);
-    void runCopy(const std::weak_ptr<Program>& program, std::size_t place);
+    void copyProgram(const std::weak_ptr<Program>& weak, std::size_t firstPlace);
+    void runCopy(const std::weak_ptr<Program>& weak, std::size_t place);
 
     MainLoop& loop;
     LinuxCalendarStore& calendars;

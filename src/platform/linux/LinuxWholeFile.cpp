@@ -17,7 +17,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::int64_t maxBytes = 16 * 1024 * 1024;
+constexpr std::int64_t maxBytes = std::int64_t{16} * 1024 * 1024;
 
 std::error_code lastError() {
     return {errno, std::system_category()};
