@@ -1,5 +1,6 @@
 // Any bytes in place of what tells applications apart: the texts of /proc, the names of systemd's
 // units, desktop entries. What is made of them is text, and comes from where it should.
+#include "Expect.h"
 #include "platform/linux/DesktopEntries.h"
 #include "platform/linux/Handles.h"
 #include "platform/linux/ProcFormats.h"
@@ -8,21 +9,11 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <string>
 
 using namespace quorva;
 
 namespace {
-
-void expect(bool condition) {
-    if (!condition)
-        std::abort();
-}
-
-void expectText(const std::string& text) {
-    expect(g_utf8_validate_len(text.data(), text.size(), nullptr) != FALSE);
-}
 
 /// The bytes as a program's name, which may hold what ends the name elsewhere.
 void readStat(const std::string& bytes) {

@@ -1,5 +1,6 @@
 // Any bytes in place of an autostart entry, and of the path of a program. After switching on, the
 // entry starts that program and nothing else; what else was in it is kept.
+#include "Expect.h"
 #include "platform/linux/AutostartLoginItem.h"
 #include "platform/linux/DrillFolder.h"
 #include "platform/linux/Handles.h"
@@ -7,7 +8,6 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <fstream>
 #include <iterator>
 #include <string>
@@ -16,11 +16,6 @@
 using namespace quorva;
 
 namespace {
-
-void expect(bool condition) {
-    if (!condition)
-        std::abort();
-}
 
 /// What a desktop makes of the value of Exec, as the Desktop Entry Specification has it: unquoted,
 /// with "%%" for "%"; empty where it is anything but one quoted argument without field codes.

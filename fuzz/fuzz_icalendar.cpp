@@ -1,21 +1,12 @@
 // Any bytes in place of a calendar file: whatever is understood of them keeps to the limits, and
 // lies in the period asked for.
+#include "Expect.h"
 #include "platform/linux/ICalendarReader.h"
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 
 using namespace quorva;
-
-namespace {
-
-void expect(bool condition) {
-    if (!condition)
-        std::abort();
-}
-
-} // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static const auto berlin = zoneOfName("Europe/Berlin");

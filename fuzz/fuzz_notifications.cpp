@@ -1,6 +1,7 @@
 // Any bytes in place of what is shown in notifications and of what their server says. What is sent
 // is what servers can bear, the keys of buttons lead back to their requests and nowhere else, and
 // the queue of what waits does what a plain list of it does.
+#include "Expect.h"
 #include "platform/linux/NotificationProtocol.h"
 #include "platform/linux/NotificationQueue.h"
 #include "platform/linux/PostedNotifications.h"
@@ -8,7 +9,6 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <vector>
 
 using namespace quorva;
@@ -16,13 +16,8 @@ using namespace quorva::notifications;
 
 namespace {
 
-void expect(bool condition) {
-    if (!condition)
-        std::abort();
-}
-
 void expectBearable(const std::string& text, std::size_t maxCharacters, bool hasLines) {
-    expect(g_utf8_validate_len(text.data(), text.size(), nullptr) != FALSE);
+    expectText(text);
     expect(static_cast<std::size_t>(g_utf8_strlen(text.data(), static_cast<gssize>(text.size()))) <=
            maxCharacters);
     for (const char* at = text.data(); at < text.data() + text.size(); at = g_utf8_next_char(at)) {

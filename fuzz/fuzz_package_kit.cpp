@@ -1,24 +1,15 @@
 // Any bytes in place of what the package service says: only a package of this program's has a
 // version, and what is told to people is text.
+#include "Expect.h"
 #include "platform/linux/PackageKitProtocol.h"
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 
 using namespace quorva;
 using namespace quorva::packageKit;
 
 namespace {
-
-void expect(bool condition) {
-    if (!condition)
-        std::abort();
-}
-
-void expectText(const std::string& text) {
-    expect(g_utf8_validate_len(text.data(), text.size(), nullptr) != FALSE);
-}
 
 void readIdentifier(std::string_view bytes) {
     constexpr std::string_view own = "quorva;";

@@ -1,19 +1,10 @@
 // Any bytes in place of a text in a meeting window: what the indexed rules make of it is what a
 // walk through the tables' rows makes of it.
+#include "Expect.h"
 #include "support/PlainParticipantMatching.h"
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
-
-namespace {
-
-void expect(bool condition) {
-    if (!condition)
-        std::abort();
-}
-
-} // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string_view text(reinterpret_cast<const char*>(data), size);

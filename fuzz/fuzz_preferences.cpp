@@ -1,19 +1,14 @@
 // Any bytes in place of a preferences file: they are refused, or what was read of them survives
 // being written and read again, and so does what the file holds besides.
+#include "Expect.h"
 #include "platform/linux/PreferencesFormat.h"
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 
 using quorva::PreferencesDocument;
 
 namespace {
-
-void expect(bool condition) {
-    if (!condition)
-        std::abort();
-}
 
 PreferencesDocument parsed(const std::string& bytes) {
     std::string fault;

@@ -1,6 +1,7 @@
 // Any value in place of a stored list of records: what can be read of it is there, in the bounds of
 // the list, and where anything can't be, all of it is kept under another key. What was read
 // survives being stored again together with what comes new.
+#include "Expect.h"
 #include "core/RecordLog.h"
 #include "support/MemoryPreferences.h"
 #include "support/RecordingLog.h"
@@ -8,18 +9,12 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <optional>
 #include <tuple>
 
 using namespace quorva;
 
 namespace {
-
-void expect(bool condition) {
-    if (!condition)
-        std::abort();
-}
 
 /// A double holds the seconds of a far date to a microsecond.
 bool isSameTime(Time one, Time other) {

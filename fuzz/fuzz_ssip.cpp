@@ -1,6 +1,7 @@
 // Any bytes in place of what a speech service says, and of what it is to say. What comes is taken
 // for what the protocol says it is or ends the conversation, once; what is sent ends where it
 // should and nowhere before.
+#include "Expect.h"
 #include "platform/linux/SsipConnection.h"
 #include "support/VirtualMainLoop.h"
 
@@ -9,20 +10,14 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <sys/socket.h>
 
 using namespace quorva;
 
 namespace {
 
-void expect(bool condition) {
-    if (!condition)
-        std::abort();
-}
-
 void expectUtf8(const std::string& text) {
-    expect(g_utf8_validate_len(text.data(), text.size(), nullptr) != FALSE);
+    expectText(text);
 }
 
 void readLine(std::string_view bytes) {

@@ -1,5 +1,6 @@
 // Any bytes in place of a text that is cut for people: what is left is its beginning, of so many
 // characters as people count them, and cut nowhere within one.
+#include "Expect.h"
 #include "catalogue/Text.h"
 #include "core/NotificationTexts.h"
 
@@ -8,18 +9,12 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <memory>
 #include <set>
 
 using namespace quorva;
 
 namespace {
-
-void expect(bool condition) {
-    if (!condition)
-        std::abort();
-}
 
 /// Where ICU says that characters end.
 std::set<std::size_t> boundariesOf(std::string_view text) {
