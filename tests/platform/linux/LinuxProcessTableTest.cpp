@@ -15,7 +15,6 @@ namespace {
 
 using namespace std::chrono_literals;
 using namespace std::string_view_literals;
-using testing::ElementsAre;
 
 std::string commandScript(std::string_view interpreter, std::vector<std::string_view> arguments) {
     return scriptOfCommand(interpreter, arguments).value_or("none");
