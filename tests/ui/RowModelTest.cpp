@@ -85,7 +85,8 @@ TEST(RowModel, whateverListFollowsWhichAViewIsToldEnough) {
         pool.push_back("row " + std::to_string(each));
     for (int round = 0; round < 60; ++round) {
         std::shuffle(pool.begin(), pool.end(), random);
-        const std::vector<std::string> next(pool.begin(), pool.begin() + random() % pool.size());
+        const auto count = static_cast<std::ptrdiff_t>(random() % pool.size());
+        const std::vector<std::string> next(pool.begin(), pool.begin() + count);
         model.show(rowsNamed(next));
         ASSERT_EQ(idsOf(model), next);
         ASSERT_EQ(mirror.ids, next);
