@@ -1,7 +1,7 @@
 // What looking for the next day's events costs in a folder with many events, against the same look
 // in a folder that holds only these.
 #include "Measuring.h"
-#include "platform/linux/IcsFolders.h"
+#include "platform/linux/calendars/IcsFolders.h"
 #include "support/TemporaryFolder.h"
 
 #include <fmt/format.h>

@@ -3,8 +3,8 @@
 // behind in memory.
 #include "Measuring.h"
 #include "core/AppState.h"
-#include "platform/linux/JsonPreferences.h"
-#include "platform/linux/LinuxWholeFile.h"
+#include "platform/linux/storage/JsonPreferences.h"
+#include "platform/linux/storage/LinuxWholeFile.h"
 #include "support/FakeComputer.h"
 #include "support/TemporaryFolder.h"
 

@@ -2,8 +2,8 @@
 // events, against the same fetch when it stores only these. The service is a real one, of a session
 // that has no other use.
 #include "Measuring.h"
-#include "platform/linux/EdsCalendarStore.h"
-#include "platform/linux/GLibMainLoop.h"
+#include "platform/linux/calendars/EdsCalendarStore.h"
+#include "platform/linux/glib/GLibMainLoop.h"
 
 #include <fmt/chrono.h>
 

@@ -2,10 +2,10 @@
 // lines. A burst of calls is timed; the writing that follows is waited for and not timed, so that
 // neither a full queue nor dropped messages are measured.
 #include "Measuring.h"
-#include "core/QuorvaLog.h"
-#include "platform/linux/GLibMainLoop.h"
-#include "platform/linux/JournalLog.h"
-#include "platform/linux/LinuxFileSystem.h"
+#include "log/QuorvaLog.h"
+#include "platform/linux/glib/GLibMainLoop.h"
+#include "platform/linux/storage/JournalLog.h"
+#include "platform/linux/storage/LinuxFileSystem.h"
 #include "support/TemporaryFolder.h"
 
 #include <fmt/format.h>

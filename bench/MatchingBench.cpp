@@ -1,8 +1,8 @@
 // What it costs to tell the bots among the attendees of many events, against a walk through the
 // catalogue's rows for each attendee.
 #include "Measuring.h"
+#include "base/Text.h"
 #include "catalogue/CalendarBotDatabase.h"
-#include "catalogue/Text.h"
 
 #include <algorithm>
 #include <array>

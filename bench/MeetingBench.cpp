@@ -4,7 +4,7 @@
 #include "Measuring.h"
 #include "detectors/MeetingParticipantMonitor.h"
 #include "detectors/WindowScan.h"
-#include "platform/linux/GLibMainLoop.h"
+#include "platform/linux/glib/GLibMainLoop.h"
 #include "support/AccessibleElements.h"
 #include "support/FakeProcesses.h"
 

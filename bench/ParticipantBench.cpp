@@ -1,8 +1,8 @@
 // What it costs to match the texts of a meeting window that nobody has looked at before, against a
 // walk through the tables' rows for each text.
 #include "Measuring.h"
+#include "base/Text.h"
 #include "catalogue/ParticipantMatching.h"
-#include "catalogue/Text.h"
 #include "support/PlainParticipantMatching.h"
 
 #include <array>

@@ -3,10 +3,10 @@
 #include "Measuring.h"
 #include "ProcessCrowd.h"
 #include "detectors/ProcessMonitor.h"
-#include "platform/linux/DesktopEntries.h"
-#include "platform/linux/GLibMainLoop.h"
-#include "platform/linux/LinuxApplications.h"
-#include "platform/linux/LinuxProcessTable.h"
+#include "platform/linux/glib/GLibMainLoop.h"
+#include "platform/linux/processes/DesktopEntries.h"
+#include "platform/linux/processes/LinuxApplications.h"
+#include "platform/linux/processes/LinuxProcessTable.h"
 
 #include <fmt/format.h>
 

@@ -6,8 +6,8 @@
 #include "detectors/MeetingParticipantMonitor.h"
 #include "detectors/MeetingWindows.h"
 #include "detectors/WindowScan.h"
-#include "platform/linux/AtspiAccessibilityTree.h"
-#include "platform/linux/GLibMainLoop.h"
+#include "platform/linux/accessibility/AtspiAccessibilityTree.h"
+#include "platform/linux/glib/GLibMainLoop.h"
 
 #include <fmt/format.h>
 

@@ -2,7 +2,8 @@
 add_library(quorva_compiler INTERFACE)
 
 target_compile_options(quorva_compiler INTERFACE
-    -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror
+    -Wall -Wextra -Wpedantic -Wshadow -Wconversion
+    $<$<BOOL:${QUORVA_WARNINGS_AS_ERRORS}>:-Werror>
     -Wno-missing-field-initializers # fields left out of a designated initializer take their default
     -fmacro-prefix-map=${PROJECT_SOURCE_DIR}/=)
 
@@ -32,8 +33,10 @@ endif()
 target_link_options(quorva_compiler INTERFACE "LINKER:--as-needed")
 
 set(hardened "$<CONFIG:Release>")
-target_compile_definitions(quorva_compiler INTERFACE
-    "$<${hardened}:_FORTIFY_SOURCE=2>" "$<${hardened}:_GLIBCXX_ASSERTIONS>")
+target_compile_definitions(quorva_compiler INTERFACE "$<${hardened}:_GLIBCXX_ASSERTIONS>")
+if(NOT CMAKE_CXX_FLAGS MATCHES _FORTIFY_SOURCE) # a distribution's own flags may set it already
+    target_compile_definitions(quorva_compiler INTERFACE "$<${hardened}:_FORTIFY_SOURCE=2>")
+endif()
 target_compile_options(quorva_compiler INTERFACE
     "$<${hardened}:-fstack-protector-strong;-fstack-clash-protection>"
     # g++ 12 gives false alarms about std::string when it optimizes (GCC bug 105651). Elsewhere the

@@ -1,10 +1,10 @@
 // Any bytes in place of what tells applications apart: the texts of /proc, the names of systemd's
 // units, desktop entries. What is made of them is text, and comes from where it should.
 #include "Expect.h"
-#include "platform/linux/DesktopEntries.h"
-#include "platform/linux/Handles.h"
-#include "platform/linux/ProcFormats.h"
-#include "platform/linux/Utf8.h"
+#include "platform/linux/glib/Handles.h"
+#include "platform/linux/glib/Utf8.h"
+#include "platform/linux/processes/DesktopEntries.h"
+#include "platform/linux/processes/ProcFormats.h"
 
 #include <algorithm>
 #include <cstddef>

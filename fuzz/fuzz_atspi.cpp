@@ -1,8 +1,8 @@
 // Any bytes in place of the replies and signals of applications on the accessibility bus. What is
 // understood of them keeps to the limits; what the one library has sent, the other reads the same.
 #include "Expect.h"
-#include "platform/linux/AtspiConnection.h"
-#include "platform/linux/AtspiProtocol.h"
+#include "platform/linux/accessibility/AtspiConnection.h"
+#include "platform/linux/accessibility/AtspiProtocol.h"
 
 #include <array>
 #include <cstddef>

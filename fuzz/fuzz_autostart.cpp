@@ -1,9 +1,9 @@
 // Any bytes in place of an autostart entry, and of the path of a program. After switching on, the
 // entry starts that program and nothing else; what else was in it is kept.
 #include "Expect.h"
-#include "platform/linux/AutostartLoginItem.h"
-#include "platform/linux/DrillFolder.h"
-#include "platform/linux/Handles.h"
+#include "platform/linux/desktop/AutostartLoginItem.h"
+#include "platform/linux/drill/DrillFolder.h"
+#include "platform/linux/glib/Handles.h"
 
 #include <algorithm>
 #include <cstddef>

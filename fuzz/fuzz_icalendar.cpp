@@ -1,7 +1,7 @@
 // Any bytes in place of a calendar file: whatever is understood of them keeps to the limits, and
 // lies in the period asked for.
 #include "Expect.h"
-#include "platform/linux/ICalendarReader.h"
+#include "platform/linux/icalendar/ICalendarReader.h"
 
 #include <cstddef>
 #include <cstdint>

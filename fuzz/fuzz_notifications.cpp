@@ -2,9 +2,9 @@
 // is what servers can bear, the keys of buttons lead back to their requests and nowhere else, and
 // the queue of what waits does what a plain list of it does.
 #include "Expect.h"
-#include "platform/linux/NotificationProtocol.h"
-#include "platform/linux/NotificationQueue.h"
-#include "platform/linux/PostedNotifications.h"
+#include "platform/linux/notifications/NotificationProtocol.h"
+#include "platform/linux/notifications/NotificationQueue.h"
+#include "platform/linux/notifications/PostedNotifications.h"
 
 #include <algorithm>
 #include <cstddef>

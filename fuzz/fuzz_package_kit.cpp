@@ -1,7 +1,7 @@
 // Any bytes in place of what the package service says: only a package of this program's has a
 // version, and what is told to people is text.
 #include "Expect.h"
-#include "platform/linux/PackageKitProtocol.h"
+#include "platform/linux/desktop/PackageKitProtocol.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -1,7 +1,7 @@
 // Any bytes in place of a preferences file: they are refused, or what was read of them survives
 // being written and read again, and so does what the file holds besides.
 #include "Expect.h"
-#include "platform/linux/PreferencesFormat.h"
+#include "platform/linux/storage/PreferencesFormat.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -2,7 +2,7 @@
 // for what the protocol says it is or ends the conversation, once; what is sent ends where it
 // should and nowhere before.
 #include "Expect.h"
-#include "platform/linux/SsipConnection.h"
+#include "platform/linux/speech/SsipConnection.h"
 #include "support/VirtualMainLoop.h"
 
 #include <gio/gunixconnection.h>

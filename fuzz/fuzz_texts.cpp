@@ -1,7 +1,7 @@
 // Any bytes in place of a text that is cut for people: what is left is its beginning, of so many
 // characters as people count them, and cut nowhere within one.
 #include "Expect.h"
-#include "catalogue/Text.h"
+#include "base/Text.h"
 #include "core/NotificationTexts.h"
 
 #include <unicode/ubrk.h>

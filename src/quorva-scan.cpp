@@ -1,20 +1,20 @@
 // quorva-scan: looks for note-takers and recorders from the command line, for scripts, servers and
 // support. Puts the Linux services together and hands them to the scan.
-#include "ProgramLog.h"
-#include "platform/linux/AtspiAccessibilityTree.h"
-#include "platform/linux/DesktopEntries.h"
-#include "platform/linux/DrillMode.h"
-#include "platform/linux/GLibMainLoop.h"
-#include "platform/linux/JournalLog.h"
-#include "platform/linux/LinuxApplications.h"
-#include "platform/linux/LinuxCalendarStore.h"
-#include "platform/linux/LinuxDrillStandIns.h"
-#include "platform/linux/LinuxFileSystem.h"
-#include "platform/linux/LinuxProcessTable.h"
-#include "platform/linux/LinuxWholeFile.h"
-#include "platform/linux/OpenSslSha256.h"
-#include "platform/linux/PreferencesFormat.h"
-#include "platform/linux/SystemdUnitSignals.h"
+#include "log/ProgramLog.h"
+#include "platform/linux/accessibility/AtspiAccessibilityTree.h"
+#include "platform/linux/calendars/LinuxCalendarStore.h"
+#include "platform/linux/drill/DrillMode.h"
+#include "platform/linux/drill/LinuxDrillStandIns.h"
+#include "platform/linux/glib/GLibMainLoop.h"
+#include "platform/linux/processes/DesktopEntries.h"
+#include "platform/linux/processes/LinuxApplications.h"
+#include "platform/linux/processes/LinuxProcessTable.h"
+#include "platform/linux/processes/SystemdUnitSignals.h"
+#include "platform/linux/storage/JournalLog.h"
+#include "platform/linux/storage/LinuxFileSystem.h"
+#include "platform/linux/storage/LinuxWholeFile.h"
+#include "platform/linux/storage/OpenSslSha256.h"
+#include "platform/linux/storage/PreferencesFormat.h"
 #include "scan/Scan.h"
 #include "scan/SelfTestReport.h"
 
@@ -26,6 +26,7 @@
 #include <cstdio>
 #include <exception>
 #include <optional>
+#include <unistd.h>
 
 namespace {
 
@@ -113,7 +114,8 @@ int watch(const ScanOptions& options, LinuxServices& services) {
     const auto quit = [&] { services.loop.quit(); };
     const auto onInterrupt = GLibMainLoop::onSignal(SIGINT, quit);
     const auto onTerminate = GLibMainLoop::onSignal(SIGTERM, quit);
-    startLogFile(services.log, services.files, services.loop);
+    startLogFile(services.log, services.files, services.loop, g_get_user_state_dir(),
+                 {QUORVA_VERSION, QUORVA_BUILD, ::getpid()});
     std::optional<SystemdUnitSignals> units;
     if (auto bus = sessionBus()) {
         g_dbus_connection_set_exit_on_close(bus.get(), FALSE);

@@ -1,34 +1,34 @@
 // quorva: the application. Puts the Linux services, the core and the user interface together, comes
 // up as the session's only instance, and goes down in order.
-#include "ProgramLog.h"
 #include "core/AppDelegate.h"
 #include "core/AppState.h"
 #include "core/CalendarConsentDialog.h"
 #include "core/Updates.h"
-#include "platform/linux/ApplicationInstance.h"
-#include "platform/linux/AtspiAccessibilityTree.h"
-#include "platform/linux/AutostartLoginItem.h"
-#include "platform/linux/DBusNotificationCenter.h"
-#include "platform/linux/DesktopEntries.h"
-#include "platform/linux/DesktopSettings.h"
-#include "platform/linux/GLibMainLoop.h"
-#include "platform/linux/JournalLog.h"
-#include "platform/linux/JsonPreferences.h"
-#include "platform/linux/LinuxApplications.h"
-#include "platform/linux/LinuxCalendarStore.h"
-#include "platform/linux/LinuxFileSystem.h"
-#include "platform/linux/LinuxPanelWatch.h"
-#include "platform/linux/LinuxProcessTable.h"
-#include "platform/linux/LinuxWholeFile.h"
-#include "platform/linux/OpenSslSha256.h"
-#include "platform/linux/PackageKitUpdates.h"
-#include "platform/linux/PulseAudioDevices.h"
-#include "platform/linux/ScanProgramTest.h"
-#include "platform/linux/SpeechDispatcher.h"
-#include "platform/linux/SystemdUnitSignals.h"
-#include "ui/UserInterface.h"
+#include "log/ProgramLog.h"
+#include "platform/linux/accessibility/AtspiAccessibilityTree.h"
+#include "platform/linux/calendars/LinuxCalendarStore.h"
+#include "platform/linux/desktop/ApplicationInstance.h"
+#include "platform/linux/desktop/AutostartLoginItem.h"
+#include "platform/linux/desktop/DesktopSettings.h"
+#include "platform/linux/desktop/LinuxPanelWatch.h"
+#include "platform/linux/desktop/PackageKitUpdates.h"
+#include "platform/linux/desktop/PulseAudioDevices.h"
+#include "platform/linux/desktop/ScanProgramTest.h"
+#include "platform/linux/glib/GLibMainLoop.h"
+#include "platform/linux/notifications/DBusNotificationCenter.h"
+#include "platform/linux/processes/DesktopEntries.h"
+#include "platform/linux/processes/LinuxApplications.h"
+#include "platform/linux/processes/LinuxProcessTable.h"
+#include "platform/linux/processes/SystemdUnitSignals.h"
+#include "platform/linux/speech/SpeechDispatcher.h"
+#include "platform/linux/storage/JournalLog.h"
+#include "platform/linux/storage/JsonPreferences.h"
+#include "platform/linux/storage/LinuxFileSystem.h"
+#include "platform/linux/storage/LinuxWholeFile.h"
+#include "platform/linux/storage/OpenSslSha256.h"
 #include "ui/tray/QtClipboard.h"
 #include "ui/tray/TrayIcon.h"
+#include "ui/windows/UserInterface.h"
 
 #include <QAbstractEventDispatcher>
 #include <QApplication>
@@ -75,7 +75,10 @@ CalendarConsent consentOf(CalendarConsentDialog& dialog) {
 
 /// The log with its file, which is there before anything else has something to say.
 struct Logs {
-    explicit Logs(const MainLoop& loop) : log(loop, journal) { startLogFile(log, files, loop); }
+    explicit Logs(const MainLoop& loop) : log(loop, journal) {
+        startLogFile(log, files, loop, g_get_user_state_dir(),
+                     {QUORVA_VERSION, QUORVA_BUILD, ::getpid()});
+    }
 
     JournalLog journal;
     LinuxFileSystem files;

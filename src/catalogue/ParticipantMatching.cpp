@@ -1,9 +1,9 @@
 #include "catalogue/ParticipantMatching.h"
 
+#include "base/Text.h"
 #include "catalogue/IndicatorPhraseTable.h"
 #include "catalogue/ParticipantBotPatternTable.h"
 #include "catalogue/PatternAutomaton.h"
-#include "catalogue/Text.h"
 
 #include <algorithm>
 #include <iterator>

@@ -2,8 +2,8 @@
 // copied freely, compare memberwise and are identified by `id` where they have one.
 #pragma once
 
+#include "base/Time.h"
 #include "catalogue/Enumerations.h"
-#include "catalogue/Time.h"
 
 #include <cstdint>
 #include <optional>

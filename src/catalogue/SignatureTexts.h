@@ -2,7 +2,7 @@
 // searches for them. Pure functions, callable from any thread.
 #pragma once
 
-#include "catalogue/Text.h"
+#include "base/Text.h"
 
 #include <array>
 #include <cstdint>

@@ -2,9 +2,9 @@
 // long. How it looks is the user interface's.
 #pragma once
 
-#include "platform/Lifetime.h"
-#include "platform/MainLoop.h"
-#include "platform/Published.h"
+#include "base/Lifetime.h"
+#include "base/MainLoop.h"
+#include "base/Published.h"
 
 #include <optional>
 #include <string>

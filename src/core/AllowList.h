@@ -1,9 +1,9 @@
 // The products that the user does not want to be told of.
 #pragma once
 
+#include "base/Published.h"
 #include "catalogue/Records.h"
 #include "platform/Preferences.h"
-#include "platform/Published.h"
 
 #include <set>
 #include <string>

@@ -2,8 +2,8 @@
 // that nothing is announced that the record does not know of.
 #pragma once
 
-#include "platform/Lifetime.h"
-#include "platform/MainLoop.h"
+#include "base/Lifetime.h"
+#include "base/MainLoop.h"
 
 #include <deque>
 #include <memory>

@@ -2,9 +2,9 @@
 // the program does, and keeps the answer. How the question looks is the user interface's.
 #pragma once
 
+#include "base/Published.h"
 #include "platform/CalendarStore.h"
 #include "platform/Preferences.h"
-#include "platform/Published.h"
 
 #include <functional>
 #include <vector>

@@ -1,9 +1,9 @@
 // The trial of detection that the user can ask for, and what it has said so far.
 #pragma once
 
+#include "base/Lifetime.h"
+#include "base/Published.h"
 #include "platform/DetectionTest.h"
-#include "platform/Lifetime.h"
-#include "platform/Published.h"
 
 #include <string>
 #include <vector>

@@ -1,6 +1,6 @@
 #include "core/Limitations.h"
 
-#include "catalogue/Text.h"
+#include "base/Text.h"
 
 #include <fmt/format.h>
 

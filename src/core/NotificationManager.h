@@ -1,11 +1,11 @@
 // Posts the notifications of detections, and receives what the user answers to them.
 #pragma once
 
+#include "base/Lifetime.h"
+#include "base/MainLoop.h"
 #include "catalogue/Records.h"
 #include "core/NotificationTexts.h"
-#include "platform/Lifetime.h"
 #include "platform/Log.h"
-#include "platform/MainLoop.h"
 #include "platform/NotificationCenter.h"
 
 #include <functional>

@@ -1,6 +1,6 @@
 #include "core/Objections.h"
 
-#include "catalogue/Text.h"
+#include "base/Text.h"
 
 #include <fmt/format.h>
 

@@ -2,10 +2,10 @@
 // objection into a log that stands later.
 #pragma once
 
+#include "base/Lifetime.h"
 #include "core/ObjectionTexts.h"
 #include "core/RecordLog.h"
 #include "platform/Clipboard.h"
-#include "platform/Lifetime.h"
 #include "platform/SpeechSynthesizer.h"
 
 #include <deque>

@@ -2,15 +2,15 @@
 // there are. Finds out, asks, and follows what the user changes elsewhere.
 #pragma once
 
+#include "base/Lifetime.h"
+#include "base/MainLoop.h"
+#include "base/Published.h"
 #include "detectors/BlackHoleDetector.h"
 #include "detectors/CalendarMonitor.h"
 #include "detectors/MeetingParticipantMonitor.h"
 #include "platform/AccessibilityTree.h"
 #include "platform/CalendarStore.h"
-#include "platform/Lifetime.h"
 #include "platform/Log.h"
-#include "platform/MainLoop.h"
-#include "platform/Published.h"
 
 #include <functional>
 #include <string>

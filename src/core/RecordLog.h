@@ -1,11 +1,11 @@
 // A list of records that is kept in the preferences as one JSON array, whole after each change.
 #pragma once
 
+#include "base/MainLoop.h"
+#include "base/Published.h"
 #include "catalogue/Records.h"
 #include "platform/Log.h"
-#include "platform/MainLoop.h"
 #include "platform/Preferences.h"
-#include "platform/Published.h"
 
 #include <deque>
 #include <string>

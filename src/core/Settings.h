@@ -1,10 +1,10 @@
 // What the user can set, kept in the preferences from one run to the next.
 #pragma once
 
+#include "base/Published.h"
 #include "platform/Log.h"
 #include "platform/LoginItem.h"
 #include "platform/Preferences.h"
-#include "platform/Published.h"
 
 #include <cstdint>
 

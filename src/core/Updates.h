@@ -2,10 +2,10 @@
 // once a day by itself.
 #pragma once
 
-#include "platform/Lifetime.h"
-#include "platform/MainLoop.h"
+#include "base/Lifetime.h"
+#include "base/MainLoop.h"
+#include "base/Published.h"
 #include "platform/Preferences.h"
-#include "platform/Published.h"
 #include "platform/UpdateService.h"
 
 #include <optional>

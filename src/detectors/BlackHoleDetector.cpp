@@ -1,6 +1,6 @@
 #include "detectors/BlackHoleDetector.h"
 
-#include "catalogue/Text.h"
+#include "base/Text.h"
 
 #include <algorithm>
 

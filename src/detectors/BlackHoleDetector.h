@@ -2,8 +2,8 @@
 // to what the computer plays. Looks once. Main thread only.
 #pragma once
 
+#include "base/Published.h"
 #include "platform/AudioDevices.h"
-#include "platform/Published.h"
 
 #include <cstdint>
 #include <optional>

@@ -3,14 +3,14 @@
 // forgets what the user has dismissed. Main thread only. Never writes to a calendar.
 #pragma once
 
+#include "base/Lifetime.h"
+#include "base/MainLoop.h"
+#include "base/Published.h"
 #include "catalogue/CalendarBotDatabase.h"
 #include "catalogue/Records.h"
 #include "platform/CalendarStore.h"
-#include "platform/Lifetime.h"
 #include "platform/Log.h"
-#include "platform/MainLoop.h"
 #include "platform/Preferences.h"
-#include "platform/Published.h"
 #include "platform/Sha256.h"
 
 #include <functional>

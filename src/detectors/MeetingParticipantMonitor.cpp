@@ -1,6 +1,6 @@
 #include "detectors/MeetingParticipantMonitor.h"
 
-#include "catalogue/Text.h"
+#include "base/Text.h"
 #include "detectors/WindowScan.h"
 
 #include <fmt/format.h>

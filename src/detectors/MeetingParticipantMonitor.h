@@ -4,16 +4,16 @@
 // is gone. Main thread only. What is read of the windows is not stored.
 #pragma once
 
+#include "base/Lifetime.h"
+#include "base/MainLoop.h"
+#include "base/Published.h"
 #include "catalogue/Records.h"
 #include "detectors/MeetingWindowWalks.h"
 #include "detectors/MeetingWindows.h"
 #include "detectors/Retention.h"
 #include "platform/AccessibilityTree.h"
 #include "platform/Applications.h"
-#include "platform/Lifetime.h"
 #include "platform/Log.h"
-#include "platform/MainLoop.h"
-#include "platform/Published.h"
 
 #include <functional>
 #include <map>

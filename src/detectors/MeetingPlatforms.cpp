@@ -1,6 +1,6 @@
 #include "detectors/MeetingPlatforms.h"
 
-#include "catalogue/Text.h"
+#include "base/Text.h"
 #include "detectors/MeetingPlatformTable.h"
 
 #include <algorithm>

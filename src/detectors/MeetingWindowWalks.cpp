@@ -1,7 +1,7 @@
 #include "detectors/MeetingWindowWalks.h"
 
+#include "base/Text.h"
 #include "catalogue/ParticipantMatching.h"
-#include "catalogue/Text.h"
 #include "detectors/Retention.h"
 #include "detectors/WindowScan.h"
 

@@ -1,6 +1,6 @@
 #include "detectors/MeetingWindows.h"
 
-#include "catalogue/Text.h"
+#include "base/Text.h"
 #include "detectors/WindowScan.h"
 
 #include <vector>

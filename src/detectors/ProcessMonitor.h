@@ -3,12 +3,12 @@
 // gaps, and tells its owner when a product appears and when it is gone. Main thread only.
 #pragma once
 
+#include "base/MainLoop.h"
+#include "base/Published.h"
 #include "catalogue/BotSignatureDatabase.h"
 #include "catalogue/Records.h"
 #include "platform/Applications.h"
-#include "platform/MainLoop.h"
 #include "platform/ProcessTable.h"
-#include "platform/Published.h"
 
 #include <functional>
 #include <map>

@@ -3,9 +3,9 @@
 // can't be looked at. Main thread only.
 #pragma once
 
+#include "base/Text.h"
+#include "base/Time.h"
 #include "catalogue/Records.h"
-#include "catalogue/Text.h"
-#include "catalogue/Time.h"
 
 #include <algorithm>
 #include <cstdint>

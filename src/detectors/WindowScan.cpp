@@ -1,6 +1,6 @@
 #include "detectors/WindowScan.h"
 
-#include "catalogue/Text.h"
+#include "base/Text.h"
 
 #include <algorithm>
 #include <array>

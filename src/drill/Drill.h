@@ -2,8 +2,8 @@
 // step by step, or which step failed and what helps. Main thread only.
 #pragma once
 
-#include "platform/Lifetime.h"
-#include "platform/MainLoop.h"
+#include "base/Lifetime.h"
+#include "base/MainLoop.h"
 
 #include <functional>
 #include <string>

@@ -3,8 +3,8 @@
 // looks says what shall be read, and looks at the newest complete snapshot of it.
 #pragma once
 
+#include "base/Subscription.h"
 #include "platform/ProcessTable.h"
-#include "platform/Subscription.h"
 
 #include <functional>
 #include <memory>

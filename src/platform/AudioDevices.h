@@ -1,7 +1,7 @@
 // The sound devices of this computer. Nothing is ever recorded or played through them here.
 #pragma once
 
-#include "platform/Subscription.h"
+#include "base/Subscription.h"
 
 #include <cstdint>
 #include <functional>

@@ -2,8 +2,8 @@
 // written to a calendar.
 #pragma once
 
-#include "catalogue/Time.h"
-#include "platform/Subscription.h"
+#include "base/Subscription.h"
+#include "base/Time.h"
 
 #include <functional>
 #include <optional>

@@ -2,7 +2,7 @@
 // found" can be told from "could not have been found".
 #pragma once
 
-#include "platform/Subscription.h"
+#include "base/Subscription.h"
 
 #include <functional>
 #include <string>

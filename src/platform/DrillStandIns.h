@@ -3,9 +3,9 @@
 // window that lists made-up participants. None of them is taken for the real thing by anybody else.
 #pragma once
 
+#include "base/Subscription.h"
 #include "platform/CalendarStore.h"
 #include "platform/ProcessTable.h"
-#include "platform/Subscription.h"
 
 #include <functional>
 #include <string>

@@ -1,7 +1,7 @@
 // The desktop's notifications: short messages with buttons, shown by another program.
 #pragma once
 
-#include "platform/Subscription.h"
+#include "base/Subscription.h"
 
 #include <functional>
 #include <optional>

@@ -1,7 +1,7 @@
 // Whether the desktop has a panel that shows the icons of programs.
 #pragma once
 
-#include "platform/Subscription.h"
+#include "base/Subscription.h"
 
 namespace quorva {
 

@@ -2,11 +2,11 @@
 // take the services they use, never this bundle.
 #pragma once
 
+#include "base/MainLoop.h"
 #include "platform/AccessibilityTree.h"
 #include "platform/Applications.h"
 #include "platform/CalendarStore.h"
 #include "platform/Log.h"
-#include "platform/MainLoop.h"
 #include "platform/ProcessTable.h"
 #include "platform/Sha256.h"
 

@@ -1,7 +1,7 @@
 // The user's settings and what the program keeps from one run to the next: typed values under keys.
 #pragma once
 
-#include "platform/Subscription.h"
+#include "base/Subscription.h"
 
 #include <cstdint>
 #include <optional>

@@ -1,7 +1,7 @@
 // All processes of this computer, as far as the user may see them.
 #pragma once
 
-#include "platform/Subscription.h"
+#include "base/Subscription.h"
 
 #include <cstdint>
 #include <optional>

@@ -1,7 +1,7 @@
 // Speaks texts aloud.
 #pragma once
 
-#include "platform/Subscription.h"
+#include "base/Subscription.h"
 
 #include <optional>
 #include <string>

@@ -2,7 +2,7 @@
 // asks the network.
 #pragma once
 
-#include "platform/Subscription.h"
+#include "base/Subscription.h"
 
 #include <functional>
 #include <string>

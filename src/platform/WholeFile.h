@@ -2,7 +2,7 @@
 // content or the new one.
 #pragma once
 
-#include "catalogue/Time.h"
+#include "base/Time.h"
 
 #include <cstdint>
 #include <filesystem>

@@ -1,7 +1,7 @@
 #include "scan/ScanReport.h"
 
+#include "base/Text.h"
 #include "catalogue/CalendarBotDatabase.h"
-#include "catalogue/Text.h"
 
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>

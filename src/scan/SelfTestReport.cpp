@@ -1,6 +1,6 @@
 #include "scan/SelfTestReport.h"
 
-#include "catalogue/Text.h"
+#include "base/Text.h"
 
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>

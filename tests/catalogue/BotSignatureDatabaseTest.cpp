@@ -1,6 +1,6 @@
 #include "catalogue/BotSignatureDatabase.h"
 
-#include "catalogue/Text.h"
+#include "base/Text.h"
 
 #include <gtest/gtest.h>
 

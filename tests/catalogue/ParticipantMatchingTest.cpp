@@ -1,7 +1,7 @@
 #include "catalogue/ParticipantMatching.h"
 
+#include "base/Text.h"
 #include "catalogue/PatternAutomaton.h"
-#include "catalogue/Text.h"
 #include "support/PlainParticipantMatching.h"
 
 #include <gtest/gtest.h>

@@ -1,7 +1,7 @@
 #include "catalogue/Records.h"
 
+#include "base/Text.h"
 #include "catalogue/RecordJson.h"
-#include "catalogue/Text.h"
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>

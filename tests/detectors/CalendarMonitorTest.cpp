@@ -1,6 +1,6 @@
 #include "detectors/CalendarMonitor.h"
 
-#include "platform/linux/OpenSslSha256.h"
+#include "platform/linux/storage/OpenSslSha256.h"
 #include "support/FakeCalendarStore.h"
 #include "support/MemoryPreferences.h"
 #include "support/RecordingLog.h"

@@ -1,6 +1,6 @@
 #include "drill/SelfTest.h"
 
-#include "platform/linux/OpenSslSha256.h"
+#include "platform/linux/storage/OpenSslSha256.h"
 #include "support/FakeDrillStandIns.h"
 #include "support/RecordingLog.h"
 #include "support/VirtualMainLoop.h"

@@ -1,6 +1,6 @@
 // What all preferences promise, asked of those in memory and of those in a file.
-#include "platform/linux/JsonPreferences.h"
-#include "platform/linux/LinuxWholeFile.h"
+#include "platform/linux/storage/JsonPreferences.h"
+#include "platform/linux/storage/LinuxWholeFile.h"
 #include "support/Eventually.h"
 #include "support/MemoryPreferences.h"
 #include "support/RecordingLog.h"

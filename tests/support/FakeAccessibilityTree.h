@@ -2,8 +2,8 @@
 // and what has been asked for is there when the reader has got round to it.
 #pragma once
 
+#include "base/MainLoop.h"
 #include "platform/AccessibilityTree.h"
-#include "platform/MainLoop.h"
 
 #include <cerrno>
 #include <map>

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "core/AppState.h"
-#include "platform/linux/OpenSslSha256.h"
+#include "platform/linux/storage/OpenSslSha256.h"
 #include "support/FakeAccessibilityTree.h"
 #include "support/FakeCalendarStore.h"
 #include "support/FakeDesktop.h"

@@ -2,8 +2,8 @@
 // badly as the test says.
 #pragma once
 
+#include "base/MainLoop.h"
 #include "platform/DrillStandIns.h"
-#include "platform/MainLoop.h"
 #include "support/AccessibleElements.h"
 #include "support/FakeAccessibilityTree.h"
 #include "support/FakeCalendarStore.h"

@@ -1,8 +1,8 @@
 // Preferences in memory.
 #pragma once
 
-#include "platform/Lifetime.h"
-#include "platform/MainLoop.h"
+#include "base/Lifetime.h"
+#include "base/MainLoop.h"
 #include "platform/Preferences.h"
 
 #include <map>

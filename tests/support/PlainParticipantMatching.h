@@ -2,10 +2,10 @@
 // ones against. Each takes the text as it was collected, and the same text in lower case.
 #pragma once
 
+#include "base/Text.h"
 #include "catalogue/IndicatorPhraseTable.h"
 #include "catalogue/ParticipantBotPatternTable.h"
 #include "catalogue/ParticipantMatching.h"
-#include "catalogue/Text.h"
 
 #include <unicode/uchar.h>
 #include <unicode/unistr.h>

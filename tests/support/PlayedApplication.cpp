@@ -1,7 +1,7 @@
 #include "support/PlayedApplication.h"
 
-#include "platform/linux/AtspiProtocol.h"
-#include "platform/linux/MainContext.h"
+#include "platform/linux/accessibility/AtspiProtocol.h"
+#include "platform/linux/glib/MainContext.h"
 
 #include <chrono>
 #include <stdexcept>

@@ -2,7 +2,7 @@
 // of its own, as well or as badly as the script says.
 #pragma once
 
-#include "platform/linux/Handles.h"
+#include "platform/linux/glib/Handles.h"
 
 #include <cstdint>
 #include <functional>

@@ -2,7 +2,7 @@
 // or as badly as the test says.
 #pragma once
 
-#include "platform/linux/Handles.h"
+#include "platform/linux/glib/Handles.h"
 
 #include <cstdint>
 #include <deque>

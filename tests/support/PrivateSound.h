@@ -2,7 +2,7 @@
 // listens in the session's runtime folder.
 #pragma once
 
-#include "platform/linux/Handles.h"
+#include "platform/linux/glib/Handles.h"
 
 #include <filesystem>
 #include <initializer_list>

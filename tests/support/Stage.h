@@ -6,7 +6,7 @@
 #include "core/CalendarConsentDialog.h"
 #include "core/Updates.h"
 #include "support/FakeComputer.h"
-#include "ui/UserInterface.h"
+#include "ui/windows/UserInterface.h"
 
 #include <QCoreApplication>
 #include <string>

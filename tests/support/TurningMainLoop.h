@@ -1,7 +1,7 @@
 // The real main loop for tests that wait for other programs.
 #pragma once
 
-#include "platform/linux/GLibMainLoop.h"
+#include "platform/linux/glib/GLibMainLoop.h"
 
 #include <chrono>
 

@@ -2,7 +2,7 @@
 // order, and two runs never differ.
 #pragma once
 
-#include "platform/MainLoop.h"
+#include "base/MainLoop.h"
 
 #include <deque>
 #include <map>

@@ -1,4 +1,4 @@
-#include "ItemWalk.h"
+#include "ui/ItemWalk.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "QtEnvironment.h"
+#include "ui/QtEnvironment.h"
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,8 @@
 // The icon in the desktop's panel (StatusNotifierItem, or XEmbed on X11, by Qt).
 #pragma once
 
-#include "platform/Lifetime.h"
-#include "platform/MainLoop.h"
+#include "base/Lifetime.h"
+#include "base/MainLoop.h"
 #include "platform/PanelWatch.h"
 #include "ui/tray/TrayMenu.h"
 

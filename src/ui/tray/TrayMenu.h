@@ -2,8 +2,8 @@
 // must be reachable where there is no popover.
 #pragma once
 
+#include "base/Lifetime.h"
 #include "core/AppState.h"
-#include "platform/Lifetime.h"
 
 #include <QMenu>
 #include <memory>

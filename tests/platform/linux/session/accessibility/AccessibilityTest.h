@@ -2,9 +2,9 @@
 // desktop, in a session of the test's own; the applications on it are played.
 #pragma once
 
-#include "platform/linux/AtspiAccessibilityTree.h"
-#include "platform/linux/AtspiProtocol.h"
-#include "platform/linux/GLibMainLoop.h"
+#include "platform/linux/accessibility/AtspiAccessibilityTree.h"
+#include "platform/linux/accessibility/AtspiProtocol.h"
+#include "platform/linux/glib/GLibMainLoop.h"
 #include "support/PlayedApplication.h"
 
 #include <gtest/gtest.h>

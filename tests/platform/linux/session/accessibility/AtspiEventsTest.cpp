@@ -1,6 +1,6 @@
 // Registering for signals with the desktop's registry, whatever becomes of the registry and of
 // those who want to be told.
-#include "platform/linux/AtspiEvents.h"
+#include "platform/linux/accessibility/AtspiEvents.h"
 
 #include "AccessibilityTest.h"
 

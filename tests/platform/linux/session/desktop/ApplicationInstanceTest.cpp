@@ -1,5 +1,5 @@
 // Who is the session's instance, and how a later one reaches it.
-#include "platform/linux/ApplicationInstance.h"
+#include "platform/linux/desktop/ApplicationInstance.h"
 
 #include "support/PlayedNotificationServer.h"
 #include "support/TurningMainLoop.h"

@@ -1,5 +1,5 @@
 // Which programs are started for settings and addresses: scripts stand in for them.
-#include "platform/linux/DesktopSettings.h"
+#include "platform/linux/desktop/DesktopSettings.h"
 
 #include "support/TemporaryFolder.h"
 #include "support/TurningMainLoop.h"

@@ -1,5 +1,5 @@
 // Asking for updates of a package service that is played on the session's bus.
-#include "platform/linux/PackageKitUpdates.h"
+#include "platform/linux/desktop/PackageKitUpdates.h"
 
 #include "support/PlayedNotificationServer.h"
 #include "support/TurningMainLoop.h"

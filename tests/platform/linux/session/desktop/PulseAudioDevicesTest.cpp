@@ -1,5 +1,5 @@
 // The sound devices of a real sound server of the test's own.
-#include "platform/linux/PulseAudioDevices.h"
+#include "platform/linux/desktop/PulseAudioDevices.h"
 
 #include "support/PrivateSound.h"
 #include "support/TurningMainLoop.h"

@@ -1,0 +1,60 @@
+// A field that others can follow.
+#pragma once
+
+#include "base/Lifetime.h"
+#include "base/MainLoop.h"
+
+#include <functional>
+#include <memory>
+#include <utility>
+
+namespace quorva {
+
+/// Holds a value and tells its observers the next one before it changes. A new observer is told the
+/// present value first. Assigning an equal value is still a change. Main thread only.
+template <typename T>
+class Published {
+public:
+    explicit Published(T initial = {}) : value(std::move(initial)) {}
+    Published(const Published&) = delete;
+
+    Published& operator=(T next) {
+        observers.call(next);
+        value = std::move(next);
+        return *this;
+    }
+    Published& operator=(const Published&) = delete;
+
+    [[nodiscard]] const T& get() const { return value; }
+    // NOLINTNEXTLINE(google-explicit-constructor): a published field reads like the field itself
+    operator const T&() const { return value; }
+    const T& operator*() const { return value; }
+    const T* operator->() const { return &value; }
+
+    /// Calls `observer` at once with the present value, and before each change with the next one.
+    [[nodiscard]] Subscription observe(std::function<void(const T&)> observer) {
+        observer(value);
+        return observers.add(std::move(observer));
+    }
+
+    /// As `observe`, but each call is a task of its own on `loop`, which must outlive this field.
+    /// Nothing is delivered after the subscription has ended.
+    [[nodiscard]] Subscription observeOn(MainLoop& loop, std::function<void(const T&)> observer) {
+        auto lifetime = std::make_shared<Lifetime>();
+        auto inner = std::make_shared<Subscription>(
+            observe([&loop, weak = std::weak_ptr(lifetime), observer](const T& next) {
+                if (const auto alive = weak.lock())
+                    loop.post(alive->guard([observer, next] { observer(next); }));
+            }));
+        return Subscription([lifetime, inner]() mutable {
+            inner->reset();
+            lifetime.reset();
+        });
+    }
+
+private:
+    T value;
+    CallbackList<const T&> observers;
+};
+
+} // namespace quorva

@@ -1,0 +1,67 @@
+// The log file: appends lines to "quorva.log" and rotates it at 5 MiB, keeping three older files.
+// Everything but construction happens on one serial queue, so nobody else ever waits for the disk.
+#pragma once
+
+#include "base/MainLoop.h"
+#include "platform/FileSystem.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace quorva {
+
+/// What the boot line says of the program.
+struct BuildInfo {
+    std::optional<std::string> shortVersion; ///< "?" when absent
+    std::optional<std::string> buildVersion; ///< "?" when absent
+    std::int32_t processIdentifier = 0;
+};
+
+class FileLogMirror {
+public:
+    static constexpr std::uint64_t maxBytes = 5'242'880;
+    static constexpr int maxFiles = 3;
+
+    /// Takes the text of a failure, for the plain console.
+    using Console = std::function<void(std::string_view message)>;
+
+    /// Opens nothing yet. The file system and the loop, of which only the clock is used, must
+    /// outlive the mirror. Any thread.
+    FileLogMirror(FileSystem& files, const MainLoop& loop, std::filesystem::path logDir,
+                  BuildInfo build, Console console);
+
+    /// Opens the current file and writes the boot line. A failure is told on the console and leaves
+    /// the mirror closed: later lines are dropped until the next start. On the queue.
+    void start();
+
+    /// Appends one line, which ends in a line feed, and rotates when the file has reached
+    /// `maxBytes`. Dropped while the mirror is closed; lost, with a word on the console, when it
+    /// cannot be written. A current file that was deleted or moved away is made anew. On the queue.
+    void append(std::string_view line);
+
+    /// The file that is appended to. Any thread.
+    [[nodiscard]] const std::filesystem::path& currentLogPath() const { return currentPath; }
+
+private:
+    std::error_code open();
+    std::error_code write(std::string_view line);
+    std::error_code rotate();
+    [[nodiscard]] std::filesystem::path rotatedPath(int number) const;
+    [[nodiscard]] std::string bootLine() const;
+
+    FileSystem& files;
+    const MainLoop& loop;
+    const std::filesystem::path logDir;
+    const std::filesystem::path currentPath;
+    const BuildInfo build;
+    const Console console;
+    std::unique_ptr<AppendFile> handle;
+    std::uint64_t currentSize = 0;
+};
+
+} // namespace quorva

@@ -1,0 +1,81 @@
+#include "log/QuorvaLog.h"
+
+#include "base/Time.h"
+
+#include <fmt/format.h>
+
+namespace quorva {
+namespace {
+
+constexpr std::size_t sizeOfTheRest = 96; ///< of a line, as a rule, beside its message
+
+constexpr std::string_view nameOf(LogLevel level) {
+    switch (level) {
+    case LogLevel::debug:
+        return "debug";
+    case LogLevel::info:
+        return "info";
+    case LogLevel::notice:
+        return "notice";
+    case LogLevel::error:
+        break;
+    }
+    return "error";
+}
+
+constexpr std::string_view baseName(std::string_view path) {
+    return path.substr(path.rfind('/') + 1); // npos + 1 is 0: the whole path
+}
+
+} // namespace
+
+QuorvaLog::QuorvaLog(const MainLoop& loop_, SystemLog& systemLog_)
+    : loop(loop_), systemLog(systemLog_) {}
+
+QuorvaLog::~QuorvaLog() = default;
+
+void QuorvaLog::bootstrap(std::shared_ptr<FileLogMirror> logFile) {
+    const auto where = logFile->currentLogPath().string();
+    const bool started = queue.post([this, logFile = std::move(logFile)] {
+        mirror = logFile;
+        mirror->start();
+    });
+    if (started)
+        info(fmt::format("QuorvaLog bootstrap. Log file: {}", where), logCategory::appState);
+}
+
+void QuorvaLog::write(LogLevel level, std::string_view message, QuorvaLogCategory category,
+                      CallSite site) {
+    if (const auto count = dropped.exchange(0); count > 0)
+        if (!post(LogLevel::error,
+                  fmt::format("{} messages were not logged: too many at once", count),
+                  logCategory::appState, CallSite::current()))
+            dropped += count;
+    if (!post(level, message, category, site))
+        ++dropped;
+}
+
+bool QuorvaLog::post(LogLevel level, std::string_view message, QuorvaLogCategory category,
+                     CallSite site) {
+    std::string line;
+    line.reserve(message.size() + sizeOfTheRest);
+    line.append(iso8601(loop.now()));
+    line.append(" [").append(nameOf(level)).append("] [").append(category.category).append("] ");
+    const auto start = line.size();
+    line.append(message);
+    line.append(" (").append(baseName(site.file)).append(":");
+    line.append(fmt::format_int(site.line).c_str()).append(")\n");
+
+    return queue.post(
+        [this, level, category, site, start, length = message.size(), line = std::move(line)] {
+            systemLog.send(level, std::string_view(line).substr(start, length), category, site);
+            if (mirror)
+                mirror->append(line);
+        });
+}
+
+void QuorvaLog::flush() {
+    queue.drain();
+}
+
+} // namespace quorva

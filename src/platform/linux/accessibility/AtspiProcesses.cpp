@@ -1,0 +1,78 @@
+#include "platform/linux/accessibility/AtspiProcesses.h"
+
+#include "platform/linux/glib/Handles.h"
+#include "platform/linux/processes/ProcFormats.h"
+
+#include <array>
+#include <cstdlib>
+#include <fcntl.h>
+#include <optional>
+#include <string>
+#include <system_error>
+#include <unistd.h>
+#include <utility>
+
+namespace quorva {
+namespace {
+
+constexpr double timeToJoin = 15.0; // seconds
+constexpr int longestLineage = 64;
+
+std::optional<std::string> contentOf(const std::filesystem::path& path) {
+    const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
+    if (!file)
+        return std::nullopt;
+    std::string content;
+    std::array<char, 4096> bytes;
+    ssize_t count = 0;
+    while ((count = ::read(file.get(), bytes.data(), bytes.size())) > 0)
+        content.append(bytes.data(), static_cast<std::size_t>(count));
+    return count == 0 ? std::optional(std::move(content)) : std::nullopt;
+}
+
+/// The control group that systemd made for the application of a process; empty for none.
+std::string applicationGroup(const std::filesystem::path& process) {
+    const auto groups = contentOf(process / "cgroup").value_or("");
+    const auto start = groups.find("/app-flatpak-");
+    return start == std::string::npos ? "" : groups.substr(start, groups.find('\n', start) - start);
+}
+
+} // namespace
+
+AtspiProcesses::AtspiProcesses(std::filesystem::path proc_) : proc(std::move(proc_)) {}
+
+bool AtspiProcesses::speaksFor(ProcessIdentifier onBus, ProcessIdentifier main) const {
+    auto process = onBus;
+    for (int generation = 0; generation < longestLineage && process > 1; ++generation) {
+        if (process == main)
+            return true;
+        const auto stat = contentOf(proc / std::to_string(process) / "stat");
+        const auto ancestry = stat ? parseStat(*stat) : std::nullopt;
+        process = ancestry ? ancestry->parent : 0;
+    }
+    const auto group = applicationGroup(proc / std::to_string(onBus));
+    return !group.empty() && group == applicationGroup(proc / std::to_string(main));
+}
+
+bool AtspiProcesses::runTheSame(ProcessIdentifier one, ProcessIdentifier other) const {
+    const auto programOf = [&](ProcessIdentifier process) {
+        std::error_code error;
+        return std::filesystem::read_symlink(proc / std::to_string(process) / "exe", error)
+            .string();
+    };
+    const auto program = programOf(one);
+    return !program.empty() && !isInterpreter(program) && program == programOf(other);
+}
+
+bool AtspiProcesses::isSettled(ProcessIdentifier process) const {
+    const auto stat = contentOf(proc / std::to_string(process) / "stat");
+    const auto ancestry = stat ? parseStat(*stat) : std::nullopt;
+    const auto uptime = contentOf(proc / "uptime");
+    if (!ancestry || !uptime)
+        return true;
+    const double started =
+        static_cast<double>(ancestry->startTicks) / static_cast<double>(::sysconf(_SC_CLK_TCK));
+    return std::strtod(uptime->c_str(), nullptr) - started >= timeToJoin;
+}
+
+} // namespace quorva

@@ -1,0 +1,131 @@
+// The replies and signals of the accessibility bus, read from untrusted messages: no I/O here. Pure
+// functions, callable from any thread; a value of another type than expected counts as absent.
+// Protocol: AT-SPI 2 (org.a11y.atspi), as at-spi2-core 2.46 describes it.
+#pragma once
+
+#include "platform/AccessibilityTree.h"
+#include "platform/linux/glib/Handles.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace quorva {
+
+namespace atspi {
+inline constexpr const char* registryName = "org.a11y.atspi.Registry";
+inline constexpr const char* registryPath = "/org/a11y/atspi/registry";
+inline constexpr const char* registryInterface = "org.a11y.atspi.Registry";
+inline constexpr const char* rootPath = "/org/a11y/atspi/accessible/root";
+inline constexpr const char* nullPath = "/org/a11y/atspi/null";
+inline constexpr const char* accessible = "org.a11y.atspi.Accessible";
+inline constexpr const char* application = "org.a11y.atspi.Application";
+inline constexpr const char* text = "org.a11y.atspi.Text";
+inline constexpr const char* document = "org.a11y.atspi.Document";
+inline constexpr const char* properties = "org.freedesktop.DBus.Properties";
+} // namespace atspi
+
+/// Where an element lives: its application's name on the bus, and its object path.
+struct AtspiReference {
+    std::string bus;
+    std::string path;
+
+    bool operator==(const AtspiReference&) const = default;
+};
+
+/// The numbers of AtspiRole that are needed by themselves.
+enum class AtspiRole : std::uint32_t {
+    checkBox = 7,
+    comboBox = 11,
+    frame = 23,
+    icon = 26,
+    image = 27,
+    label = 29,
+    menuItem = 35,
+    pageTab = 37,
+    passwordText = 40,
+    pushButton = 43,
+    radioButton = 44,
+    separator = 50,
+    spinButton = 52,
+    text = 61,
+    toggleButton = 62,
+    autocomplete = 76,
+    entry = 79,
+    documentWeb = 95,
+    staticText = 116,
+};
+
+/// The numbers of AtspiStateType that are needed.
+enum class AtspiState : unsigned { showing = 25, managesDescendants = 31 };
+
+/// What the program that draws an element was made with, which decides what may be asked of it.
+enum class AtspiToolkit { unknown, gtk, gecko, chromium };
+
+/// What AT-SPI calls a role, as one that looking for texts knows.
+[[nodiscard]] AccessibilityRole roleOf(std::uint32_t atspiRole);
+
+/// Of "ToolkitName".
+[[nodiscard]] AtspiToolkit toolkitOf(std::string_view name);
+
+/// The properties of org.a11y.atspi.Accessible that are needed. Absent ones are empty; an unknown
+/// number of children is -1.
+struct AtspiDetails {
+    std::string name;
+    std::string description;
+    std::string help;
+    std::int32_t childCount = -1;
+
+    bool operator==(const AtspiDetails&) const = default;
+};
+
+/// The longest text that is kept, in bytes: those beyond are cut at the end of a character.
+inline constexpr std::size_t maxAtspiText = 4096;
+
+/// The decoders of replies take the whole parameters of a message; null is a failed call.
+[[nodiscard]] std::optional<std::uint32_t> decodeNumber(GVariant* reply);       ///< (u)
+[[nodiscard]] std::optional<std::string> decodeText(GVariant* reply);           ///< (s)
+[[nodiscard]] std::optional<std::string> decodeTextProperty(GVariant* reply);   ///< (v) of s
+[[nodiscard]] std::optional<std::int32_t> decodeCountProperty(GVariant* reply); ///< (v) of i
+[[nodiscard]] std::optional<bool> decodeTruth(GVariant* reply);                 ///< (v) of b
+[[nodiscard]] std::optional<AtspiDetails> decodeDetails(GVariant* reply);       ///< (a{sv})
+
+/// (a(so)): at most `most` of them. What is no element is left out, and one without an owner is
+/// `owner`'s.
+[[nodiscard]] std::optional<std::vector<AtspiReference>>
+decodeReferences(GVariant* reply, const std::string& owner, std::size_t most);
+
+/// ((so)), as above.
+[[nodiscard]] std::optional<AtspiReference> decodeReference(GVariant* reply,
+                                                            const std::string& owner);
+
+/// (au): whether a set of states holds one.
+[[nodiscard]] bool hasState(GVariant* reply, AtspiState state);
+
+/// What a signal tells of an element.
+enum class AtspiChange {
+    none, ///< nothing that matters here
+    children,
+    name, ///< or description
+    text,
+    visibility, ///< it is shown now, or not any more
+    document,   ///< another document has been loaded
+    gone,
+    windows, ///< a window has come or gone
+};
+
+/// A signal's element and what it tells of that.
+struct AtspiEvent {
+    std::string path;
+    AtspiChange change = AtspiChange::none;
+
+    bool operator==(const AtspiEvent&) const = default;
+};
+
+/// Of a signal's sender's path, interface, member and parameters; the last may be null.
+[[nodiscard]] AtspiEvent decodeEvent(std::string_view path, std::string_view interface,
+                                     std::string_view member, GVariant* parameters);
+
+} // namespace quorva

@@ -1,0 +1,75 @@
+#include "platform/linux/calendars/LinuxCalendarStore.h"
+
+#include <algorithm>
+#include <iterator>
+
+namespace quorva {
+
+/// Somebody who waits for the events of both parts. Lives as long as the subscription.
+struct LinuxCalendarStore::Request {
+    std::function<void(CalendarWindow)> done;
+    int missing = 2;
+    CalendarWindow window;
+    Subscription fromService;
+    Subscription fromFolders;
+};
+
+LinuxCalendarStore::LinuxCalendarStore(MainLoop& loop, Log& log, IcsPlaces places,
+                                       CalendarConsent consent_, std::vector<UnreadCalendar> lost_)
+    : consent(std::move(consent_)),
+      lost(std::move(lost_)),
+      service(loop, log),
+      folders(loop, std::move(places), {}) {}
+
+CalendarAuthorization LinuxCalendarStore::authorizationStatus() const {
+    const bool isNothingThere = service.service() == EdsCalendarStore::Service::absent &&
+                                folders.sources().empty() && lost.empty();
+    return isNothingThere ? CalendarAuthorization::restricted : consent.status();
+}
+
+void LinuxCalendarStore::requestFullAccess(std::function<void(AccessAnswer)> done) {
+    consent.request(std::move(done));
+}
+
+Subscription LinuxCalendarStore::fetchEvents(Time start, Time end,
+                                             std::function<void(CalendarWindow)> done) {
+    auto request = std::make_shared<Request>();
+    request->done = std::move(done);
+    request->window = {.events = {}, .unread = lost, .calendars = lost.size()};
+    const auto takePart = [weak = std::weak_ptr(request)](CalendarWindow part) {
+        take(weak, std::move(part));
+    };
+    request->fromFolders = folders.fetchEvents(start, end, takePart);
+    request->fromService = service.fetchEvents(start, end, takePart);
+    return Subscription([request]() mutable { request.reset(); });
+}
+
+void LinuxCalendarStore::take(const std::weak_ptr<Request>& request, CalendarWindow part) {
+    const auto waiting = request.lock();
+    if (!waiting)
+        return;
+    auto& whole = waiting->window;
+    std::move(part.events.begin(), part.events.end(), std::back_inserter(whole.events));
+    std::move(part.unread.begin(), part.unread.end(), std::back_inserter(whole.unread));
+    whole.calendars += part.calendars;
+    if (--waiting->missing > 0)
+        return;
+    std::stable_sort(whole.events.begin(), whole.events.end(),
+                     [](const auto& a, const auto& b) { return a.start < b.start; });
+    std::exchange(waiting->done, nullptr)(std::move(whole));
+}
+
+std::vector<CalendarSource> LinuxCalendarStore::sources() const {
+    auto all = service.sources();
+    const auto more = folders.sources();
+    all.insert(all.end(), more.begin(), more.end());
+    return all;
+}
+
+Subscription LinuxCalendarStore::onChange(Task callback) {
+    auto both = std::make_shared<std::pair<Subscription, Subscription>>(service.onChange(callback),
+                                                                        folders.onChange(callback));
+    return Subscription([both]() mutable { both.reset(); });
+}
+
+} // namespace quorva

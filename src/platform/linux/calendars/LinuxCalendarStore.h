@@ -1,0 +1,46 @@
+// All of the user's calendars: those of the desktop's calendar service and those in folders of .ics
+// files, as one store.
+#pragma once
+
+#include "platform/CalendarStore.h"
+#include "platform/linux/calendars/EdsCalendarStore.h"
+#include "platform/linux/calendars/IcsFolderStore.h"
+
+namespace quorva {
+
+class LinuxCalendarStore final : public CalendarStore {
+public:
+    /// `consent` tells what the user allows, and asks. `lost` are calendars that should be there
+    /// but whose place is not known; they are reported as unread. The loop and the log must outlive
+    /// this.
+    LinuxCalendarStore(MainLoop& loop, Log& log, IcsPlaces places, CalendarConsent consent,
+                       std::vector<UnreadCalendar> lost = {});
+
+    /// Restricted, whatever the user allows, once it is known that there is neither a calendar
+    /// service nor a folder.
+    [[nodiscard]] CalendarAuthorization authorizationStatus() const override;
+    void requestFullAccess(std::function<void(AccessAnswer)> done) override;
+    [[nodiscard]] Subscription fetchEvents(Time start, Time end,
+                                           std::function<void(CalendarWindow)> done) override;
+
+    /// The service's accounts, then the folders.
+    [[nodiscard]] std::vector<CalendarSource> sources() const override;
+    [[nodiscard]] Subscription onChange(Task callback) override;
+
+    /// As EdsCalendarStore::findService, whatever the user allows: nothing is read of a calendar.
+    [[nodiscard]] Subscription findService(std::function<void(EdsCalendarStore::Service)> done) {
+        return service.findService(std::move(done));
+    }
+
+private:
+    struct Request;
+
+    static void take(const std::weak_ptr<Request>& request, CalendarWindow part);
+
+    const CalendarConsent consent;
+    const std::vector<UnreadCalendar> lost;
+    EdsCalendarStore service;
+    IcsFolderStore folders;
+};
+
+} // namespace quorva

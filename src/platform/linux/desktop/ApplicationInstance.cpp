@@ -1,0 +1,224 @@
+#include "platform/linux/desktop/ApplicationInstance.h"
+
+#include "platform/linux/glib/Utf8.h"
+
+#include <chrono>
+#include <condition_variable>
+#include <cstdlib>
+#include <mutex>
+#include <thread>
+#include <utility>
+
+namespace quorva {
+namespace {
+
+constexpr const char* name = "com.veltran.QuorvaApp";
+constexpr const char* path = "/com/veltran/QuorvaApp";
+constexpr const char* interface = "org.freedesktop.Application";
+constexpr const char* dbusName = "org.freedesktop.DBus";
+constexpr const char* dbusPath = "/org/freedesktop/DBus";
+constexpr const char* description = R"(<node><interface name="org.freedesktop.Application">
+    <method name="Activate">
+        <arg type="a{sv}" name="platform_data" direction="in"/>
+    </method>
+    <method name="Open">
+        <arg type="as" name="uris" direction="in"/>
+        <arg type="a{sv}" name="platform_data" direction="in"/>
+    </method>
+    <method name="ActivateAction">
+        <arg type="s" name="action_name" direction="in"/>
+        <arg type="av" name="parameter" direction="in"/>
+        <arg type="a{sv}" name="platform_data" direction="in"/>
+    </method>
+</interface></node>)";
+constexpr const char* tokenKey = "activation-token";
+constexpr const char* startupKey = "desktop-startup-id";
+constexpr int busTimeout = 3000; // milliseconds
+constexpr int instanceTimeout = 700;
+
+enum class NameOutcome { owned, taken, failed };
+
+using NodePtr = std::unique_ptr<GDBusNodeInfo, Release<g_dbus_node_info_unref>>;
+
+GVariantPtr callNow(GDBusConnection* bus, const char* destination, const char* at, const char* on,
+                    const char* method, GVariant* parameters, int timeout,
+                    std::string* fault = nullptr) {
+    GError* error = nullptr;
+    GVariantPtr reply(g_dbus_connection_call_sync(bus, destination, at, on, method, parameters,
+                                                  nullptr, G_DBUS_CALL_FLAGS_NO_AUTO_START, timeout,
+                                                  nullptr, &error));
+    const GErrorPtr failure(error);
+    if (failure && fault != nullptr)
+        *fault = validUtf8(failure->message);
+    return reply;
+}
+
+NameOutcome requestName(GDBusConnection* bus, std::string& reason) {
+    constexpr guint32 doNotQueue = 4;
+    constexpr guint32 primaryOwner = 1;
+    constexpr guint32 exists = 3;
+    constexpr guint32 alreadyOwner = 4;
+    const auto reply = callNow(bus, dbusName, dbusPath, dbusName, "RequestName",
+                               g_variant_new("(su)", name, doNotQueue), busTimeout, &reason);
+    guint32 outcome = 0;
+    if (reply && g_variant_is_of_type(reply.get(), G_VARIANT_TYPE("(u)")) != FALSE)
+        g_variant_get(reply.get(), "(u)", &outcome);
+    if (outcome == primaryOwner || outcome == alreadyOwner)
+        return NameOutcome::owned;
+    return outcome == exists ? NameOutcome::taken : NameOutcome::failed;
+}
+
+/// What the desktop gave this process so that its window may take the focus.
+GVariant* platformData() {
+    GVariantBuilder data;
+    g_variant_builder_init(&data, G_VARIANT_TYPE_VARDICT);
+    const auto add = [&](const char* key, const char* variable) {
+        if (const char* const value = std::getenv(variable); value != nullptr)
+            g_variant_builder_add(&data, "{sv}", key,
+                                  g_variant_new_string(validUtf8(value).c_str()));
+    };
+    add(tokenKey, "XDG_ACTIVATION_TOKEN");
+    add(startupKey, "DESKTOP_STARTUP_ID");
+    return g_variant_builder_end(&data);
+}
+
+std::string tokenOf(GVariant* data) {
+    const gchar* token = nullptr;
+    if (g_variant_lookup(data, tokenKey, "&s", &token) != FALSE ||
+        g_variant_lookup(data, startupKey, "&s", &token) != FALSE)
+        return token;
+    return {};
+}
+
+/// Cancels after a time, unless it is gone by then.
+class Deadline {
+public:
+    explicit Deadline(int milliseconds)
+        : thread([this, milliseconds] {
+              std::unique_lock lock(mutex);
+              if (!changed.wait_for(lock, std::chrono::milliseconds(milliseconds),
+                                    [this] { return isOver; }))
+                  g_cancellable_cancel(cancellable.get());
+          }) {}
+    ~Deadline() {
+        {
+            const std::lock_guard lock(mutex);
+            isOver = true;
+        }
+        changed.notify_all();
+        thread.join();
+    }
+    Deadline(const Deadline&) = delete;
+    Deadline& operator=(const Deadline&) = delete;
+
+    const GObjectPtr<GCancellable> cancellable{g_cancellable_new()};
+
+private:
+    std::mutex mutex;
+    std::condition_variable changed;
+    bool isOver = false;
+    std::thread thread; // last: it uses the members above
+};
+
+} // namespace
+
+GObjectPtr<GDBusConnection> ApplicationInstance::openSessionBus(std::string& reason) {
+    const Deadline deadline(busTimeout);
+    GError* error = nullptr;
+    GObjectPtr<GDBusConnection> bus(
+        g_bus_get_sync(G_BUS_TYPE_SESSION, deadline.cancellable.get(), &error));
+    const GErrorPtr failure(error);
+    if (bus)
+        g_dbus_connection_set_exit_on_close(bus.get(), FALSE);
+    else
+        reason = "The session bus can't be reached: " + validUtf8(failure->message);
+    return bus;
+}
+
+ApplicationInstance::Claim ApplicationInstance::claim(GObjectPtr<GDBusConnection> bus,
+                                                      Callbacks callbacks) {
+    if (!bus)
+        return {.reason = "There is no session bus."};
+    // Before it has the name, so that nobody who knows the name finds it without the object.
+    std::unique_ptr<ApplicationInstance> instance(
+        new ApplicationInstance(std::move(bus), std::move(callbacks)));
+    auto* const connection = instance->bus.get();
+    std::string reason;
+    for (int attempt = 0; attempt < 3; ++attempt) {
+        const auto outcome = requestName(connection, reason);
+        if (outcome == NameOutcome::failed)
+            return {.reason = "The session bus does not answer as it should: " + reason};
+        if (outcome == NameOutcome::owned) {
+            instance->isOwner = true;
+            return {.kind = Claim::Kind::first, .instance = std::move(instance)};
+        }
+        const auto reply =
+            callNow(connection, name, path, interface, "Activate",
+                    g_variant_new("(@a{sv})", platformData()), instanceTimeout, &reason);
+        if (reply)
+            return {.kind = Claim::Kind::second, .hasAnswered = true};
+        const auto owner = callNow(connection, dbusName, dbusPath, dbusName, "GetNameOwner",
+                                   g_variant_new("(s)", name), busTimeout);
+        if (owner)
+            break; // it is there and hangs; else it has just ended, and the name is free
+    }
+    return {.kind = Claim::Kind::second, .reason = "The running Quorva does not answer: " + reason};
+}
+
+ApplicationInstance::ApplicationInstance(GObjectPtr<GDBusConnection> bus_, Callbacks callbacks_)
+    : bus(std::move(bus_)), callbacks(std::move(callbacks_)) {
+    static const GDBusInterfaceVTable methods{
+        [](GDBusConnection*, const gchar*, const gchar*, const gchar*, const gchar* method,
+           GVariant* parameters, GDBusMethodInvocation* invocation, gpointer self) {
+            g_dbus_method_invocation_return_value(invocation, nullptr);
+            static_cast<const ApplicationInstance*>(self)->receive(method, parameters);
+        },
+        nullptr,
+        nullptr,
+        {}};
+    const NodePtr node(g_dbus_node_info_new_for_xml(description, nullptr));
+    object = g_dbus_connection_register_object(bus.get(), path, node->interfaces[0], &methods, this,
+                                               nullptr, nullptr);
+    lossSignal = g_dbus_connection_signal_subscribe(
+        bus.get(), dbusName, dbusName, "NameLost", dbusPath, name, G_DBUS_SIGNAL_FLAGS_NONE,
+        [](GDBusConnection*, const gchar*, const gchar*, const gchar*, const gchar*, GVariant*,
+           gpointer self) { static_cast<ApplicationInstance*>(self)->lose(); },
+        this, nullptr);
+    const auto whenClosed = +[](GDBusConnection*, gboolean, GError*, gpointer self) {
+        static_cast<ApplicationInstance*>(self)->lose();
+    };
+    closing = g_signal_connect(bus.get(), "closed", G_CALLBACK(whenClosed), this);
+}
+
+ApplicationInstance::~ApplicationInstance() {
+    g_signal_handler_disconnect(bus.get(), closing);
+    g_dbus_connection_signal_unsubscribe(bus.get(), lossSignal);
+    if (object != 0)
+        g_dbus_connection_unregister_object(bus.get(), object);
+    if (isOwner && !isLost) // nobody waits for the answer
+        g_dbus_connection_call(bus.get(), dbusName, dbusPath, dbusName, "ReleaseName",
+                               g_variant_new("(s)", name), nullptr, G_DBUS_CALL_FLAGS_NONE, -1,
+                               nullptr, nullptr, nullptr);
+}
+
+void ApplicationInstance::receive(const std::string& method, GVariant* parameters) const {
+    const auto last = g_variant_n_children(parameters) - 1;
+    const GVariantPtr data(g_variant_get_child_value(parameters, last));
+    Activation activation{.token = tokenOf(data.get())};
+    if (method == "ActivateAction") {
+        const gchar* action = nullptr;
+        g_variant_get_child(parameters, 0, "&s", &action);
+        activation.action = action;
+    }
+    if (callbacks.onActivate)
+        callbacks.onActivate(activation);
+}
+
+void ApplicationInstance::lose() {
+    if (!isOwner || std::exchange(isLost, true))
+        return;
+    if (callbacks.onLost)
+        callbacks.onLost();
+}
+
+} // namespace quorva

@@ -1,0 +1,73 @@
+// One Quorva in a session: the first one owns the bus name com.veltran.QuorvaApp and is called when
+// the program is started again (interface org.freedesktop.Application of the Desktop Entry
+// Specification 1.5, "D-Bus Activation").
+#pragma once
+
+#include "base/Subscription.h"
+#include "platform/linux/glib/Handles.h"
+
+#include <functional>
+#include <memory>
+#include <string>
+
+namespace quorva {
+
+/// How the program was asked to show itself.
+struct Activation {
+    std::string action; ///< of the desktop entry; empty for none
+    std::string token;  ///< lets a window take the focus (xdg-activation, startup notification)
+
+    bool operator==(const Activation&) const = default;
+};
+
+/// Main thread only. For as long as it lives, this program is the session's instance.
+class ApplicationInstance {
+public:
+    struct Callbacks {
+        std::function<void(const Activation&)> onActivate;
+        Task onLost; ///< the bus, and with it the name, is gone
+    };
+
+    struct Claim;
+
+    /// Claims the name on `bus` (null: there is none) and returns what that has come to. Where
+    /// another one has the name, it is asked to show itself and given 700 ms to answer. Callbacks
+    /// come on the main loop, never within this call. For the beginning of the program: waits for
+    /// the bus, at most three seconds.
+    [[nodiscard]] static Claim claim(GObjectPtr<GDBusConnection> bus, Callbacks callbacks);
+
+    /// The session bus; null with `reason` set when there is none, or it does not answer within
+    /// three seconds. The program outlives it: exit-on-close is off.
+    [[nodiscard]] static GObjectPtr<GDBusConnection> openSessionBus(std::string& reason);
+
+    ~ApplicationInstance();
+    ApplicationInstance(const ApplicationInstance&) = delete;
+    ApplicationInstance& operator=(const ApplicationInstance&) = delete;
+
+private:
+    ApplicationInstance(GObjectPtr<GDBusConnection> bus, Callbacks callbacks);
+    void receive(const std::string& method, GVariant* parameters) const;
+    void lose();
+
+    const GObjectPtr<GDBusConnection> bus;
+    const Callbacks callbacks;
+    guint object = 0;
+    guint lossSignal = 0;
+    gulong closing = 0;
+    bool isLost = false;
+    bool isOwner = false;
+};
+
+struct ApplicationInstance::Claim {
+    enum class Kind {
+        first,  ///< this is the session's instance; `instance` is set
+        second, ///< another one is there
+        noBus,  ///< there is no telling: `reason` says why
+    };
+    Kind kind = Kind::noBus;
+    std::unique_ptr<ApplicationInstance> instance;
+    bool hasAnswered = false; ///< the other one has been reached
+    std::string reason;       ///< for people
+};
+
+} // namespace quorva

@@ -1,0 +1,91 @@
+#include "platform/linux/desktop/LinuxPanelWatch.h"
+
+#include <fmt/format.h>
+
+#include <cstdlib>
+#include <memory>
+#include <string>
+#include <utility>
+#include <xcb/xcb.h>
+
+namespace quorva {
+namespace {
+
+constexpr const char* watcherName = "org.kde.StatusNotifierWatcher";
+constexpr Seconds managerInterval{15.0};
+
+using XcbConnectionPtr = std::unique_ptr<xcb_connection_t, Release<xcb_disconnect>>;
+
+template <typename T>
+using XcbReplyPtr = std::unique_ptr<T, Release<std::free>>;
+
+/// Whether somebody manages the icons of the X screen that this session shows. The X server is on
+/// this computer and answers before anything of the desktop runs.
+bool hasSelectionOwner() {
+    if (std::getenv("DISPLAY") == nullptr)
+        return false;
+    int screen = 0;
+    const XcbConnectionPtr x(xcb_connect(nullptr, &screen));
+    if (xcb_connection_has_error(x.get()) != 0)
+        return false;
+    const auto name = fmt::format("_NET_SYSTEM_TRAY_S{}", screen);
+    const XcbReplyPtr<xcb_intern_atom_reply_t> atom(xcb_intern_atom_reply(
+        x.get(), xcb_intern_atom(x.get(), 1, static_cast<std::uint16_t>(name.size()), name.c_str()),
+        nullptr));
+    if (!atom || atom->atom == XCB_ATOM_NONE)
+        return false;
+    const XcbReplyPtr<xcb_get_selection_owner_reply_t> owner(xcb_get_selection_owner_reply(
+        x.get(), xcb_get_selection_owner(x.get(), atom->atom), nullptr));
+    return owner && owner->owner != XCB_WINDOW_NONE;
+}
+
+} // namespace
+
+bool LinuxPanelWatch::hasDisplay() {
+    if (std::getenv("WAYLAND_DISPLAY") != nullptr)
+        return true;
+    const XcbConnectionPtr x(xcb_connect(nullptr, nullptr));
+    return xcb_connection_has_error(x.get()) == 0;
+}
+
+LinuxPanelWatch::LinuxPanelWatch(MainLoop& loop_, GObjectPtr<GDBusConnection> bus_)
+    : loop(loop_), bus(std::move(bus_)) {
+    if (bus)
+        watch = g_bus_watch_name_on_connection(
+            bus.get(), watcherName, G_BUS_NAME_WATCHER_FLAGS_NONE,
+            [](GDBusConnection*, const gchar*, const gchar*, gpointer self) {
+                static_cast<LinuxPanelWatch*>(self)->takeWatcher(true);
+            },
+            [](GDBusConnection*, const gchar*, gpointer self) {
+                static_cast<LinuxPanelWatch*>(self)->takeWatcher(false);
+            },
+            this, nullptr);
+    else
+        lookForManager();
+}
+
+LinuxPanelWatch::~LinuxPanelWatch() {
+    if (watch != 0)
+        g_bus_unwatch_name(watch);
+}
+
+void LinuxPanelWatch::takeWatcher(bool isThere) {
+    hasWatcher = isThere;
+    managerTimer.reset();
+    if (!isThere)
+        lookForManager();
+    changes.call();
+}
+
+/// An X panel that has taken the icon is found again by whoever shows the icon: it is not followed.
+void LinuxPanelWatch::lookForManager() {
+    if (hasManager || hasWatcher)
+        return;
+    hasManager = hasSelectionOwner();
+    if (hasManager)
+        changes.call();
+    else
+        managerTimer = loop.after(managerInterval, lifetime.guard([this] { lookForManager(); }));
+}
+
+} // namespace quorva

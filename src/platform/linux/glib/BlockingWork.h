@@ -1,0 +1,42 @@
+// Calls that wait for another process, taken off the main thread: each runs on a thread of GLib's
+// pool and comes back as a value.
+#pragma once
+
+#include "platform/linux/glib/Handles.h"
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <utility>
+
+namespace quorva {
+
+/// Runs `work` on a worker thread and calls `done` with its result on the main loop, once, never
+/// within this call. When `cancellable` is cancelled first, `done` is called with nothing at once,
+/// although `work` may still be waiting; what it returns then is dropped. Neither may throw.
+/// Main thread only.
+template <typename Result>
+void runBlocking(GCancellable* cancellable, std::function<Result(GCancellable*)> work,
+                 std::function<void(std::optional<Result>)> done) {
+    using Work = std::function<Result(GCancellable*)>;
+    using Done = std::function<void(std::optional<Result>)>;
+    const auto finish = +[](GObject*, GAsyncResult* result, gpointer owned) {
+        const std::unique_ptr<Done> call(static_cast<Done*>(owned));
+        const std::unique_ptr<Result> value(
+            static_cast<Result*>(g_task_propagate_pointer(G_TASK(result), nullptr)));
+        (*call)(value ? std::optional<Result>(std::move(*value)) : std::nullopt);
+    };
+    const auto run = +[](GTask* task, gpointer, gpointer data, GCancellable* cancellation) {
+        g_task_return_pointer(task, new Result((*static_cast<Work*>(data))(cancellation)),
+                              [](gpointer value) { delete static_cast<Result*>(value); });
+    };
+
+    const GObjectPtr<GTask> task(
+        g_task_new(nullptr, cancellable, finish, new Done(std::move(done))));
+    g_task_set_task_data(task.get(), new Work(std::move(work)),
+                         [](gpointer data) { delete static_cast<Work*>(data); });
+    g_task_set_return_on_cancel(task.get(), TRUE);
+    g_task_run_in_thread(task.get(), run);
+}
+
+} // namespace quorva

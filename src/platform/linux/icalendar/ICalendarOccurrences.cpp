@@ -1,0 +1,210 @@
+// The occurrences of a series: its start, RRULE and RDATE, less EXDATE and the moved instances,
+// plus these at their new places.
+#include "platform/linux/icalendar/ICalendarReader.h"
+
+#include <algorithm>
+#include <limits>
+
+namespace quorva {
+namespace {
+
+using std::chrono::duration_cast;
+using std::chrono::seconds;
+
+/// More than clocks are set back or forward at once.
+constexpr std::int64_t clockSlack = std::int64_t{3} * 3600;
+
+/// Years that the clock cannot count, such as 1 and 9999, are its first or last moment.
+Time timeOf(UtcSeconds moment) {
+    constexpr auto first = duration_cast<seconds>(Time::min().time_since_epoch()).count();
+    constexpr auto last = duration_cast<seconds>(Time::max().time_since_epoch()).count();
+    return Time(seconds(std::clamp<UtcSeconds>(moment, first, last)));
+}
+
+UtcSeconds utcOfTime(Time time) {
+    return std::chrono::floor<seconds>(time.time_since_epoch()).count();
+}
+
+/// The rule's UNTIL on the clock of the event's start; a mere date means all of that day.
+std::optional<WallSeconds> untilOf(const RecurrenceRule& rule, const ICalendarEvent& event) {
+    const auto& until = rule.until();
+    if (!until)
+        return std::nullopt;
+    if (until->isDate)
+        return until->seconds + secondsOfDay - 1;
+    return until->isUtc ? until->seconds + event.zone->offsetAt(until->seconds) : until->seconds;
+}
+
+std::int64_t lengthOf(const NominalDuration& duration) {
+    return duration.days * secondsOfDay + duration.seconds;
+}
+
+class SeriesExpansion {
+public:
+    SeriesExpansion(const ICalendarSeries& series_, Time start_, Time end_,
+                    const std::string& calendarName_, Occurrences& found_)
+        : series(series_), start(start_), end(end_), calendarName(calendarName_), found(found_) {}
+
+    void run() {
+        if (series.master && !series.master->isCancelled)
+            addMaster(*series.master);
+        for (const auto& event : series.moved)
+            if (!event.isCancelled)
+                (void)add(event, event.start, event.duration);
+    }
+
+private:
+    struct Candidate {
+        WallSeconds wall;
+        NominalDuration duration;
+    };
+
+    void addMaster(const ICalendarEvent& event) {
+        std::vector<Candidate> candidates;
+        collect(event, {event.start, event.duration}, candidates);
+        for (const auto& [wall, duration] : event.dates)
+            collect(event, {wall, duration.value_or(event.duration)}, candidates);
+        for (const auto& rule : event.rules)
+            collectRule(event, rule, candidates);
+
+        std::stable_sort(candidates.begin(), candidates.end(),
+                         [](const auto& a, const auto& b) { return a.wall < b.wall; });
+        candidates.erase(std::unique(candidates.begin(), candidates.end(),
+                                     [](const auto& a, const auto& b) { return a.wall == b.wall; }),
+                         candidates.end());
+        for (const auto& candidate : candidates)
+            if (!add(event, candidate.wall, candidate.duration))
+                return;
+    }
+
+    void collectRule(const ICalendarEvent& event, const RecurrenceRule& rule,
+                     std::vector<Candidate>& candidates) {
+        const auto from = utcOfTime(start);
+        const auto to = utcOfTime(end);
+        const RecurrenceRule::Request request{
+            .start = event.start,
+            .from = from + event.zone->offsetAt(from) - lengthOf(event.duration) - clockSlack,
+            .to = to + event.zone->offsetAt(to) + clockSlack,
+            .until = untilOf(rule, event),
+        };
+        const auto enough = candidates.size() + ICalendarLimits::occurrences + 1;
+        const bool isComplete = rule.expand(
+            request,
+            [&](WallSeconds wall) {
+                collect(event, {wall, event.duration}, candidates);
+                return candidates.size() < enough;
+            },
+            found.budget);
+        if (!isComplete)
+            found.problems.addLoss("recurrence rule too laborious");
+    }
+
+    /// Keeps a candidate that lies in the period and is not excepted or moved away.
+    void collect(const ICalendarEvent& event, const Candidate& candidate,
+                 std::vector<Candidate>& candidates) const {
+        const auto moment = event.utcOf(candidate.wall);
+        if (overlaps(moment, event.endOf(candidate.wall, candidate.duration)) &&
+            !event.exceptions.contains(moment, candidate.wall) &&
+            !series.replaced.contains(moment, candidate.wall))
+            candidates.push_back(candidate);
+    }
+
+    [[nodiscard]] bool overlaps(UtcSeconds begins, UtcSeconds ends) const {
+        const auto eventStart = timeOf(begins);
+        const auto eventEnd = timeOf(ends);
+        return eventStart < end && (eventEnd > start || eventStart >= start);
+    }
+
+    /// Hands out one occurrence, if it is in the period. False at a limit.
+    bool add(const ICalendarEvent& event, WallSeconds wall, const NominalDuration& duration) {
+        const auto begins = event.utcOf(wall);
+        const auto ends = std::max(begins, event.endOf(wall, duration));
+        if (!overlaps(begins, ends))
+            return true;
+        if (added == ICalendarLimits::occurrences ||
+            found.attendees + event.attendees.size() > ICalendarLimits::attendeesOfPeriod) {
+            found.problems.addLoss("too many occurrences in one period");
+            return false;
+        }
+        ++added;
+        found.attendees += event.attendees.size();
+        found.events.push_back({
+            .eventIdentifier = series.uid,
+            .title = event.title,
+            .start = timeOf(begins),
+            .end = timeOf(ends),
+            .isAllDay = event.isAllDay,
+            .attendees = event.attendees,
+            .calendarName = calendarName,
+        });
+        return true;
+    }
+
+    const ICalendarSeries& series;
+    const Time start;
+    const Time end;
+    const std::string& calendarName;
+    Occurrences& found;
+    std::size_t added = 0;
+};
+
+void extend(TimeSpan& span, Time from, Time to) {
+    span.start = std::min(span.start, from);
+    span.end = std::max(span.end, std::max(from, to));
+}
+
+} // namespace
+
+bool MomentSet::contains(UtcSeconds moment, WallSeconds wall) const {
+    if (std::binary_search(moments.begin(), moments.end(), moment))
+        return true;
+    const auto sinceMidnight = (wall % secondsOfDay + secondsOfDay) % secondsOfDay;
+    return std::binary_search(days.begin(), days.end(), wall - sinceMidnight);
+}
+
+void MomentSet::sort() {
+    std::sort(moments.begin(), moments.end());
+    std::sort(days.begin(), days.end());
+}
+
+void addOccurrences(const ICalendarSeries& series, Time start, Time end,
+                    const std::string& calendarName, Occurrences& occurrences) {
+    SeriesExpansion(series, start, end, calendarName, occurrences).run();
+}
+
+Occurrences occurrencesOf(const ICalendar& calendar, Time start, Time end,
+                          const std::string& calendarName) {
+    Occurrences occurrences;
+    for (const auto& series : calendar.series)
+        addOccurrences(series, start, end, calendarName, occurrences);
+    std::stable_sort(occurrences.events.begin(), occurrences.events.end(),
+                     [](const auto& a, const auto& b) { return a.start < b.start; });
+    return occurrences;
+}
+
+TimeSpan spanOf(const ICalendarSeries& series) {
+    TimeSpan span{.start = Time::max(), .end = Time::min()};
+    const auto extendBy = [&](const ICalendarEvent& event, WallSeconds wall,
+                              const NominalDuration& duration) {
+        extend(span, timeOf(event.utcOf(wall)), timeOf(event.endOf(wall, duration)));
+    };
+    for (const auto& event : series.moved)
+        if (!event.isCancelled)
+            extendBy(event, event.start, event.duration);
+    if (!series.master || series.master->isCancelled)
+        return span;
+    const auto& master = *series.master;
+    extendBy(master, master.start, master.duration);
+    for (const auto& [wall, duration] : master.dates)
+        extendBy(master, wall, duration.value_or(master.duration));
+    for (const auto& rule : master.rules) {
+        const auto until = untilOf(rule, master);
+        if (!until)
+            span.end = Time::max();
+        else if (*until >= master.start)
+            extendBy(master, *until, master.duration);
+    }
+    return span;
+}
+
+} // namespace quorva

@@ -1,0 +1,69 @@
+#include "platform/linux/processes/ApplicationScopes.h"
+
+#include <fmt/format.h>
+
+#include <array>
+#include <fstream>
+#include <memory>
+
+namespace quorva {
+namespace {
+
+constexpr int deepest = 8;
+
+using ScopePtr = std::shared_ptr<const ApplicationScopes::Scope>;
+
+void readMembers(const std::filesystem::path& group, const ScopePtr& scope,
+                 ApplicationScopes::Members& members) {
+    std::ifstream file(group / "cgroup.procs");
+    ProcessIdentifier process = 0;
+    while (file >> process)
+        members.insert_or_assign(process, scope);
+}
+
+/// `scope` is the application that the groups above belong to; null when there is none.
+void readGroup(const std::filesystem::path& group, ScopePtr scope, int depth,
+               ApplicationScopes::Members& members) {
+    if (auto application = applicationOfUnit(group.filename().string()))
+        scope = std::make_shared<const ApplicationScopes::Scope>(
+            ApplicationScopes::Scope{group.filename().string(), std::move(*application)});
+    else if (group.extension() == ".scope")
+        scope = nullptr; // started on its own account, such as a shell in a terminal
+    if (scope)
+        readMembers(group, scope, members);
+    if (depth == deepest)
+        return;
+    std::error_code error;
+    for (std::filesystem::directory_iterator at(group, error), end; !error && at != end;
+         at.increment(error))
+        if (std::error_code ignored; at->is_directory(ignored) && !at->is_symlink(ignored))
+            readGroup(at->path(), scope, depth + 1, members);
+}
+
+} // namespace
+
+ApplicationScopes::ApplicationScopes(std::filesystem::path cgroupRoot_, std::uint32_t user_)
+    : cgroupRoot(std::move(cgroupRoot_)), user(user_) {}
+
+std::uint32_t ApplicationScopes::ownUser() {
+    return ::getuid();
+}
+
+ApplicationScopes::Members ApplicationScopes::read() const {
+    Members members;
+    if (const auto slice = applicationSlice(); !slice.empty())
+        readGroup(slice, nullptr, 0, members);
+    return members;
+}
+
+std::filesystem::path ApplicationScopes::applicationSlice() const {
+    const auto slice = fmt::format("user.slice/user-{0}.slice/user@{0}.service/app.slice", user);
+    for (const auto* const hierarchy : {"", "unified", "systemd"}) {
+        auto path = cgroupRoot / hierarchy / slice;
+        if (std::error_code ignored; std::filesystem::is_directory(path, ignored))
+            return path;
+    }
+    return {};
+}
+
+} // namespace quorva

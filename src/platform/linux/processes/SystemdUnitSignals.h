@@ -1,0 +1,34 @@
+// Tells when the systemd user manager starts or ends an application's scope or service
+// (org.freedesktop.systemd1.Manager: UnitNew, JobRemoved, UnitRemoved).
+#pragma once
+
+#include "base/Lifetime.h"
+#include "base/Subscription.h"
+#include "platform/linux/glib/Handles.h"
+
+#include <string>
+
+namespace quorva {
+
+/// Main thread only; callbacks come on the main loop. Silent where no user manager is on the bus;
+/// follows it when it comes, goes and comes back. Never waits for it.
+class SystemdUnitSignals {
+public:
+    /// `bus` is the session bus; the callbacks may be called several times for one unit.
+    SystemdUnitSignals(GObjectPtr<GDBusConnection> bus, Task onStarted, Task onEnded);
+    ~SystemdUnitSignals();
+
+    SystemdUnitSignals(const SystemdUnitSignals&) = delete;
+    SystemdUnitSignals& operator=(const SystemdUnitSignals&) = delete;
+
+private:
+    void receive(const std::string& signal, GVariant* parameters) const;
+
+    GObjectPtr<GDBusConnection> bus;
+    const Task onStarted;
+    const Task onEnded;
+    guint signals = 0;
+    guint nameWatch = 0;
+};
+
+} // namespace quorva

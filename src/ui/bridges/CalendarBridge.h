@@ -1,0 +1,34 @@
+// The calendar permission window, and the question whether calendars may be read.
+#pragma once
+
+#include "base/ChangeWatch.h"
+#include "core/AppState.h"
+#include "core/CalendarConsentDialog.h"
+
+#include <QObject>
+
+namespace quorva {
+
+/// Main thread only.
+class CalendarBridge final : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(bool hasAccess READ hasAccess NOTIFY changed)
+public:
+    /// All must outlive the bridge.
+    CalendarBridge(AppState& state, CalendarConsentDialog& consent, MainLoop& loop);
+
+    [[nodiscard]] bool hasAccess() const { return state.permissions.hasCalendarAccess; }
+
+    Q_INVOKABLE void openCalendarSettings();
+    Q_INVOKABLE void answer(bool isGranted);
+
+signals:
+    void changed();
+
+private:
+    AppState& state;
+    CalendarConsentDialog& consent;
+    ChangeWatch watch; // last: follows what is above
+};
+
+} // namespace quorva

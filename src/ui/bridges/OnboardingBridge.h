@@ -1,0 +1,102 @@
+// The first run in the form that OnboardingView.qml binds to.
+#pragma once
+
+#include "base/ChangeWatch.h"
+#include "core/AppDelegate.h"
+#include "ui/bridges/OnboardingViewModel.h"
+#include "ui/bridges/PaneHelp.h"
+#include "ui/rows/RowModel.h"
+
+#include <QObject>
+
+namespace quorva {
+
+/// Main thread only. Lives as long as the window.
+class OnboardingBridge final : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(int step READ step NOTIFY changed)
+    Q_PROPERTY(int position READ position NOTIFY changed)
+    Q_PROPERTY(int total READ total NOTIFY changed)
+    Q_PROPERTY(bool accessibilityGranted READ accessibilityGranted NOTIFY changed)
+    Q_PROPERTY(bool accessibilityRequested READ accessibilityRequested NOTIFY changed)
+    Q_PROPERTY(bool calendarGranted READ calendarGranted NOTIFY changed)
+    Q_PROPERTY(bool accountsRefreshed READ accountsRefreshed NOTIFY changed)
+    Q_PROPERTY(bool hasAllProviders READ hasAllProviders NOTIFY changed)
+    Q_PROPERTY(QString coverage READ coverage NOTIFY changed)
+    Q_PROPERTY(QString accountsHelp READ accountsHelp NOTIFY changed)
+    Q_PROPERTY(QString accessibilityHelp READ accessibilityHelp NOTIFY changed)
+    Q_PROPERTY(QString phaseText READ phaseText NOTIFY changed)
+    Q_PROPERTY(bool isScanDone READ isScanDone NOTIFY changed)
+    Q_PROPERTY(bool showResults READ showResults NOTIFY changed)
+    Q_PROPERTY(bool foundAny READ foundAny NOTIFY changed)
+    Q_PROPERTY(QString resultTitle READ resultTitle NOTIFY changed)
+    Q_PROPERTY(QString scanned READ scanned NOTIFY changed)
+    Q_PROPERTY(QString uncovered READ uncovered NOTIFY changed)
+    Q_PROPERTY(bool hasCalendar READ hasCalendar NOTIFY changed)
+    Q_PROPERTY(bool hasMeetings READ hasMeetings NOTIFY changed)
+    Q_PROPERTY(QObject* accounts READ accounts CONSTANT)
+    Q_PROPERTY(QObject* indicators READ indicators CONSTANT)
+    Q_PROPERTY(QObject* participants READ participants CONSTANT)
+    Q_PROPERTY(QObject* upcoming READ upcoming CONSTANT)
+    Q_PROPERTY(QObject* onMac READ onMac CONSTANT)
+public:
+    /// All must outlive the bridge.
+    OnboardingBridge(AppState& state, AppDelegate& delegate, MainLoop& loop);
+
+    OnboardingViewModel model;
+
+    [[nodiscard]] int step() const { return static_cast<int>(model.currentStep.get()); }
+    [[nodiscard]] int position() const { return model.position(); }
+    [[nodiscard]] int total() const { return static_cast<int>(model.visibleSteps().size()); }
+    [[nodiscard]] bool accessibilityGranted() const { return model.accessibilityGranted; }
+    [[nodiscard]] bool accessibilityRequested() const {
+        return model.accessibilityPermissionRequested;
+    }
+    [[nodiscard]] bool calendarGranted() const { return model.calendarGranted; }
+    [[nodiscard]] bool accountsRefreshed() const { return model.calendarAccountsRefreshed; }
+    [[nodiscard]] bool hasAllProviders() const;
+    [[nodiscard]] QString coverage() const;
+    [[nodiscard]] QString accountsHelp() const { return help.accounts; }
+    [[nodiscard]] QString accessibilityHelp() const { return help.accessibility; }
+    [[nodiscard]] QString phaseText() const;
+    [[nodiscard]] bool isScanDone() const { return model.scanPhase.get() == ScanPhase::done; }
+    [[nodiscard]] bool showResults() const { return model.scanComplete; }
+    [[nodiscard]] bool foundAny() const { return state.totalThreatCount() > 0; }
+    [[nodiscard]] QString resultTitle() const;
+    [[nodiscard]] QString scanned() const;
+    [[nodiscard]] QString uncovered() const;
+    [[nodiscard]] bool hasCalendar() const { return state.permissions.hasCalendarAccess; }
+    [[nodiscard]] bool hasMeetings() const { return state.permissions.hasAccessibilityPermission; }
+    [[nodiscard]] RowModel* accounts() { return &accountRows; }
+    [[nodiscard]] RowModel* indicators() { return &indicatorRows; }
+    [[nodiscard]] RowModel* participants() { return &participantRows; }
+    [[nodiscard]] RowModel* upcoming() { return &calendarRows; }
+    [[nodiscard]] RowModel* onMac() { return &processRows; }
+
+    Q_INVOKABLE void next() { model.next(); }
+    Q_INVOKABLE void back() { model.back(); }
+    Q_INVOKABLE void requestAccessibility() { model.requestAccessibility(); }
+    Q_INVOKABLE void requestCalendarAccess() { model.requestCalendarAccess(); }
+    Q_INVOKABLE void refreshAccounts() { model.refreshCalendarAccounts(); }
+    Q_INVOKABLE void openAccessibilitySettings();
+    Q_INVOKABLE void openInternetAccounts();
+    Q_INVOKABLE void complete();
+
+signals:
+    void changed();
+
+private:
+    void update();
+
+    AppState& state;
+    AppDelegate& delegate;
+    RowModel accountRows;
+    RowModel indicatorRows;
+    RowModel participantRows;
+    RowModel calendarRows;
+    RowModel processRows;
+    PaneHelp help;
+    ChangeWatch watch; // last: follows what is above
+};
+
+} // namespace quorva

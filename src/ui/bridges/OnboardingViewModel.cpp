@@ -1,0 +1,155 @@
+#include "ui/bridges/OnboardingViewModel.h"
+
+#include "base/Text.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+namespace quorva {
+
+namespace {
+
+constexpr std::array steps{OnboardingStep::welcome, OnboardingStep::privacyPledge,
+                           OnboardingStep::accessibility, OnboardingStep::calendarSetup,
+                           OnboardingStep::detectionLive};
+
+constexpr Seconds firstAccessibilityPoll{0.5};
+constexpr Seconds accessibilityPollPeriod{2.0};
+constexpr int mostAccessibilityPolls = 31; ///< the first one, and 30 more
+
+constexpr Seconds calendarPollPeriod{3.0};
+constexpr int mostCalendarPolls = 40;
+
+} // namespace
+
+OnboardingViewModel::OnboardingViewModel(AppState& state_, MainLoop& loop_)
+    : state(state_), loop(loop_) {
+    calendarGranted = state.permissions.hasCalendarAccess.get();
+    accessibilityGranted = state.permissions.hasAccessibilityPermission.get();
+}
+
+bool OnboardingViewModel::isSkipped(OnboardingStep step) const {
+    return (step == OnboardingStep::accessibility && accessibilityGranted) ||
+           (step == OnboardingStep::calendarSetup && calendarGranted);
+}
+
+std::vector<OnboardingStep> OnboardingViewModel::visibleSteps() const {
+    std::vector<OnboardingStep> visible;
+    std::copy_if(steps.begin(), steps.end(), std::back_inserter(visible),
+                 [this](OnboardingStep step) { return !isSkipped(step); });
+    return visible;
+}
+
+int OnboardingViewModel::position() const {
+    const auto visible = visibleSteps();
+    return static_cast<int>(
+        std::count_if(visible.begin(), visible.end(),
+                      [this](OnboardingStep step) { return step <= currentStep.get(); }));
+}
+
+std::optional<OnboardingStep> OnboardingViewModel::neighbour(int direction) const {
+    const auto count = static_cast<int>(steps.size());
+    for (int at = static_cast<int>(currentStep.get()) + direction; at >= 0 && at < count;
+         at += direction)
+        if (const auto step = steps[static_cast<std::size_t>(at)]; !isSkipped(step))
+            return step;
+    return std::nullopt;
+}
+
+void OnboardingViewModel::next() {
+    if (const auto step = neighbour(1))
+        show(*step);
+}
+
+void OnboardingViewModel::back() {
+    if (const auto step = neighbour(-1))
+        show(*step);
+}
+
+void OnboardingViewModel::show(OnboardingStep step) {
+    pollingTimer.reset();
+    scanTimers.clear();
+    polls = 0;
+    currentStep = step;
+    if (step == OnboardingStep::calendarSetup)
+        pollingTimer = loop.every(calendarPollPeriod, [this] { pollCalendarAccounts(); });
+    if (step == OnboardingStep::detectionLive)
+        startScan();
+}
+
+void OnboardingViewModel::requestAccessibility() {
+    state.permissions.requestAccessibilityPermission();
+    accessibilityPermissionRequested = true;
+    polls = 0;
+    pollingTimer = loop.after(firstAccessibilityPoll, [this] { pollAccessibility(); });
+}
+
+void OnboardingViewModel::pollAccessibility() {
+    state.permissions.refreshAccessibilityPermission();
+    if (state.permissions.hasAccessibilityPermission) {
+        pollingTimer.reset();
+        accessibilityGranted = true;
+        if (onBringToFront)
+            onBringToFront();
+    } else if (++polls >= mostAccessibilityPolls) {
+        pollingTimer.reset();
+    } else {
+        pollingTimer = loop.after(accessibilityPollPeriod, [this] { pollAccessibility(); });
+    }
+}
+
+void OnboardingViewModel::requestCalendarAccess() {
+    state.permissions.requestCalendarAccess(lifetime.guard([this](bool isGranted) {
+        calendarGranted = isGranted;
+        calendarPermissionRequested = true;
+        if (isGranted)
+            refreshCalendarAccounts();
+        else
+            state.openSettingsPane(SettingsPane::calendarPrivacy);
+    }));
+}
+
+void OnboardingViewModel::pollCalendarAccounts() {
+    if (++polls > mostCalendarPolls)
+        pollingTimer.reset();
+    else
+        refreshCalendarAccounts();
+}
+
+void OnboardingViewModel::refreshCalendarAccounts() {
+    state.permissions.refreshCalendarAccounts();
+    const auto& names = state.permissions.calendarAccountNames.get();
+    connectedCalendarAccounts = names;
+    hasGoogleCalendar = state.permissions.hasGoogleCalendar.get();
+    hasExchangeCalendar = state.permissions.hasExchangeCalendar.get();
+    hasICloudCalendar = std::any_of(names.begin(), names.end(), [](const std::string& name) {
+        return lowerCased(name).find("icloud") != std::string::npos;
+    });
+    calendarAccountsRefreshed = true;
+}
+
+void OnboardingViewModel::startScan() {
+    // What the user is shown has just been looked at, whether monitoring runs by itself or not.
+    state.refreshAllScans();
+    scanComplete = false;
+    scanPhase = ScanPhase::process;
+    const bool hasCalendar = state.permissions.hasCalendarAccess;
+    const bool hasMeetings = state.permissions.hasAccessibilityPermission;
+    const auto afterCalendar = hasMeetings ? ScanPhase::meeting : ScanPhase::done;
+    const auto at = [this](double delay, Task task) {
+        scanTimers.push_back(loop.after(Seconds(delay), std::move(task)));
+    };
+    at(0.8, [this, next = hasCalendar ? ScanPhase::calendar : afterCalendar] { scanPhase = next; });
+    at(1.3, [this, afterCalendar] { scanPhase = afterCalendar; });
+    at(1.8, [this] {
+        scanPhase = ScanPhase::done;
+        scanComplete = true;
+    });
+}
+
+void OnboardingViewModel::complete() {
+    state.completeOnboarding();
+}
+
+} // namespace quorva

@@ -1,0 +1,115 @@
+// What the popover shows and does: the application state, in the form that MenuBarView.qml binds
+// to. Holds nothing of its own but what its buttons have just been told.
+#pragma once
+
+#include "base/ChangeWatch.h"
+#include "core/AppState.h"
+#include "ui/bridges/PaneHelp.h"
+#include "ui/rows/RowModel.h"
+
+#include <QObject>
+
+namespace quorva {
+
+/// Main thread only.
+class PopoverBridge final : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(bool isMonitoring READ isMonitoring NOTIFY changed)
+    Q_PROPERTY(int threatCount READ threatCount NOTIFY changed)
+    Q_PROPERTY(QString pillText READ pillText NOTIFY changed)
+    Q_PROPERTY(QString pillLabel READ pillLabel NOTIFY changed)
+    Q_PROPERTY(bool needsCalendarAccess READ needsCalendarAccess NOTIFY changed)
+    Q_PROPERTY(bool needsCalendarAccount READ needsCalendarAccount NOTIFY changed)
+    Q_PROPERTY(bool needsAccessibility READ needsAccessibility NOTIFY changed)
+    Q_PROPERTY(QVariantList chips READ chips NOTIFY changed)
+    Q_PROPERTY(QString uncovered READ uncovered NOTIFY changed)
+    Q_PROPERTY(QString accountsHelp READ accountsHelp NOTIFY changed)
+    Q_PROPERTY(QString accessibilityHelp READ accessibilityHelp NOTIFY changed)
+    Q_PROPERTY(bool isScanning READ isScanning NOTIFY changed)
+    Q_PROPERTY(QString lastScan READ lastScan NOTIFY changed)
+    Q_PROPERTY(bool showsObjectionToast READ showsObjectionToast NOTIFY changed)
+    Q_PROPERTY(bool showsShareToast READ showsShareToast NOTIFY changed)
+    Q_PROPERTY(bool showsHistory READ showsHistory NOTIFY changed)
+    Q_PROPERTY(QObject* indicators READ indicators CONSTANT)
+    Q_PROPERTY(QObject* participants READ participants CONSTANT)
+    Q_PROPERTY(QObject* upcoming READ upcoming CONSTANT)
+    Q_PROPERTY(QObject* onMac READ onMac CONSTANT)
+    Q_PROPERTY(QObject* history READ history CONSTANT)
+public:
+    /// Both must outlive the bridge.
+    PopoverBridge(AppState& state, MainLoop& loop);
+
+    /// What the footer leads to; both may be empty.
+    Task onOpenSettings;
+    Task onQuit;
+    /// Wants the popover away.
+    Task onClose;
+
+    [[nodiscard]] bool isMonitoring() const { return state.isMonitoring; }
+    [[nodiscard]] int threatCount() const { return static_cast<int>(state.totalThreatCount()); }
+    [[nodiscard]] QString pillText() const;
+    [[nodiscard]] QString pillLabel() const;
+    [[nodiscard]] bool needsCalendarAccess() const;
+    [[nodiscard]] bool needsCalendarAccount() const;
+    [[nodiscard]] bool needsAccessibility() const;
+    [[nodiscard]] QVariantList chips() const; ///< name, symbol, look, reason, of each source
+    [[nodiscard]] QString uncovered() const;
+    [[nodiscard]] QString accountsHelp() const { return help.accounts; }
+    [[nodiscard]] QString accessibilityHelp() const { return help.accessibility; }
+    [[nodiscard]] bool isScanning() const;
+    [[nodiscard]] QString lastScan() const;
+    [[nodiscard]] bool showsObjectionToast() const {
+        return state.objections.showingObjectionToast;
+    }
+    [[nodiscard]] bool showsShareToast() const { return static_cast<bool>(shareToastTimer); }
+    [[nodiscard]] bool showsHistory() const { return state.showingLogSheet; }
+    [[nodiscard]] RowModel* indicators() { return &indicatorRows; }
+    [[nodiscard]] RowModel* participants() { return &participantRows; }
+    [[nodiscard]] RowModel* upcoming() { return &calendarRows; }
+    [[nodiscard]] RowModel* onMac() { return &processRows; }
+    [[nodiscard]] RowModel* history() { return &historyRows; }
+
+    /// While the popover is in sight, the times that it shows go on.
+    void setVisible(bool isVisible);
+
+    Q_INVOKABLE void toggleMonitoring();
+    Q_INVOKABLE void refresh();
+    Q_INVOKABLE void showHistory() { state.showingLogSheet = true; }
+    Q_INVOKABLE void closeHistory() { state.showingLogSheet = false; }
+    Q_INVOKABLE void objectToAny() { state.objectToFirst(); }
+    Q_INVOKABLE void objectToParticipant(const QString& id);
+    Q_INVOKABLE void objectToCalendar(const QString& id);
+    Q_INVOKABLE void dismiss(const QString& id);
+    Q_INVOKABLE void allow(const QString& key);
+    Q_INVOKABLE void allowCalendarAccess() { state.showCalendarPermissionWindow(); }
+    Q_INVOKABLE void openInternetAccounts();
+    Q_INVOKABLE void openAccessibilitySettings();
+    Q_INVOKABLE void openSettings();
+    Q_INVOKABLE void share();
+    Q_INVOKABLE void quit();
+    Q_INVOKABLE void close();
+
+signals:
+    void changed();
+
+private:
+    void update();
+    [[nodiscard]] bool isCalendarOn() const;
+    [[nodiscard]] bool isMeetingOn() const;
+
+    AppState& state;
+    MainLoop& loop;
+    RowModel indicatorRows;
+    RowModel participantRows;
+    RowModel calendarRows;
+    RowModel processRows;
+    RowModel historyRows;
+    PaneHelp help;
+    std::optional<Time> refreshedAt;
+    Timer shareToastTimer;
+    Timer refreshTimer;
+    Timer clockTimer;
+    ChangeWatch watch; // last: follows what is above
+};
+
+} // namespace quorva

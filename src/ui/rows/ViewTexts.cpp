@@ -1,0 +1,186 @@
+#include "ui/rows/ViewTexts.h"
+
+#include "base/Text.h"
+
+#include <fmt/format.h>
+
+namespace quorva {
+
+namespace {
+
+std::string_view methodText(DetectionMethod method) {
+    switch (method) {
+    case DetectionMethod::processName:
+        return "process name";
+    case DetectionMethod::bundleIdentifier:
+        return "application";
+    case DetectionMethod::processPath:
+        return "program";
+    case DetectionMethod::calendarAttendee:
+        return "attendee";
+    case DetectionMethod::participantList:
+        return "participant";
+    case DetectionMethod::recordingIndicator:
+        break;
+    }
+    return "banner";
+}
+
+bool contains(std::string_view text, std::string_view part) {
+    return text.find(part) != std::string_view::npos;
+}
+
+std::string joined(const std::vector<std::string_view>& parts, std::string_view separator) {
+    return fmt::format("{}", fmt::join(parts, separator));
+}
+
+bool isSource(LimitedPart part) {
+    return part == LimitedPart::processes || part == LimitedPart::calendars ||
+           part == LimitedPart::meetings;
+}
+
+} // namespace
+
+std::string statusPillText(bool isMonitoring, std::size_t count) {
+    if (!isMonitoring)
+        return "Monitoring Off";
+    if (count == 0)
+        return "All Clear";
+    return fmt::format("{} Bot{} Detected", count, count == 1 ? "" : "s");
+}
+
+std::string statusPillLabel(std::size_t count) {
+    return count == 0 ? "All clear" : fmt::format("{} bots detected", count);
+}
+
+std::string relativeTime(Time then, Time now) {
+    using namespace std::chrono;
+    const auto passed = duration_cast<seconds>(now - then).count();
+    if (passed < 5) // a scan comes every 3 seconds: a count of them would only flicker
+        return "now";
+    if (passed < 60)
+        return fmt::format("{} sec. ago", passed);
+    if (passed < 60 * 60)
+        return fmt::format("{} min. ago", passed / 60);
+    if (passed < 24 * 60 * 60)
+        return fmt::format("{} hr. ago", passed / (60 * 60));
+    const auto days = passed / (24 * 60 * 60);
+    return fmt::format("{} day{} ago", days, days == 1 ? "" : "s");
+}
+
+std::string_view indicatorLabel(IndicatorType type) {
+    switch (type) {
+    case IndicatorType::recording:
+    case IndicatorType::cloudRecording:
+        break;
+    case IndicatorType::aiCompanion:
+        return "AI Companion Active";
+    case IndicatorType::copilot:
+        return "Copilot Active";
+    case IndicatorType::transcription:
+        return "Transcription Active";
+    case IndicatorType::gemini:
+        return "Gemini Active";
+    }
+    return "Recording Active";
+}
+
+std::string matchText(const DetectedBot& bot) {
+    return fmt::format("Matched {}: {}", methodText(bot.method), bot.matchedValue);
+}
+
+std::string matchText(const CalendarBotDetection& detection) {
+    const std::string name = detection.matchedName ? *detection.matchedName + ", " : "";
+    return fmt::format("Matched attendee: {}{} in {} ({})", name, detection.matchedEmail,
+                       detection.eventTitle, detection.calendarName);
+}
+
+std::string matchText(const ParticipantBotDetection& detection) {
+    return fmt::format("Matched participant: {} in {}", detection.matchedParticipantName,
+                       detection.windowTitle);
+}
+
+std::string matchText(const RecordingIndicatorDetection& indicator) {
+    return fmt::format("Matched banner: {} in {}", indicator.indicatorText, indicator.windowTitle);
+}
+
+ChipLook chipLook(bool isOn, LimitedPart part, const std::vector<Limitation>& limitations) {
+    if (!limitationText(part, limitations).empty())
+        return ChipLook::limited;
+    return isOn ? ChipLook::on : ChipLook::off;
+}
+
+std::string limitationText(LimitedPart part, const std::vector<Limitation>& limitations) {
+    for (const auto& limitation : limitations)
+        if (limitation.part == part)
+            return limitation.text;
+    return {};
+}
+
+std::string uncoveredText(bool isMonitoring, const std::vector<Limitation>& limitations) {
+    if (!isMonitoring)
+        return "Monitoring is off: nothing is being looked at.";
+    std::vector<std::string_view> lines;
+    for (const auto& limitation : limitations)
+        if (isSource(limitation.part))
+            lines.push_back(limitation.text);
+    return joined(lines, "\n");
+}
+
+AccountLabel accountLabel(std::string_view accountName) {
+    const auto name = lowerCased(accountName);
+    if (contains(name, "google") || contains(name, "gmail"))
+        return {"g.circle.fill", "Google"};
+    for (const std::string_view part : {"exchange", "outlook", "microsoft", "office"})
+        if (contains(name, part))
+            return {"envelope.fill", "Outlook/Exchange"};
+    if (contains(name, "icloud"))
+        return {"icloud.fill", "iCloud"};
+    return {"calendar", ""};
+}
+
+std::string coverageLine(bool hasGoogle, bool hasExchange, bool hasICloud) {
+    std::vector<std::string_view> missing;
+    if (!hasGoogle)
+        missing.emplace_back("Google");
+    if (!hasExchange)
+        missing.emplace_back("Outlook/Exchange");
+    if (!hasICloud)
+        missing.emplace_back("iCloud");
+    if (missing.empty())
+        return "Maximum coverage: all calendar types connected";
+    return "Add " + joined(missing, " and ") + " for full coverage";
+}
+
+std::string foundText(std::size_t count) {
+    return fmt::format("{} Bot{} Found", count, count == 1 ? "" : "s");
+}
+
+std::string scannedText(bool hasCalendar, bool hasMeetings) {
+    std::vector<std::string_view> sources{"processes"};
+    if (hasCalendar)
+        sources.emplace_back("calendar");
+    if (hasMeetings)
+        sources.emplace_back("meetings");
+    return "Scanned " + joined(sources, ", ") + " -- your Mac is clear of known AI bots.";
+}
+
+std::string updateText(bool isChecking, const std::optional<UpdateAnswer>& answer) {
+    if (isChecking)
+        return "Asking the system's package service…";
+    if (!answer)
+        return {};
+    switch (answer->kind) {
+    case UpdateAnswer::Kind::upToDate:
+        return "Quorva is up to date.";
+    case UpdateAnswer::Kind::available:
+        return fmt::format("Version {} is available. Install it with your system's updates.",
+                           answer->version);
+    case UpdateAnswer::Kind::unknown:
+        break;
+    }
+    return fmt::format("It could not be found out whether there is a newer version: {}",
+                       answer->reason);
+}
+
+} // namespace quorva

@@ -1,0 +1,191 @@
+// The real calendar service, started by the bus of the session that the test program runs in.
+#include "platform/linux/calendars/EdsCalendarStore.h"
+
+#include "platform/linux/session/calendars/CalendarServiceTest.h"
+
+#include <gmock/gmock.h>
+
+namespace quorva {
+namespace {
+
+using namespace std::chrono_literals;
+using testing::ElementsAre;
+using testing::FieldsAre;
+using testing::IsEmpty;
+
+class EdsCalendarStoreTest : public CalendarServiceTest {
+protected:
+    CalendarWindow fetch(Time start, Time end) {
+        std::optional<CalendarWindow> answer;
+        const auto subscription = store.fetchEvents(
+            start, end, [&](CalendarWindow window) { answer = std::move(window); });
+        EXPECT_TRUE(comesTo([&] { return answer.has_value(); }));
+        return answer.value_or(CalendarWindow{});
+    }
+    CalendarWindow fetch() { return fetch(now, now + 24h); }
+
+    std::vector<std::string> titles() {
+        std::vector<std::string> found;
+        for (const auto& event : fetch().events)
+            found.push_back(event.title.value_or("none"));
+        return found;
+    }
+
+    EdsCalendarStore store{loop, log};
+};
+
+TEST_F(EdsCalendarStoreTest, deliversWhoIsInvitedAsTheInviterWroteIt) {
+    ASSERT_TRUE(CalendarWriter().put(
+        vevent("plan@example.com", now + 1h,
+               "SUMMARY:Plan\r\nORGANIZER;CN=Ada:mailto:ada@example.com\r\n"
+               "ATTENDEE;PARTSTAT=ACCEPTED;CN=\"Otter, Pilot\":MAILTO:Meetings@otter.ai\r\n"
+               "ATTENDEE;PARTSTAT=DECLINED:mailto:bo@example.com\r\n") +
+        vevent("off@example.com", now + 2h, "SUMMARY:Off\r\nSTATUS:CANCELLED\r\n") +
+        vevent("past@example.com", now - 1h, "SUMMARY:Past\r\n") +
+        vevent("later@example.com", now + 24h, "SUMMARY:Later\r\n")));
+
+    const auto window = fetch();
+    EXPECT_THAT(window.unread, IsEmpty());
+    using Status = ParticipantStatus;
+    EXPECT_THAT(
+        window.events,
+        ElementsAre(FieldsAre(
+            "plan@example.com", "Plan", now + 1h, now + 90min, false,
+            ElementsAre(
+                FieldsAre("Otter, Pilot", "MAILTO:Meetings@otter.ai", false, Status::accepted),
+                FieldsAre(std::nullopt, "mailto:bo@example.com", false, Status::declined),
+                FieldsAre("Ada", "mailto:ada@example.com", false, testing::_)),
+            "Personal")));
+    EXPECT_THAT(store.sources(),
+                testing::Contains(CalendarSource{"On This Computer", CalendarSourceType::local}));
+}
+
+TEST_F(EdsCalendarStoreTest, expandsSeriesWithMovedAndDeletedOccurrences) {
+    const auto first = now + 1h;
+    const auto instead = [&](Time of, Time at) {
+        return vevent("daily", at, "RECURRENCE-ID:" + utc(of) + "\r\n");
+    };
+    ASSERT_TRUE(CalendarWriter().put(
+        vevent("daily", first, "RRULE:FREQ=DAILY;COUNT=30\r\nEXDATE:" + utc(first + 24h) + "\r\n") +
+        instead(first + 48h, first + 50h) + instead(first + 72h, first + 24h * 20) +
+        instead(first + 24h * 25, first + 3h)));
+
+    std::vector<Time> starts;
+    for (const auto& event : fetch(now, now + 24h * 5).events) {
+        EXPECT_EQ(event.eventIdentifier, "daily");
+        starts.push_back(event.start);
+    }
+    EXPECT_THAT(starts, ElementsAre(first, first + 3h, first + 50h, first + 96h));
+}
+
+TEST_F(EdsCalendarStoreTest, readsEachClockAsItsOwn) {
+    ::setenv("TZ", "Asia/Tokyo", 1);
+    const auto event = [](const char* uid, const char* times) {
+        return fmt::format("BEGIN:VEVENT\r\nUID:{}\r\nSUMMARY:{}\r\n{}\r\nEND:VEVENT\r\n", uid, uid,
+                           times);
+    };
+    ASSERT_TRUE(
+        CalendarWriter().put(event("floating", "DTSTART:20300304T090000\r\nDURATION:PT10M") +
+                             event("day", "DTSTART;VALUE=DATE:20300304") +
+                             event("zone", "DTSTART;TZID=America/New_York:20300303T190500\r\n"
+                                           "DTEND;TZID=Europe/Paris:20300304T013000") +
+                             "BEGIN:VTIMEZONE\r\nTZID:Court House\r\nBEGIN:STANDARD\r\n"
+                             "DTSTART:19700101T000000\r\nTZOFFSETFROM:+0530\r\n"
+                             "TZOFFSETTO:+0530\r\nEND:STANDARD\r\nEND:VTIMEZONE\r\n" +
+                             event("own zone", "DTSTART;TZID=Court House:20300304T053600\r\n"
+                                               "DURATION:PT10M")));
+
+    const Time midnight = std::chrono::sys_days(std::chrono::year(2030) / 3 / 4);
+    const auto events = fetch(midnight, midnight + 8min).events;
+    ASSERT_EQ(events.size(), 4U);
+    using testing::_;
+    EXPECT_THAT(events[0], FieldsAre("day", _, midnight - 9h, midnight + 15h, true, _, _));
+    EXPECT_THAT(events[1], FieldsAre("floating", _, midnight, midnight + 10min, false, _, _));
+    EXPECT_THAT(events[2], FieldsAre("zone", _, midnight + 5min, midnight + 30min, false, _, _));
+    EXPECT_THAT(events[3],
+                FieldsAre("own zone", _, midnight + 6min, midnight + 16min, false, _, _));
+}
+
+TEST_F(EdsCalendarStoreTest, tellsThatEventsHaveComeAndGone) {
+    CalendarWriter writer;
+    ASSERT_TRUE(writer.put(vevent("old", now + 1h, "SUMMARY:Old\r\n")));
+    int changes = 0;
+    const auto subscription = store.onChange([&] { ++changes; });
+    EXPECT_THAT(titles(), ElementsAre("Old"));
+    ASSERT_TRUE(comesTo([&] { return changes == 1; })) << "the accounts were found";
+
+    ASSERT_TRUE(writer.put(vevent("new", now + 2h, "SUMMARY:New\r\n")));
+    ASSERT_TRUE(comesTo([&] { return changes == 2; }));
+    EXPECT_THAT(titles(), ElementsAre("Old", "New"));
+
+    ASSERT_TRUE(writer.remove("old"));
+    ASSERT_TRUE(comesTo([&] { return changes == 3; }));
+    EXPECT_THAT(titles(), ElementsAre("New"));
+}
+
+TEST_F(EdsCalendarStoreTest, looksIntoCalendarsThatAreAddedLater) {
+    ASSERT_TRUE(CalendarWriter().put(vevent("old", now + 1h, "SUMMARY:Old\r\n")));
+    bool isChanged = false;
+    const auto subscription = store.onChange([&] { isChanged = true; });
+    const auto before = fetch().calendars;
+    ASSERT_TRUE(comesTo([&] { return isChanged; })) << "the accounts were found";
+
+    isChanged = false;
+    const auto added = addCalendar("Cases");
+    ASSERT_TRUE(comesTo([&] { return isChanged; }));
+    EXPECT_EQ(fetch().calendars, before + 1);
+    ASSERT_TRUE(CalendarWriter(added.get()).put(vevent("new", now + 2h, "SUMMARY:New\r\n")));
+    EXPECT_THAT(titles(), ElementsAre("Old", "New"));
+}
+
+TEST_F(EdsCalendarStoreTest, reportsAStoppedServiceWithoutStoppingItself) {
+    ASSERT_TRUE(CalendarWriter().put(vevent("plan", now + 1h, "SUMMARY:Plan\r\n")));
+    ASSERT_GT(signalService(SIGSTOP), 0);
+
+    const auto window = fetch();
+    EXPECT_THAT(window.events, IsEmpty());
+    EXPECT_THAT(window.unread,
+                testing::Contains(testing::Field(&UnreadCalendar::calendarName, "Personal")));
+    EXPECT_GT(ticks, 100);
+
+    signalService(SIGCONT);
+    EXPECT_THAT(titles(), ElementsAre("Plan"));
+    EXPECT_THAT(log.messages, IsEmpty()); // whoever fetches is told
+}
+
+TEST_F(EdsCalendarStoreTest, readsOnAfterTheServiceWasKilled) {
+    ASSERT_TRUE(CalendarWriter().put(vevent("plan", now + 1h, "SUMMARY:Plan\r\n")));
+    EXPECT_THAT(titles(), ElementsAre("Plan"));
+    ASSERT_GT(signalService(SIGKILL), 0);
+    EXPECT_THAT(titles(), ElementsAre("Plan"));
+}
+
+TEST_F(EdsCalendarStoreTest, saysThatThereIsNoServiceWithoutASessionBus) {
+    ::unsetenv("DBUS_SESSION_BUS_ADDRESS");
+    std::optional<EdsCalendarStore::Service> answer;
+    const auto search = store.findService([&](auto service) { answer = service; });
+    ASSERT_TRUE(comesTo([&] { return answer.has_value(); }));
+    EXPECT_EQ(answer, EdsCalendarStore::Service::absent);
+
+    const auto window = fetch();
+    EXPECT_EQ(window.calendars, 0U);
+    EXPECT_THAT(window.unread, IsEmpty());
+}
+
+TEST(EdsSources, sayInTheirTitlesWhoseTheyAre) {
+    const auto named = [](const char* name, const char* backend, const char* host = "") {
+        return accountNamed(name, {backend, host});
+    };
+    using Type = CalendarSourceType;
+    EXPECT_THAT(named("ada@firm.example", "google"),
+                FieldsAre("Google: ada@firm.example", Type::calDAV));
+    EXPECT_THAT(named("Ada@GMail.com", "google"), FieldsAre("Ada@GMail.com", Type::calDAV));
+    EXPECT_THAT(named("Home", "caldav", "p01-caldav.iCloud.com"),
+                FieldsAre("iCloud: Home", Type::calDAV));
+    EXPECT_THAT(named("Home", "webdav", "dav.example"), FieldsAre("Home", Type::calDAV));
+    EXPECT_THAT(named("Firm", "microsoft365"), FieldsAre("Firm", Type::exchange));
+    EXPECT_THAT(named("Google holidays", "webcal"), FieldsAre("Google holidays", Type::subscribed));
+}
+
+} // namespace
+} // namespace quorva
