@@ -44,11 +44,11 @@ void detectionBurst(benchmark::State& state, Summary& summary) {
         for (int index = 0; index < detections; ++index) {
             if (index == settled)
                 before = residentMegabytes();
-            app.processMonitor.onBotDetected({.id = fmt::format("otter-{}", index),
-                                              .signatureId = "otter",
-                                              .name = "Otter.ai",
-                                              .matchedValue = "/opt/otter/otter-helper",
-                                              .detectedAt = computer.loop.now()});
+            app.sources.process.monitor.onBotDetected({.id = fmt::format("otter-{}", index),
+                                                       .signatureId = "otter",
+                                                       .name = "Otter.ai",
+                                                       .matchedValue = "/opt/otter/otter-helper",
+                                                       .detectedAt = computer.loop.now()});
             const auto turn = secondsOf([&] { computer.loop.advance(Seconds(0.01)); });
             computer.notifications.posted.clear();
             if (index >= settled)

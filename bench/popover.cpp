@@ -86,7 +86,7 @@ int main(int argc, char* argv[]) {
     fmt::print("popover, then:        {:6.1f} ms, the slowest of ten\n",
                *std::max_element(later.begin(), later.end()));
     for (int each = 0; each < 60; ++each)
-        stage.showProcess("Recorder " + std::to_string(each), BotCategory::localRecorder);
+        stage.showInMeeting("Acme " + std::to_string(each) + " Notetaker");
     fmt::print("sixty rows appear:    {:6.1f} ms\n",
                millisecondsToPaint(stage, [&] { stage.settle(); }));
     fmt::print("scrolling sixty rows: {:6.1f} ms a frame, the slowest of 120\n",

@@ -2,7 +2,7 @@
 // characters as people count them, and cut nowhere within one.
 #include "Expect.h"
 #include "base/Text.h"
-#include "core/NotificationTexts.h"
+#include "sources/FindingTexts.h"
 
 #include <unicode/ubrk.h>
 #include <unicode/utext.h>

@@ -130,13 +130,11 @@ int watch(const ScanOptions& options, LinuxServices& services) {
         std::fflush(stdout);
     };
     scan.watch(print, [&](const std::vector<SourceReport>& reports) {
-        const auto isWatched = [](const SourceReport& report) {
-            return report.status == SourceStatus::ok;
-        };
+        const auto isWatched = [](const SourceReport& report) { return report.isOk(); };
         for (const auto& report : reports)
             if (!isWatched(report))
-                fmt::print(stderr, "quorva-scan: the source {} is not watched: {}\n",
-                           nameOf(report.source), report.detail);
+                fmt::print(stderr, "quorva-scan: the source {} is not watched: {}\n", report.source,
+                           report.detail);
         if (std::none_of(reports.begin(), reports.end(), isWatched)) {
             status = notLookedAt;
             quit();

@@ -22,9 +22,9 @@ public:
     ChangeWatch& operator=(const ChangeWatch&) = delete;
 
     /// The fields must outlive the watch.
-    template <typename... T>
-    void follow(Published<T>&... fields) {
-        (subscriptions.push_back(fields.observe([this](const T&) { schedule(); })), ...);
+    template <typename... Fields>
+    void follow(const Fields&... fields) {
+        (subscriptions.push_back(fields.observe([this](const auto&) { schedule(); })), ...);
     }
 
     /// Has `onChange` called soon.

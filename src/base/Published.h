@@ -10,19 +10,14 @@
 
 namespace quorva {
 
-/// Holds a value and tells its observers the next one before it changes. A new observer is told the
-/// present value first. Assigning an equal value is still a change. Main thread only.
-template <typename T>
+/// Holds a value that its owner alone can change, and tells its observers the next one before it
+/// changes. A new observer is told the present value first. Assigning an equal value is still a
+/// change. Main thread only.
+template <typename T, typename Owner>
 class Published {
 public:
     explicit Published(T initial = {}) : value(std::move(initial)) {}
     Published(const Published&) = delete;
-
-    Published& operator=(T next) {
-        observers.call(next);
-        value = std::move(next);
-        return *this;
-    }
     Published& operator=(const Published&) = delete;
 
     [[nodiscard]] const T& get() const { return value; }
@@ -32,14 +27,15 @@ public:
     const T* operator->() const { return &value; }
 
     /// Calls `observer` at once with the present value, and before each change with the next one.
-    [[nodiscard]] Subscription observe(std::function<void(const T&)> observer) {
+    [[nodiscard]] Subscription observe(std::function<void(const T&)> observer) const {
         observer(value);
         return observers.add(std::move(observer));
     }
 
     /// As `observe`, but each call is a task of its own on `loop`, which must outlive this field.
     /// Nothing is delivered after the subscription has ended.
-    [[nodiscard]] Subscription observeOn(MainLoop& loop, std::function<void(const T&)> observer) {
+    [[nodiscard]] Subscription observeOn(MainLoop& loop,
+                                         std::function<void(const T&)> observer) const {
         auto lifetime = std::make_shared<Lifetime>();
         auto inner = std::make_shared<Subscription>(
             observe([&loop, weak = std::weak_ptr(lifetime), observer](const T& next) {
@@ -52,9 +48,25 @@ public:
         });
     }
 
+    /// As `observe`, but only changes to an unequal value are told, and not the present one.
+    [[nodiscard]] Subscription observeChanges(Task observer) const {
+        return observers.add([this, observer = std::move(observer)](const T& next) {
+            if (!(next == value))
+                observer();
+        });
+    }
+
 private:
+    friend Owner;
+
+    Published& operator=(T next) {
+        observers.call(next);
+        value = std::move(next);
+        return *this;
+    }
+
     T value;
-    CallbackList<const T&> observers;
+    mutable CallbackList<const T&> observers;
 };
 
 } // namespace quorva

@@ -5,19 +5,11 @@
 #include "base/Lifetime.h"
 #include "base/MainLoop.h"
 #include "base/Published.h"
+#include "sources/Finding.h"
 
 #include <optional>
-#include <string>
 
 namespace quorva {
-
-struct BotAlert {
-    std::string botName;
-    std::string platform;
-    std::string category;
-
-    bool operator==(const BotAlert&) const = default;
-};
 
 /// Main thread only.
 class AlertPanel {
@@ -26,7 +18,7 @@ public:
     explicit AlertPanel(MainLoop& loop);
 
     /// What the panel shows; nothing while there is no panel.
-    Published<std::optional<BotAlert>> alert;
+    Published<std::optional<BotAlert>, AlertPanel> alert;
 
     /// Shows an alert for 8 seconds, in place of the one that shows.
     void show(BotAlert next);

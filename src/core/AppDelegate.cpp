@@ -16,6 +16,10 @@ void AppDelegate::showOnboardingWindow() {
     onboardingWindow = true;
 }
 
+void AppDelegate::closeOnboardingWindow() {
+    onboardingWindow = false;
+}
+
 void AppDelegate::willTerminate() {
     state.saveSettings();
 }

@@ -12,7 +12,7 @@ public:
     AppDelegate(AppState& state, MainLoop& loop);
 
     /// The window of the first run shows.
-    Published<bool> onboardingWindow{false};
+    Published<bool, AppDelegate> onboardingWindow{false};
 
     /// To be called once, when this is known to be the only instance: half a second later the first
     /// run's window shows, unless it has been walked through before.
@@ -20,6 +20,7 @@ public:
 
     /// Shows the window of the first run, again if need be.
     void showOnboardingWindow();
+    void closeOnboardingWindow();
 
     /// Stores the settings; to be called before the program ends.
     void willTerminate();

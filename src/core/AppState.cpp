@@ -4,6 +4,8 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+
 namespace quorva {
 
 AppState::AppState(const AppServices& services_)
@@ -14,36 +16,37 @@ AppState::AppState(const AppServices& services_)
                    services.platform.log),
       objections(services.platform.loop, services.preferences, services.platform.log,
                  services.clipboard, services.speech),
-      processMonitor(services.platform.loop, services.platform.applications,
-                     services.platform.processTable),
-      calendarMonitor(services.platform.loop, services.platform.calendars, services.preferences,
-                      services.platform.log, services.platform.sha256),
-      participantMonitor(services.platform.loop, services.platform.applications,
-                         services.platform.accessibility, services.platform.log),
+      sources(services.platform, services.preferences),
       notificationManager(services.platform.loop, services.notifications, services.platform.log),
       alertPanel(services.platform.loop),
       permissions(services.platform.loop, services.platform.log, services.platform.calendars,
-                  services.platform.accessibility, services.audioDevices, calendarMonitor,
-                  participantMonitor),
+                  services.audioDevices, sources.calendar.monitor, sources.meeting.monitor),
+      limitations(services.platform.loop, services.platform.log, services.notifications,
+                  services.speech, settings, sources),
       detectionTrial(services.detectionTest),
-      announcements(services.platform.loop) {
+      announcer(services.platform.loop, services.platform.log, settings, allowList, detectionLog,
+                notificationManager, alertPanel) {
     settings.load();
     detectionLog.load();
     objections.objectionLog.load();
-    wireProcessMonitor();
-    wireCalendarMonitor();
-    wireParticipantMonitor();
+    for (auto* const source : sources)
+        wire(*source);
     notificationManager.onObjectAction =
         lifetime.guard([this](const std::string& identifier) { objectToNotification(identifier); });
-    permissions.onCalendarGranted = lifetime.guard([this] { startCalendarMonitorIfWanted(); });
-    permissions.onAccessibilityGranted =
-        lifetime.guard([this] { startParticipantMonitorIfWanted(); });
-    wireLimitations();
-    refreshPermissions();
+    begin();
+}
+
+void AppState::wire(Source& source) {
+    source.onAppeared = [this](const FindingPtr& finding) { announcer.announce(finding); };
+    source.onGone = [this](const FindingPtr& finding) { announcer.announceGone(*finding); };
+    subscriptions.push_back(source.findings.observeChanges(lifetime.guard([this] {
+        // A field tells of a change before it is made.
+        services.platform.loop.post(lifetime.guard([this] { filterFindings(); }));
+    })));
 }
 
 /// What is there already when the program starts is shown whatever the settings say of new finds.
-void AppState::refreshPermissions() {
+void AppState::begin() {
     constexpr Seconds timeToLookAround{3.0};
     permissions.refresh();
     notificationManager.requestAuthorizationIfNeeded();
@@ -51,75 +54,58 @@ void AppState::refreshPermissions() {
         startMonitoring();
     permissions.startAccessibilityRecheckTimer();
     startupAlertTimer = services.platform.loop.after(
-        timeToLookAround, lifetime.guard([this] { showStartupAlert(); }));
-}
-
-std::size_t AppState::totalThreatCount() const {
-    return detectedBots->size() + calendarDetections->size() + participantBotDetections->size() +
-           recordingIndicators->size();
+        timeToLookAround, lifetime.guard([this] { announcer.alertOfFirst(*findings); }));
 }
 
 std::string AppState::stateText() const {
-    return stateInWords(isMonitoring, totalThreatCount(), limitations);
+    return stateInWords(isMonitoring, totalThreatCount(), sources);
 }
 
 void AppState::startMonitoring() {
     if (isMonitoring)
         return;
-    permissions.refreshForMonitoring();
-    processMonitor.startMonitoring();
-    const bool isCalendarOn =
-        settings.calendarMonitorEnabled &&
-        calendarMonitor.authorizationStatus == CalendarAuthorization::fullAccess;
-    if (isCalendarOn)
-        calendarMonitor.startMonitoring();
-    const bool isParticipantOn =
-        settings.participantMonitorEnabled && participantMonitor.hasAccessibilityPermission;
-    if (isParticipantOn)
-        participantMonitor.startMonitoring();
+    permissions.refresh();
     isMonitoring = true;
-    services.platform.log.info(fmt::format("startMonitoring: process=on calendar={} participant={}",
-                                           isCalendarOn, isParticipantOn),
-                               logCategory::appState);
+    applySwitches();
+    std::string started;
+    for (const auto* const source : sources) {
+        const auto* const state = source->profile.switchedBy.empty() ? "on"
+                                  : source->isWatching()             ? "true"
+                                                                     : "false";
+        started += fmt::format(" {}={}", source->profile.logName, state);
+    }
+    services.platform.log.info("startMonitoring:" + started, logCategory::appState);
 }
 
 void AppState::stopMonitoring() {
     isMonitoring = false;
-    processMonitor.stopMonitoring();
-    calendarMonitor.stopMonitoring();
-    participantMonitor.stopMonitoring();
+    applySwitches();
+}
+
+bool AppState::isWanted(const Source& source) const {
+    const auto setting = source.profile.switchedBy;
+    return isMonitoring && (setting.empty() || settings.isOn(setting));
+}
+
+void AppState::applySwitches() {
+    for (auto* const source : sources)
+        if (source->isOn() != isWanted(*source))
+            source->setOn(isWanted(*source));
 }
 
 void AppState::refreshAllScans() {
-    processMonitor.forceRescan();
-    calendarMonitor.scanCalendar();
-    participantMonitor.performScan();
+    for (auto* const source : sources)
+        source->refresh();
 }
 
 void AppState::toggleCalendarMonitor() {
-    settings.calendarMonitorEnabled = !settings.calendarMonitorEnabled;
-    saveSettings();
-    calendarMonitor.stopMonitoring();
-    startCalendarMonitorIfWanted();
+    settings.set(&Settings::calendarMonitorEnabled, !settings.calendarMonitorEnabled);
+    applySwitches();
 }
 
 void AppState::toggleParticipantMonitor() {
-    settings.participantMonitorEnabled = !settings.participantMonitorEnabled;
-    saveSettings();
-    participantMonitor.stopMonitoring();
-    startParticipantMonitorIfWanted();
-}
-
-void AppState::startCalendarMonitorIfWanted() {
-    if (isMonitoring && settings.calendarMonitorEnabled &&
-        calendarMonitor.authorizationStatus == CalendarAuthorization::fullAccess)
-        calendarMonitor.startMonitoring();
-}
-
-void AppState::startParticipantMonitorIfWanted() {
-    if (isMonitoring && settings.participantMonitorEnabled &&
-        participantMonitor.hasAccessibilityPermission)
-        participantMonitor.startMonitoring();
+    settings.set(&Settings::participantMonitorEnabled, !settings.participantMonitorEnabled);
+    applySwitches();
 }
 
 void AppState::saveSettings() {
@@ -128,58 +114,63 @@ void AppState::saveSettings() {
 
 void AppState::allow(const std::string& key) {
     allowList.allow(key);
-    filterDetections();
+    filterFindings();
 }
 
 void AppState::removeFromAllowList(const std::string& key) {
     allowList.remove(key);
-    filterDetections();
+    filterFindings();
 }
 
-/// Applies the allow list to what the monitors list now.
-void AppState::filterDetections() {
-    detectedBots = allowList.without(*processMonitor.detectedBots);
-    calendarDetections = allowList.without(*calendarMonitor.calendarDetections);
-    participantBotDetections = allowList.without(*participantMonitor.participantBotDetections);
-    updateThreats();
+void AppState::filterFindings() {
+    Findings listed;
+    for (const auto* const source : sources)
+        std::copy_if(source->findings->begin(), source->findings->end(), std::back_inserter(listed),
+                     [this](const FindingPtr& finding) { return !allowList.allows(*finding); });
+    findings = std::move(listed);
 }
 
 bool AppState::fileObjection(const ObjectionOccasion& occasion) {
     return objections.fileObjection(occasion);
 }
 
+void AppState::objectTo(const FindingKind& kind, const std::string& id) {
+    for (const auto& finding : *findings)
+        if (&finding->kind() == &kind && finding->id() == id) {
+            fileObjection({.botName = botName(*finding),
+                           .meetingContext = finding->meetingContext(),
+                           .source = kind.source});
+            return;
+        }
+}
+
 bool AppState::objectToFirst() {
-    ObjectionOccasion occasion;
-    if (!participantBotDetections->empty()) {
-        occasion.botName = participantBotDetections->front().botDisplayName;
-        occasion.meetingContext = participantBotDetections->front().platformName;
-    } else if (!calendarDetections->empty()) {
-        occasion.botName = calendarDetections->front().botName;
-        occasion.meetingContext = calendarDetections->front().botName;
-    } else if (!detectedBots->empty()) {
-        occasion.botName = detectedBots->front().name;
+    const Finding* first = nullptr;
+    for (const auto& finding : *findings) {
+        const auto rank = finding->kind().objectionRank;
+        if (rank && (!first || *rank < *first->kind().objectionRank))
+            first = finding.get();
     }
-    return fileObjection(occasion);
+    if (!first)
+        return fileObjection({});
+    return fileObjection({.botName = botName(*first), .meetingContext = first->meetingContext()});
 }
 
 /// To the first bot of the notification's kind: the one it was about may be gone by now.
 void AppState::objectToNotification(const std::string& identifier) {
     ObjectionOccasion occasion;
-    if (identifier.starts_with(notificationPrefix::process)) {
-        if (!detectedBots->empty())
-            occasion.botName = detectedBots->front().name;
-    } else if (identifier.starts_with(notificationPrefix::calendar)) {
-        if (!calendarDetections->empty())
-            occasion.botName = calendarDetections->front().botName;
-    } else if (identifier.starts_with(notificationPrefix::participant)) {
-        if (!participantBotDetections->empty())
-            occasion.botName = participantBotDetections->front().botDisplayName;
+    for (const auto& finding : *findings) {
+        const auto& kind = finding->kind();
+        if (kind.objectionRank && identifier.starts_with(kind.notificationPrefix)) {
+            occasion.botName = botName(*finding);
+            break;
+        }
     }
     fileObjection(occasion);
 }
 
 void AppState::share() {
-    services.clipboard.setText(shareText(participantBotDetections, detectedBots));
+    services.clipboard.setText(shareText(findings));
 }
 
 void AppState::showCalendarPermissionWindow() {
@@ -204,8 +195,7 @@ void AppState::closeCalendarPermissionWindow() {
 }
 
 void AppState::completeOnboarding() {
-    settings.hasCompletedOnboarding = true;
-    saveSettings();
+    settings.set(&Settings::hasCompletedOnboarding, true);
     notificationManager.requestAuthorizationIfNeeded();
     startMonitoring();
 }

@@ -1,11 +1,11 @@
-// The one coordinator of the running program: owns the detectors, turns what they find into
-// history, notifications and alerts, keeps settings and logs, starts and stops monitoring. Views
-// show its fields and call its operations.
+// The one coordinator of the running program: owns the sources of detections, has what they find
+// recorded and announced, keeps settings and logs, starts and stops monitoring. Views show its
+// fields and call its operations.
 #pragma once
 
 #include "core/AlertPanel.h"
 #include "core/AllowList.h"
-#include "core/AnnouncementQueue.h"
+#include "core/Announcer.h"
 #include "core/DetectionTrial.h"
 #include "core/Limitations.h"
 #include "core/NotificationManager.h"
@@ -13,14 +13,10 @@
 #include "core/Permissions.h"
 #include "core/RecordLog.h"
 #include "core/Settings.h"
-#include "detectors/CalendarMonitor.h"
-#include "detectors/MeetingParticipantMonitor.h"
-#include "detectors/ProcessMonitor.h"
 #include "platform/Platform.h"
 #include "platform/SystemSettings.h"
+#include "sources/Sources.h"
 
-#include <functional>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -58,44 +54,34 @@ public:
     AllowList allowList;
     RecordLog<DetectionEvent> detectionLog; ///< one entry per announced detection
     Objections objections;
-    ProcessMonitor processMonitor;
-    CalendarMonitor calendarMonitor;
-    MeetingParticipantMonitor participantMonitor;
+    Sources sources;
     NotificationManager notificationManager;
     AlertPanel alertPanel;
     Permissions permissions;
+    Limitations limitations;
     DetectionTrial detectionTrial;
 
-    Published<bool> isMonitoring{false};
-    Published<std::vector<DetectedBot>> detectedBots;                ///< without the allowed ones
-    Published<std::vector<CalendarBotDetection>> calendarDetections; ///< the same
-    Published<std::vector<ParticipantBotDetection>> participantBotDetections; ///< the same
-    Published<std::vector<RecordingIndicatorDetection>> recordingIndicators;
-    Published<bool> isCalendarMonitoring{false};
-    Published<bool> isParticipantMonitoring{false};
-    Published<std::optional<std::string>> activeMeetingPlatform;
-    Published<std::optional<Time>> lastProcessScanDate;
-    Published<bool> hasActiveThreats{false};
-    Published<bool> showingLogSheet{false}; ///< the popover shows the history
-    Published<bool> calendarWindow{false};  ///< the calendar permission window shows
-    Published<bool> hasTray{true};          ///< the desktop shows the tray icon; set by the views
-    /// What cannot be done just now. Changes are logged.
-    Published<std::vector<Limitation>> limitations;
+    Published<bool, AppState> isMonitoring{false};
+    /// What all sources list, without the allowed products, in the order of the sources.
+    Published<Findings, AppState> findings;
+    Published<bool, AppState> showingLogSheet{false}; ///< the popover shows the history
+    Published<bool, AppState> calendarWindow{false};  ///< the calendar permission window shows
 
     /// How many detections are listed, of all kinds.
-    [[nodiscard]] std::size_t totalThreatCount() const;
+    [[nodiscard]] std::size_t totalThreatCount() const { return findings->size(); }
+    [[nodiscard]] bool hasActiveThreats() const { return totalThreatCount() > 0; }
 
     /// The state in words, with what could not be looked at.
     [[nodiscard]] std::string stateText() const;
 
-    /// Starts the monitors that are switched on and may look. Nothing when monitoring already.
+    /// Starts the sources that are switched on and may look. Nothing when monitoring already.
     void startMonitoring();
-    /// Stops all monitors. What was detected stays listed.
+    /// Stops all sources. What was detected stays listed.
     void stopMonitoring();
-    /// Scans once with each monitor, the process monitor without memory.
+    /// Has every source look once more, the processes without memory.
     void refreshAllScans();
 
-    /// Flips the setting, stores it, and starts or stops the monitor.
+    /// Flips the setting, stores it, and starts or stops the source.
     void toggleCalendarMonitor();
     void toggleParticipantMonitor();
 
@@ -109,12 +95,17 @@ public:
     /// As Objections::fileObjection.
     bool fileObjection(const ObjectionOccasion& occasion);
 
-    /// An objection to whatever is there: the participant, the invited bot, or the process that is
-    /// first in its list.
+    /// An objection to the listed finding of this kind and identifier. Nothing when it is gone.
+    void objectTo(const FindingKind& kind, const std::string& id);
+
+    /// An objection to whatever is there: the first participant, invited bot, or process.
     bool objectToFirst();
 
     /// Puts the recommendation on the clipboard.
     void share();
+
+    void showHistory() { showingLogSheet = true; }
+    void closeHistory() { showingLogSheet = false; }
 
     /// Shows the calendar permission window, asks after half a second, and closes it 0.8 seconds
     /// after a grant.
@@ -133,36 +124,17 @@ public:
     [[nodiscard]] Time now() const;
 
 private:
-    void wireProcessMonitor();
-    void wireCalendarMonitor();
-    void wireParticipantMonitor();
-    void wireLimitations();
-    void refreshPermissions();
-    void startCalendarMonitorIfWanted();
-    void startParticipantMonitorIfWanted();
-    void updateThreats();
-    void showStartupAlert();
+    void wire(Source& source);
+    void begin();
+    [[nodiscard]] bool isWanted(const Source& source) const;
+    void applySwitches();
+    void filterFindings();
     void objectToNotification(const std::string& identifier);
 
-    void takeDetection(const DetectedBot& bot);
-    void takeDetection(const CalendarBotDetection& detection);
-    void takeDetection(const ParticipantBotDetection& detection);
-    void takeDetection(const RecordingIndicatorDetection& indicator);
-    void record(DetectionEvent event, BotAlert alert, Task notify);
-
-    template <typename Detection>
-    [[nodiscard]] std::function<void(const Detection&)>
-    laterOnLoop(std::function<void(const Detection&)> handler);
-
-    void filterDetections();
-    void scheduleLimitations();
-    void updateLimitations();
-
-    AnnouncementQueue announcements;
-    std::vector<Subscription> cancellables;
+    Announcer announcer;
+    std::vector<Subscription> subscriptions;
     Timer startupAlertTimer;
     Timer calendarWindowTimer;
-    bool isLimitationUpdateDue = false;
     Lifetime lifetime; // last: goes first
 };
 

@@ -1,20 +1,16 @@
 #include "core/CalendarConsentDialog.h"
 
-#include <cstdint>
+#include "platform/PreferenceKeys.h"
+
 #include <utility>
 
 namespace quorva {
-namespace {
-
-constexpr std::string_view consentKey = "calendarAuthorization";
-
-} // namespace
 
 CalendarConsentDialog::CalendarConsentDialog(Preferences& preferences_)
     : preferences(preferences_) {}
 
 CalendarAuthorization CalendarConsentDialog::status() const {
-    const auto kept = preferences.read<std::int64_t>(consentKey).value;
+    const auto kept = read(preferences, preferenceKeys::calendarAuthorization);
     for (const auto answer : {CalendarAuthorization::denied, CalendarAuthorization::fullAccess})
         if (kept == static_cast<std::int64_t>(answer))
             return answer;
@@ -32,7 +28,7 @@ void CalendarConsentDialog::request(std::function<void(CalendarStore::AccessAnsw
 void CalendarConsentDialog::answer(bool isGranted) {
     if (!isAsking)
         return;
-    preferences.set(consentKey,
+    preferences.set(preferenceKeys::calendarAuthorization.name,
                     static_cast<std::int64_t>(isGranted ? CalendarAuthorization::fullAccess
                                                         : CalendarAuthorization::denied));
     isAsking = false;

@@ -18,7 +18,7 @@ public:
     explicit CalendarConsentDialog(Preferences& preferences);
 
     /// The question is to be shown, and waits for `answer`.
-    Published<bool> isAsking{false};
+    Published<bool, CalendarConsentDialog> isAsking{false};
 
     /// The answer kept: not determined, denied or full access.
     [[nodiscard]] CalendarAuthorization status() const;

@@ -17,8 +17,8 @@ public:
     explicit DetectionTrial(DetectionTest& test);
 
     /// What the trial has said so far, or the last one said.
-    Published<std::vector<std::string>> lines;
-    Published<bool> isRunning{false};
+    Published<std::vector<std::string>, DetectionTrial> lines;
+    Published<bool, DetectionTrial> isRunning{false};
 
     /// Begins a trial, in place of the last one's lines. Nothing while one is under way.
     void start();

@@ -2,51 +2,65 @@
 // that costs. An indicator that is silent about it would be taken for "all clear".
 #pragma once
 
-#include "detectors/CalendarMonitor.h"
-#include "detectors/MeetingParticipantMonitor.h"
-#include "detectors/ProcessMonitor.h"
+#include "base/Lifetime.h"
+#include "base/Published.h"
+#include "core/Settings.h"
+#include "platform/Log.h"
 #include "platform/NotificationCenter.h"
+#include "platform/SpeechSynthesizer.h"
+#include "sources/Sources.h"
 
-#include <optional>
 #include <string>
 #include <vector>
 
 namespace quorva {
 
-/// What a limitation is about.
-enum class LimitedPart { processes, calendars, meetings, notifications, speech, tray };
-
 struct Limitation {
-    LimitedPart part;
+    std::string part; ///< what it is about: a source's name, "notifications", "speech" or "tray"
     std::string text; ///< one line: what is missing, and what that costs
 
     bool operator==(const Limitation&) const = default;
 };
 
-/// What the limitations follow from.
-struct CapabilityFacts {
-    bool isMonitoring = false;
-    std::optional<Time> lastProcessScanDate;
-    ProcessCoverage processes;
-    bool calendarMonitorEnabled = false;
-    CalendarAuthorization calendarAuthorization = CalendarAuthorization::notDetermined;
-    std::vector<UnreadCalendar> unreadCalendars;
-    bool participantMonitorEnabled = false;
-    bool hasAccessibilityPermission = false;
-    MeetingCoverage meetings;
-    bool showNotifications = false;
-    NotificationService notifications;
-    std::optional<std::string> speechProblem;
-    bool hasTray = true;
-};
+/// Follows what can be limited. Main thread only.
+class Limitations {
+public:
+    /// Everything must outlive this.
+    Limitations(MainLoop& loop, Log& log, NotificationCenter& notifications,
+                SpeechSynthesizer& speech, const Settings& settings, const Sources& sources);
 
-/// One for each part that is wanted but limited, in the order of the enumeration. What is switched
-/// off is no limitation, nor is what is still being found out. Pure function.
-[[nodiscard]] std::vector<Limitation> limitations(const CapabilityFacts& facts);
+    /// One for each part that is wanted but limited: the sources in their order, then the rest.
+    /// What is switched off is not a limitation, nor is what is still being found out. Changes are
+    /// logged.
+    Published<std::vector<Limitation>, Limitations> all;
+
+    /// Says whether the desktop shows the tray icon.
+    void setTray(bool isShown);
+
+private:
+    void schedule();
+    void update();
+    [[nodiscard]] std::vector<Limitation> current() const;
+
+    MainLoop& loop;
+    Log& log;
+    NotificationCenter& notifications;
+    SpeechSynthesizer& speech;
+    const Settings& settings;
+    const Sources& sources;
+    bool hasTray = true;
+    bool isUpdateDue = false;
+    std::vector<Subscription> subscriptions;
+    Lifetime lifetime; // last: goes first
+};
 
 /// The state in words, for the tooltip and the menu: "Monitoring Off", the number of bots, or "All
 /// Clear", with what could not be looked at when a source is limited.
 [[nodiscard]] std::string stateInWords(bool isMonitoring, std::size_t threatCount,
-                                       const std::vector<Limitation>& limitations);
+                                       const Sources& sources);
+
+/// What "All Clear" does not cover: one line for each source that is limited. Empty when everything
+/// was looked at.
+[[nodiscard]] std::string uncoveredText(const Sources& sources);
 
 } // namespace quorva

@@ -1,50 +1,25 @@
 #include "core/NotificationManager.h"
 
-#include <fmt/format.h>
+#include "sources/Sources.h"
 
 namespace quorva {
-namespace {
-
-namespace category {
-constexpr std::string_view process = "BOT_DETECTED";
-constexpr std::string_view calendar = "CALENDAR_BOT";
-constexpr std::string_view participant = "PARTICIPANT_BOT";
-constexpr std::string_view indicator = "RECORDING_INDICATOR";
-} // namespace category
-
-std::string joined(std::string_view prefix, std::string_view rest) {
-    return fmt::format("{}{}", prefix, rest);
-}
-
-/// What happens in a meeting right now may be in the way; what is over must not be.
-NotificationRequest request(NotificationText text, std::string identifier,
-                            std::string_view category, NotificationUrgency urgency) {
-    return {.identifier = std::move(identifier),
-            .title = std::move(text.title),
-            .body = std::move(text.body),
-            .hasSound = urgency != NotificationUrgency::low,
-            .urgency = urgency,
-            .categoryIdentifier = std::string(category)};
-}
-
-} // namespace
-
 NotificationManager::NotificationManager(MainLoop& loop_, NotificationCenter& center_, Log& log_)
     : loop(loop_), center(center_), log(log_) {
     registerCategories();
     responses = center.onResponse(
-        lifetime.guard([this](const NotificationResponse& response) { takeResponse(response); }));
+        lifetime.guard([this](const NotificationResponse& response) { handle(response); }));
 }
 
 void NotificationManager::registerCategories() {
     const NotificationAction object{std::string(notificationAction::object), "Object Now"};
     const NotificationAction dismiss{std::string(notificationAction::dismiss), "Dismiss"};
-    center.setCategories({
-        {std::string(category::process), {object, dismiss}},
-        {std::string(category::calendar), {object, dismiss}},
-        {std::string(category::participant), {object, dismiss}},
-        {std::string(category::indicator), {dismiss}},
-    });
+    std::vector<NotificationCategory> categories;
+    for (const auto* const profile : sourceProfiles)
+        for (const auto* const kind : profile->kinds)
+            categories.push_back(
+                {std::string(kind->notificationCategory),
+                 kind->objectionRank ? std::vector{object, dismiss} : std::vector{dismiss}});
+    center.setCategories(std::move(categories));
 }
 
 void NotificationManager::requestAuthorizationIfNeeded() {
@@ -58,37 +33,11 @@ void NotificationManager::requestAuthorizationIfNeeded() {
     }));
 }
 
-void NotificationManager::notifyProcessBot(const DetectedBot& bot) {
-    center.post(request(processText(bot), joined(notificationPrefix::process, bot.signatureId),
-                        category::process, NotificationUrgency::normal));
+void NotificationManager::post(NotificationRequest request) {
+    center.post(std::move(request));
 }
 
-void NotificationManager::notifyProcessBotGone(const DetectedBot& bot) {
-    center.post(request(processGoneText(bot),
-                        joined(notificationPrefix::processGone, bot.signatureId), {},
-                        NotificationUrgency::low));
-}
-
-void NotificationManager::notifyCalendarBot(const CalendarBotDetection& detection) {
-    center.post(request(calendarText(detection, loop.now()),
-                        joined(notificationPrefix::calendar,
-                               detection.signatureId + "-" + detection.eventIdentifier),
-                        category::calendar, NotificationUrgency::normal));
-}
-
-void NotificationManager::notifyParticipantBot(const ParticipantBotDetection& detection) {
-    center.post(request(participantText(detection),
-                        joined(notificationPrefix::participant, detection.id),
-                        category::participant, NotificationUrgency::critical));
-}
-
-void NotificationManager::notifyRecordingIndicator(const RecordingIndicatorDetection& detection) {
-    center.post(request(indicatorText(detection),
-                        joined(notificationPrefix::indicator, detection.id), category::indicator,
-                        NotificationUrgency::critical));
-}
-
-void NotificationManager::takeResponse(const NotificationResponse& response) {
+void NotificationManager::handle(const NotificationResponse& response) {
     if (response.actionIdentifier == notificationAction::object)
         loop.post(lifetime.guard([this, identifier = response.requestIdentifier] {
             if (onObjectAction)

@@ -3,8 +3,6 @@
 
 #include "base/Lifetime.h"
 #include "base/MainLoop.h"
-#include "catalogue/Records.h"
-#include "core/NotificationTexts.h"
 #include "platform/Log.h"
 #include "platform/NotificationCenter.h"
 
@@ -19,19 +17,10 @@ inline constexpr std::string_view object = "OBJECT_ACTION";
 inline constexpr std::string_view dismiss = "DISMISS_ACTION";
 } // namespace notificationAction
 
-/// What the identifiers of the notifications begin with; the detection's own follows.
-namespace notificationPrefix {
-inline constexpr std::string_view process = "bot-detected-";
-inline constexpr std::string_view processGone = "bot-gone-";
-inline constexpr std::string_view calendar = "cal-bot-";
-inline constexpr std::string_view participant = "participant-bot-";
-inline constexpr std::string_view indicator = "recording-indicator-";
-} // namespace notificationPrefix
-
 /// Main thread only.
 class NotificationManager {
 public:
-    /// Registers the categories. The services must outlive the manager.
+    /// Registers the categories of all kinds of findings. The services must outlive the manager.
     NotificationManager(MainLoop& loop, NotificationCenter& center, Log& log);
 
     /// The user has chosen to object; gets the notification's identifier, as a task of its own.
@@ -40,16 +29,12 @@ public:
     /// Asks to be allowed to post, if that was never asked. A failure is logged.
     void requestAuthorizationIfNeeded();
 
-    /// Each shows a notification at once, in place of an earlier one of the same detection.
-    void notifyProcessBot(const DetectedBot& bot);
-    void notifyProcessBotGone(const DetectedBot& bot);
-    void notifyCalendarBot(const CalendarBotDetection& detection);
-    void notifyParticipantBot(const ParticipantBotDetection& detection);
-    void notifyRecordingIndicator(const RecordingIndicatorDetection& detection);
+    /// Shows a notification at once, in place of an earlier one with the same identifier.
+    void post(NotificationRequest request);
 
 private:
     void registerCategories();
-    void takeResponse(const NotificationResponse& response);
+    void handle(const NotificationResponse& response);
 
     MainLoop& loop;
     NotificationCenter& center;

@@ -31,10 +31,12 @@ public:
 
     /// Newest first, at most 200.
     RecordLog<ObjectionRecord> objectionLog;
-    /// What is used when an occasion names none. Not stored.
-    Published<ObjectionTemplate> selectedTemplate{ObjectionTemplate::california};
+    /// The template used when an occasion names none. Not stored.
+    Published<ObjectionTemplate, Objections> selectedTemplate{ObjectionTemplate::california};
     /// Whether the confirmation shows: for 2.5 seconds after an objection.
-    Published<bool> showingObjectionToast{false};
+    Published<bool, Objections> showingObjectionToast{false};
+
+    void selectTemplate(ObjectionTemplate which) { selectedTemplate = which; }
 
     /// Speaks the short statement, cutting off one being spoken, copies the full one, and logs the
     /// objection. True: it has been made. Faults of clipboard and speech do not show here.

@@ -1,5 +1,6 @@
-// What the program may look at: the calendars, the windows of meetings, and what sound devices
-// there are. Finds out, asks, and follows what the user changes elsewhere.
+// Asking for what the program may look at, and following what the user changes elsewhere. Whether
+// calendars and windows may be read is kept by their monitors; this holds the accounts that
+// calendars come from, and whether a loopback sound device is installed.
 #pragma once
 
 #include "base/Lifetime.h"
@@ -8,7 +9,6 @@
 #include "detectors/BlackHoleDetector.h"
 #include "detectors/CalendarMonitor.h"
 #include "detectors/MeetingParticipantMonitor.h"
-#include "platform/AccessibilityTree.h"
 #include "platform/CalendarStore.h"
 #include "platform/Log.h"
 
@@ -22,31 +22,37 @@ namespace quorva {
 class Permissions {
 public:
     /// The services and monitors must outlive this. Nothing is looked up yet.
-    Permissions(MainLoop& loop, Log& log, CalendarStore& calendars,
-                AccessibilityTree& accessibility, AudioDevices& audioDevices,
+    Permissions(MainLoop& loop, Log& log, CalendarStore& calendars, AudioDevices& audioDevices,
                 CalendarMonitor& calendarMonitor, MeetingParticipantMonitor& participantMonitor);
 
-    Published<bool> hasCalendarAccess{false};
-    Published<bool> hasAccessibilityPermission{false};
-    Published<bool> hasMicrophonePermission{false};
-    Published<bool> isBlackHoleInstalled{false};
+    BlackHoleDetector blackHoleDetector;
 
-    Published<std::vector<std::string>> calendarAccountNames;
-    Published<bool> hasGoogleCalendar{false};
-    Published<bool> hasExchangeCalendar{false};
-    /// Calendars may be read, but there is neither a Google nor an Exchange account.
-    Published<bool> needsCalendarAccountSetup{false};
+    Published<std::vector<std::string>, Permissions> calendarAccountNames;
+    Published<bool, Permissions> hasGoogleCalendar{false};
+    Published<bool, Permissions> hasExchangeCalendar{false};
 
-    /// Calendars, or windows, may be read from now on; called when the user has been asked, or a
-    /// later look has found it out. May be empty.
-    Task onCalendarGranted;
-    Task onAccessibilityGranted;
+    [[nodiscard]] bool hasCalendarAccess() const {
+        return calendarMonitor.authorizationStatus == CalendarAuthorization::fullAccess;
+    }
+    [[nodiscard]] bool hasAccessibilityPermission() const {
+        return participantMonitor.hasAccessibilityPermission;
+    }
+    /// Calendars may be read, but there is neither a Google nor an Exchange account. False until
+    /// the accounts have been read.
+    [[nodiscard]] bool needsCalendarAccountSetup() const {
+        return hasCalendarAccess() && areAccountsKnown && !hasGoogleCalendar &&
+               !hasExchangeCalendar;
+    }
+
+    /// Has `watch` follow everything that the above depends on.
+    template <typename Watch>
+    void follow(Watch& watch) const {
+        watch.follow(calendarMonitor.authorizationStatus,
+                     participantMonitor.hasAccessibilityPermission, calendarAccountNames);
+    }
 
     /// Looks everything up, without asking the user.
     void refresh();
-
-    /// The same, of what monitoring depends on.
-    void refreshForMonitoring();
 
     /// Asks the user for access to calendars; calls `done` with the answer, on the main loop or
     /// within this call.
@@ -68,17 +74,13 @@ public:
     [[nodiscard]] bool isRechecking() const { return static_cast<bool>(accessibilityRecheckTimer); }
 
 private:
-    void takeAuthorization(CalendarAuthorization status);
-    void takeTrust(bool isTrusted);
     void recheck();
 
     MainLoop& loop;
     Log& log;
-    CalendarStore& calendars;
-    AccessibilityTree& accessibility;
     CalendarMonitor& calendarMonitor;
     MeetingParticipantMonitor& participantMonitor;
-    BlackHoleDetector blackHoleDetector;
+    bool areAccountsKnown = false;
     std::vector<Subscription> subscriptions;
     Timer accessibilityRecheckTimer;
     Lifetime lifetime; // last: goes first

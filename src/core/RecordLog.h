@@ -5,7 +5,7 @@
 #include "base/Published.h"
 #include "catalogue/Records.h"
 #include "platform/Log.h"
-#include "platform/Preferences.h"
+#include "platform/PreferenceKeys.h"
 
 #include <deque>
 #include <string>
@@ -29,7 +29,7 @@ public:
     RecordLog(const RecordLogShape& shape, MainLoop& loop, Preferences& preferences, Log& log);
 
     /// The records, in the order of the shape.
-    Published<std::vector<Record>> records;
+    Published<std::vector<Record>, RecordLog> records;
 
     /// Reads the stored list: the newest records, as many as may be. An entry that can't be read is
     /// left out. Where there is such an entry, or no list at all but something else, what is stored
@@ -56,8 +56,8 @@ extern template class RecordLog<DetectionEvent>;
 extern template class RecordLog<ObjectionRecord>;
 
 /// At most 500, oldest first.
-inline constexpr RecordLogShape detectionLogShape{"detectionLog", 500, false};
+inline constexpr RecordLogShape detectionLogShape{preferenceKeys::detectionLog.name, 500, false};
 /// At most 200, newest first.
-inline constexpr RecordLogShape objectionLogShape{"objectionLog", 200, true};
+inline constexpr RecordLogShape objectionLogShape{preferenceKeys::objectionLog.name, 200, true};
 
 } // namespace quorva

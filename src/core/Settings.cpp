@@ -1,34 +1,27 @@
 #include "core/Settings.h"
 
+#include "platform/PreferenceKeys.h"
+
 #include <array>
-#include <string_view>
 
 namespace quorva {
 namespace {
 
-/// A setting that is on or off: a value of another type gives the default.
+/// A setting that is on or off.
 struct Switch {
-    std::string_view key;
-    Published<bool> Settings::*field;
-    bool byDefault;
+    const PreferenceKey<bool>& key;
+    Published<bool, Settings> Settings::*field;
 };
 
-constexpr std::string_view launchAtLoginKey = "launchAtLogin"; // read for earlier versions
-constexpr std::string_view stampIntervalKey = "stampIntervalSeconds";
-constexpr std::string_view stampVolumeKey = "stampVolume";
-constexpr std::int64_t usualStampInterval = 120;
-constexpr double usualStampVolume = 0.5;
+namespace keys = preferenceKeys;
 
 constexpr std::array switches{
-    Switch{"hasCompletedOnboarding", &Settings::hasCompletedOnboarding, false},
-    Switch{"showNotifications", &Settings::showNotifications, true},
-    Switch{"autoStartMonitoring", &Settings::autoStartMonitoring, true},
-    Switch{"calendarMonitorEnabled", &Settings::calendarMonitorEnabled, true},
-    Switch{"participantMonitorEnabled", &Settings::participantMonitorEnabled, true},
+    Switch{keys::hasCompletedOnboarding, &Settings::hasCompletedOnboarding},
+    Switch{keys::showNotifications, &Settings::showNotifications},
+    Switch{keys::autoStartMonitoring, &Settings::autoStartMonitoring},
+    Switch{keys::calendarMonitorEnabled, &Settings::calendarMonitorEnabled},
+    Switch{keys::participantMonitorEnabled, &Settings::participantMonitorEnabled},
 };
-
-constexpr std::array<std::string_view, 3> keysWithoutUse{"collectedEmails", "userEmail",
-                                                         "onboardingStep"};
 
 } // namespace
 
@@ -36,30 +29,44 @@ Settings::Settings(Preferences& preferences_, LoginItem& loginItem_, Log& log_)
     : preferences(preferences_), loginItem(loginItem_), log(log_) {}
 
 void Settings::load() {
-    for (const auto& [key, field, byDefault] : switches)
-        this->*field = preferences.read<bool>(key).value.value_or(byDefault);
+    for (const auto& [key, field] : switches)
+        this->*field = read(preferences, key);
 
-    const auto interval = preferences.read<std::int64_t>(stampIntervalKey).value.value_or(0);
-    stampIntervalSeconds = interval == 0 ? usualStampInterval : interval;
-    const auto volume = preferences.read<double>(stampVolumeKey).value.value_or(0.0);
-    stampVolume = volume == 0.0 ? usualStampVolume : volume;
+    const auto interval = read(preferences, keys::stampIntervalSeconds);
+    stampIntervalSeconds = interval == 0 ? keys::stampIntervalSeconds.byDefault : interval;
+    const auto volume = read(preferences, keys::stampVolume);
+    stampVolume = volume == 0.0 ? keys::stampVolume.byDefault : volume;
 
-    launchAtLogin = preferences.read<bool>(launchAtLoginKey).value.value_or(false);
+    launchAtLogin = read(preferences, keys::launchAtLogin);
     const auto status = loginItem.status();
     if (status == LoginItemStatus::enabled)
         launchAtLogin = true;
     else if (launchAtLogin && status == LoginItemStatus::notRegistered)
         applyLaunchAtLogin();
 
-    for (const auto key : keysWithoutUse)
+    for (const auto key : keys::removed)
         preferences.remove(key);
 }
 
+void Settings::set(Published<bool, Settings> Settings::*setting, bool isOn) {
+    if ((this->*setting).get() == isOn)
+        return;
+    this->*setting = isOn;
+    save();
+}
+
+bool Settings::isOn(std::string_view key) const {
+    for (const auto& row : switches)
+        if (row.key.name == key)
+            return this->*row.field;
+    return false;
+}
+
 void Settings::save() {
-    for (const auto& [key, field, byDefault] : switches)
-        preferences.set(key, (this->*field).get());
-    preferences.set(stampIntervalKey, stampIntervalSeconds.get());
-    preferences.set(stampVolumeKey, stampVolume.get());
+    for (const auto& [key, field] : switches)
+        preferences.set(key.name, (this->*field).get());
+    preferences.set(keys::stampIntervalSeconds.name, stampIntervalSeconds.get());
+    preferences.set(keys::stampVolume.name, stampVolume.get());
     applyLaunchAtLogin();
 }
 

@@ -7,6 +7,7 @@
 #include "platform/Preferences.h"
 
 #include <cstdint>
+#include <string_view>
 
 namespace quorva {
 
@@ -16,14 +17,21 @@ public:
     /// The services must outlive the settings. Nothing is read yet.
     Settings(Preferences& preferences, LoginItem& loginItem, Log& log);
 
-    Published<bool> hasCompletedOnboarding{false};
-    Published<std::int64_t> stampIntervalSeconds{120}; ///< kept for earlier versions; unused
-    Published<double> stampVolume{0.5};                ///< kept for earlier versions; unused
-    Published<bool> launchAtLogin{false};              ///< kept by the login item itself
-    Published<bool> showNotifications{true};
-    Published<bool> autoStartMonitoring{true};
-    Published<bool> calendarMonitorEnabled{true};
-    Published<bool> participantMonitorEnabled{true};
+    Published<bool, Settings> hasCompletedOnboarding{false};
+    Published<std::int64_t, Settings> stampIntervalSeconds{
+        120};                                       ///< kept for earlier versions; unused
+    Published<double, Settings> stampVolume{0.5};   ///< kept for earlier versions; unused
+    Published<bool, Settings> launchAtLogin{false}; ///< kept by the login item itself
+    Published<bool, Settings> showNotifications{true};
+    Published<bool, Settings> autoStartMonitoring{true};
+    Published<bool, Settings> calendarMonitorEnabled{true};
+    Published<bool, Settings> participantMonitorEnabled{true};
+
+    /// Changes a setting and stores all of them. Nothing when it is so already.
+    void set(Published<bool, Settings> Settings::*setting, bool isOn);
+
+    /// Whether the setting kept under this preference key is on; false: there is no such setting.
+    [[nodiscard]] bool isOn(std::string_view key) const;
 
     /// Reads all settings, and removes the keys of earlier versions that have no use any more. The
     /// login item, when it is there, has the last word on whether the program starts at login.

@@ -13,12 +13,14 @@ std::string recommendation(const std::string& bot, std::string_view place) {
 
 } // namespace
 
-std::string shareText(const std::vector<ParticipantBotDetection>& participants,
-                      const std::vector<DetectedBot>& processes) {
-    if (!participants.empty())
-        return recommendation(participants.front().botDisplayName, "in my meeting");
-    if (!processes.empty())
-        return recommendation(processes.front().name, "on my Mac");
+std::string shareText(const Findings& findings) {
+    const Finding* first = nullptr;
+    for (const auto& finding : findings)
+        if (!finding->kind().sharedPlace.empty() &&
+            (!first || finding->kind().alertRank < first->kind().alertRank))
+            first = finding.get();
+    if (first)
+        return recommendation(botName(*first), first->kind().sharedPlace);
     return fmt::format("I use Quorva to detect AI recording bots in my meetings. It spots Otter, "
                        "Fireflies, Gong & 180+ more. Free to try: {}",
                        productAddress);

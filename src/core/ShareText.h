@@ -1,11 +1,10 @@
 // The text that recommends the program to a colleague.
 #pragma once
 
-#include "catalogue/Records.h"
+#include "sources/Finding.h"
 
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace quorva {
 
@@ -13,7 +12,6 @@ namespace quorva {
 inline constexpr std::string_view productAddress = "https://quorva.app";
 
 /// Names the first bot in the meeting, else the first on this computer, else none.
-[[nodiscard]] std::string shareText(const std::vector<ParticipantBotDetection>& participants,
-                                    const std::vector<DetectedBot>& processes);
+[[nodiscard]] std::string shareText(const Findings& findings);
 
 } // namespace quorva

@@ -1,22 +1,19 @@
 #include "core/Updates.h"
 
+#include "platform/PreferenceKeys.h"
+
 #include <chrono>
 
 namespace quorva {
-namespace {
-
-constexpr std::string_view automaticKey = "checksForUpdatesAutomatically";
-
-} // namespace
 
 Updates::Updates(MainLoop& loop_, Preferences& preferences_, UpdateService& service_)
     : loop(loop_), preferences(preferences_), service(service_) {
-    checksAutomatically = preferences.read<bool>(automaticKey).value.value_or(false);
+    checksAutomatically = read(preferences, preferenceKeys::checksForUpdates);
     follow();
 }
 
 void Updates::setChecksAutomatically(bool isOn) {
-    preferences.set(automaticKey, isOn);
+    preferences.set(preferenceKeys::checksForUpdates.name, isOn);
     checksAutomatically = isOn;
     follow();
 }

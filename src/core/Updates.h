@@ -19,11 +19,11 @@ public:
     Updates(MainLoop& loop, Preferences& preferences, UpdateService& service);
 
     /// Whether it asks by itself, once a day. Kept in the preferences.
-    Published<bool> checksAutomatically{false};
+    Published<bool, Updates> checksAutomatically{false};
     /// What the last check has come to; nothing before the first one and while one is under way.
-    Published<std::optional<UpdateAnswer>> answer;
+    Published<std::optional<UpdateAnswer>, Updates> answer;
     /// A check is under way.
-    Published<bool> isChecking{false};
+    Published<bool, Updates> isChecking{false};
 
     void setChecksAutomatically(bool isOn);
 

@@ -17,11 +17,11 @@ public:
     explicit BlackHoleDetector(AudioDevices& audioDevices);
 
     /// A device whose name holds "blackhole", in any letter case, was found.
-    Published<bool> isInstalled{false};
+    Published<bool, BlackHoleDetector> isInstalled{false};
     /// The first one's.
-    Published<std::optional<std::uint32_t>> blackHoleDeviceID;
+    Published<std::optional<std::uint32_t>, BlackHoleDetector> blackHoleDeviceID;
     /// There is a microphone among the devices.
-    Published<bool> hasMicrophone{false};
+    Published<bool, BlackHoleDetector> hasMicrophone{false};
 
 private:
     void search(const std::vector<AudioDevice>& devices);

@@ -10,8 +10,6 @@
 namespace quorva {
 namespace {
 
-constexpr auto alertedKey = "calendarAlertedDetections";
-constexpr auto dismissedKey = "calendarDismissedDetections";
 constexpr std::size_t mostKeys = 1000;
 constexpr std::size_t keysAfterPruning = 500;
 constexpr int genericConfidence = 55;
@@ -99,15 +97,15 @@ CalendarMonitor::CalendarMonitor(MainLoop& loop_, CalendarStore& eventStore_,
       log(log_),
       sha256(sha256_),
       database(database_),
-      alertedDetections(loadKeys(alertedKey)),
-      dismissedDetections(loadKeys(dismissedKey)) {}
+      alertedDetections(loadKeys(preferenceKeys::calendarAlerted)),
+      dismissedDetections(loadKeys(preferenceKeys::calendarDismissed)) {}
 
 void CalendarMonitor::requestAccess(std::function<void(bool)> done) {
     eventStore.requestFullAccess(lifetime.guard([this, done = std::move(done)](
                                                     const CalendarStore::AccessAnswer& answer) {
         if (answer.error)
             log.error("Error requesting calendar access: " + *answer.error, logCategory::calendar);
-        authorizationStatus = eventStore.authorizationStatus();
+        refreshAuthorization();
         done(!answer.error && answer.granted);
     }));
 }
@@ -168,16 +166,17 @@ void CalendarMonitor::scanCalendar() {
         fetch = std::move(answer);
 }
 
-/// Looks up the access; when it is gone, so is the monitoring.
-bool CalendarMonitor::checkAccess() {
+void CalendarMonitor::refreshAuthorization() {
     authorizationStatus = eventStore.authorizationStatus();
-    if (authorizationStatus == CalendarAuthorization::fullAccess)
-        return true;
-    if (isMonitoring) {
+    if (isMonitoring && authorizationStatus != CalendarAuthorization::fullAccess) {
         log.notice("Calendar access revoked, stopping monitor", logCategory::calendar);
         stopMonitoring();
     }
-    return false;
+}
+
+bool CalendarMonitor::checkAccess() {
+    refreshAuthorization();
+    return authorizationStatus == CalendarAuthorization::fullAccess;
 }
 
 void CalendarMonitor::complete(const CalendarWindow& window, Time now) {
@@ -322,9 +321,9 @@ std::string CalendarMonitor::hashedDetectionKey(const CalendarBotDetection& dete
     return fmt::format("{:02x}", fmt::join(digest.begin(), digest.begin() + 16, ""));
 }
 
-CalendarMonitor::KeySet CalendarMonitor::loadKeys(std::string_view preferenceKey) const {
-    auto keys = preferences.read<std::vector<std::string>>(preferenceKey)
-                    .value.value_or(std::vector<std::string>());
+CalendarMonitor::KeySet
+CalendarMonitor::loadKeys(const PreferenceKey<std::vector<std::string>>& key) const {
+    auto keys = read(preferences, key);
     return {std::make_move_iterator(keys.begin()), std::make_move_iterator(keys.end())};
 }
 
@@ -332,8 +331,8 @@ void CalendarMonitor::saveKeys() {
     const auto list = [](const KeySet& keys) {
         return std::vector<std::string>(keys.begin(), keys.end());
     };
-    preferences.set(alertedKey, list(alertedDetections));
-    preferences.set(dismissedKey, list(dismissedDetections));
+    preferences.set(preferenceKeys::calendarAlerted.name, list(alertedDetections));
+    preferences.set(preferenceKeys::calendarDismissed.name, list(dismissedDetections));
 }
 
 /// Cuts a set that has grown too large. Any of its keys may go.

@@ -10,14 +10,13 @@
 #include "catalogue/Records.h"
 #include "platform/CalendarStore.h"
 #include "platform/Log.h"
-#include "platform/Preferences.h"
+#include "platform/PreferenceKeys.h"
 #include "platform/Sha256.h"
 
 #include <functional>
 #include <optional>
 #include <set>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace quorva {
@@ -42,24 +41,28 @@ public:
                     const CalendarBotDatabase& database = CalendarBotDatabase::shared());
 
     /// What was found, by the start of the event.
-    Published<std::vector<CalendarBotDetection>> calendarDetections;
+    Published<std::vector<CalendarBotDetection>, CalendarMonitor> calendarDetections;
     /// Whether scans come by themselves: the timer runs and changes are followed.
-    Published<bool> isMonitoring{false};
-    /// The access to calendars, as it was last looked up.
-    Published<CalendarAuthorization> authorizationStatus;
+    Published<bool, CalendarMonitor> isMonitoring{false};
+    /// The access to calendars, as it was last looked up. This is its one home: everything else
+    /// observes it.
+    Published<CalendarAuthorization, CalendarMonitor> authorizationStatus;
     /// When the last completed scan began.
-    Published<std::optional<Time>> lastScanDate;
+    Published<std::optional<Time>, CalendarMonitor> lastScanDate;
     /// How many calendars the last scan asked, the unread ones included.
-    Published<std::size_t> calendarCount;
+    Published<std::size_t, CalendarMonitor> calendarCount;
     /// The calendars that the last scan could not read. What was found in them before stays listed
     /// until its event has ended.
-    Published<std::vector<UnreadCalendar>> unreadCalendars;
+    Published<std::vector<UnreadCalendar>, CalendarMonitor> unreadCalendars;
 
     /// A bot was found that was never announced before. Called within a scan, before
     /// `calendarDetections` changes; may be empty.
     std::function<void(const CalendarBotDetection&)> onBotDetected;
     /// What was listed is no longer found. Called as above.
     std::function<void(const CalendarBotDetection&)> onBotDisappeared;
+
+    /// Looks the access up. Monitoring ends when it is gone.
+    void refreshAuthorization();
 
     /// Asks the user for access to calendars, and calls `done` with whether it is granted, on the
     /// main loop or within this call. A failure to ask is logged and counts as refused.
@@ -97,7 +100,7 @@ private:
     void retire(const Detections& old, const KeySet& newKeys);
     void reportUnread(const std::vector<UnreadCalendar>& unread);
     [[nodiscard]] std::string hashedDetectionKey(const CalendarBotDetection& detection) const;
-    [[nodiscard]] KeySet loadKeys(std::string_view preferenceKey) const;
+    [[nodiscard]] KeySet loadKeys(const PreferenceKey<std::vector<std::string>>& key) const;
     void saveKeys();
     static void prune(KeySet& keys);
 

@@ -53,12 +53,22 @@ MeetingParticipantMonitor::MeetingParticipantMonitor(MainLoop& loop_, Applicatio
       loop(loop_),
       applications(applications_),
       tree(tree_),
-      log(log_) {}
+      log(log_),
+      permissionObserver(tree.onTrustChange(lifetime.guard([this] { refreshPermission(); }))) {}
+
+void MeetingParticipantMonitor::refreshPermission() {
+    hasAccessibilityPermission = tree.isTrusted();
+}
+
+void MeetingParticipantMonitor::requestPermission() {
+    tree.requestTrust(
+        lifetime.guard([this](bool isTrusted) { hasAccessibilityPermission = isTrusted; }));
+}
 
 void MeetingParticipantMonitor::startMonitoring() {
     if (isMonitoring)
         return;
-    hasAccessibilityPermission = tree.isTrusted();
+    refreshPermission();
     if (!hasAccessibilityPermission) {
         log.info("Cannot start participant monitoring: no Accessibility permission",
                  logCategory::participant);

@@ -56,19 +56,22 @@ public:
                               Log& log);
 
     /// The bots of the last pass, the highest confidence first, then those kept from earlier ones.
-    Published<std::vector<ParticipantBotDetection>> participantBotDetections;
+    Published<std::vector<ParticipantBotDetection>, MeetingParticipantMonitor>
+        participantBotDetections;
     /// The banners of the last pass, then those kept from earlier ones.
-    Published<std::vector<RecordingIndicatorDetection>> recordingIndicators;
+    Published<std::vector<RecordingIndicatorDetection>, MeetingParticipantMonitor>
+        recordingIndicators;
     /// Whether passes come by themselves.
-    Published<bool> isMonitoring{false};
-    /// Whether windows may be read, as it was last looked up.
-    Published<bool> hasAccessibilityPermission;
+    Published<bool, MeetingParticipantMonitor> isMonitoring{false};
+    /// Whether windows may be read, as it was last looked up. This is its one home: everything else
+    /// observes it. Followed as the service tells of changes.
+    Published<bool, MeetingParticipantMonitor> hasAccessibilityPermission;
     /// The platform whose meeting window the last pass found last.
-    Published<std::optional<std::string>> activeMeetingPlatform;
+    Published<std::optional<std::string>, MeetingParticipantMonitor> activeMeetingPlatform;
     /// When the last pass ended.
-    Published<std::optional<Time>> lastScanDate;
+    Published<std::optional<Time>, MeetingParticipantMonitor> lastScanDate;
     /// What the last pass could look at.
-    Published<MeetingCoverage> coverage;
+    Published<MeetingCoverage, MeetingParticipantMonitor> coverage;
 
     /// A participant that is listed for the first time in a row is a bot, or a bot is listed under
     /// another wording. Called within a pass, before the list changes; may be empty.
@@ -78,6 +81,12 @@ public:
     /// The same of banners.
     std::function<void(const RecordingIndicatorDetection&)> onRecordingIndicatorDetected;
     std::function<void(const RecordingIndicatorDetection&)> onRecordingIndicatorDisappeared;
+
+    /// Looks up whether windows may be read.
+    void refreshPermission();
+
+    /// Switches the session's accessibility on, at the user's wish.
+    void requestPermission();
 
     /// Starts a pass as a task of its own, then one every 5 seconds, and one when windows have been
     /// read that the last pass missed. Does nothing when monitoring already, or without permission.
@@ -171,7 +180,8 @@ private:
     ProcessesByPlatform knownActiveMeetingPIDs; ///< in which there was a meeting; while they run
     std::map<std::string_view, bool> platformWindowsAccessible; ///< in the last pass
 
-    Lifetime lifetime; // last: goes first
+    Lifetime lifetime; // goes first but for what is made with it
+    Subscription permissionObserver;
 };
 
 } // namespace quorva

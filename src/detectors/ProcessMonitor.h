@@ -36,13 +36,13 @@ public:
                    const BotSignatureDatabase& database = BotSignatureDatabase::shared());
 
     /// One detection per product, the highest confidence first.
-    Published<std::vector<DetectedBot>> detectedBots;
+    Published<std::vector<DetectedBot>, ProcessMonitor> detectedBots;
     /// Whether scans come by themselves: the timer runs and launches and quits are followed.
-    Published<bool> isMonitoring{false};
+    Published<bool, ProcessMonitor> isMonitoring{false};
     /// When the last scan ended.
-    Published<std::optional<Time>> lastScanDate;
+    Published<std::optional<Time>, ProcessMonitor> lastScanDate;
     /// What the last scan could look at.
-    Published<ProcessCoverage> coverage;
+    Published<ProcessCoverage, ProcessMonitor> coverage;
 
     /// A product was found, or found again under another process. Called within a scan, before
     /// `detectedBots` changes; may be empty.

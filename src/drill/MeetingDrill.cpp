@@ -1,6 +1,6 @@
 #include "drill/MeetingDrill.h"
 
-#include "drill/Remedies.h"
+#include "detectors/Remedies.h"
 
 #include <fmt/format.h>
 

@@ -1,16 +1,13 @@
 // What quorva-scan does with its options: one look, or a watch. Main thread only.
 #pragma once
 
-#include "detectors/CalendarMonitor.h"
-#include "detectors/MeetingParticipantMonitor.h"
-#include "detectors/ProcessMonitor.h"
 #include "platform/NoPreferences.h"
 #include "platform/Platform.h"
 #include "scan/ScanOptions.h"
 #include "scan/ScanReport.h"
+#include "sources/Sources.h"
 
 #include <functional>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -20,7 +17,7 @@ namespace quorva {
 /// reported as such.
 class Scan {
 public:
-    /// Takes one line, without a line feed.
+    /// Prints one line, which comes without a line feed.
     using Print = std::function<void(const std::string& line)>;
 
     /// The platform's services must outlive the scan. Nothing is looked at yet.
@@ -34,30 +31,17 @@ public:
     void watch(Print print, std::function<void(std::vector<SourceReport>)> done);
 
 private:
-    void expectAnswers();
-    void whenCalendarsAnswered(const Task& start);
-    void whenMeetingsRead(Task then);
-    void answered(ScanSource source);
+    [[nodiscard]] std::vector<Source*> asked() const;
+    /// Calls `done` as a task of the main loop when it was called as often as there are sources
+    /// asked for.
+    [[nodiscard]] Task afterAll(Task done);
     [[nodiscard]] std::vector<SourceReport> reports() const;
-    [[nodiscard]] SourceReport processReport() const;
-    [[nodiscard]] SourceReport calendarReport() const;
-    [[nodiscard]] SourceReport meetingReport() const;
 
     const ScanOptions options;
     MainLoop& loop;
-    ProcessTable& processTable;
-    AccessibilityTree& accessibility;
     NoPreferences preferences;
-    ProcessMonitor processes;
-    CalendarMonitor calendar;
-    MeetingParticipantMonitor meetings;
-
-    const Seconds readingTime{10.0}; ///< that windows are waited for
-
-    std::set<ScanSource> awaited; ///< the sources that have not been looked at yet
-    Task finished;                ///< once, when every source has been looked at
-    std::vector<Subscription> subscriptions;
-    Lifetime lifetime;
+    Sources sources;
+    Lifetime lifetime; // last: goes first
 };
 
 } // namespace quorva

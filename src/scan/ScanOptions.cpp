@@ -1,20 +1,32 @@
 #include "scan/ScanOptions.h"
 
+#include "sources/Sources.h"
+
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <array>
+#include <set>
 
 namespace quorva {
 namespace {
 
-constexpr std::array everySource{ScanSource::process, ScanSource::calendar, ScanSource::meeting};
+/// "process, calendar and meeting", with this before the last one.
+std::string everySource(std::string_view beforeLast) {
+    std::string names;
+    for (const auto* const profile : sourceProfiles) {
+        const bool isLast = profile == sourceProfiles.back();
+        names += fmt::format("{}{}",
+                             names.empty() ? ""
+                             : isLast      ? beforeLast
+                                           : ", ",
+                             profile->name);
+    }
+    return names;
+}
 
-std::optional<ScanSource> sourceNamed(std::string_view name) {
-    const auto* const found =
-        std::find_if(everySource.begin(), everySource.end(),
-                     [&](ScanSource source) { return nameOf(source) == name; });
-    return found == everySource.end() ? std::nullopt : std::optional(*found);
+bool isSource(std::string_view name) {
+    return std::any_of(sourceProfiles.begin(), sourceProfiles.end(),
+                       [&](const SourceProfile* profile) { return profile->name == name; });
 }
 
 ParsedOptions wrong(std::string problem) {
@@ -23,24 +35,13 @@ ParsedOptions wrong(std::string problem) {
 
 } // namespace
 
-std::string_view nameOf(ScanSource source) {
-    switch (source) {
-    case ScanSource::process:
-        return "process";
-    case ScanSource::calendar:
-        return "calendar";
-    case ScanSource::meeting:
-        break;
-    }
-    return "meeting";
-}
-
-bool ScanOptions::asksFor(ScanSource source) const {
+bool ScanOptions::asksFor(std::string_view source) const {
     return std::find(sources.begin(), sources.end(), source) != sources.end();
 }
 
 ParsedOptions parseScanOptions(const std::vector<std::string_view>& arguments) {
     ScanOptions options;
+    std::set<std::string_view> named;
     for (auto at = arguments.begin(); at != arguments.end(); ++at) {
         constexpr std::string_view sourceOption = "--source";
         std::optional<std::string_view> source;
@@ -59,32 +60,31 @@ ParsedOptions parseScanOptions(const std::vector<std::string_view>& arguments) {
         else if (*at == sourceOption && at + 1 != arguments.end())
             source = *++at;
         else if (*at == sourceOption)
-            return wrong("--source needs the name of a source: process, calendar or meeting");
+            return wrong("--source needs the name of a source: " + everySource(" or "));
         else
             return wrong(fmt::format("there is no option \"{}\"", *at));
 
         if (!source)
             continue;
-        const auto known = sourceNamed(*source);
-        if (!known)
-            return wrong(fmt::format(
-                "there is no source \"{}\": the sources are process, calendar and meeting",
-                *source));
-        options.sources.push_back(*known);
+        if (!isSource(*source))
+            return wrong(fmt::format("there is no source \"{}\": the sources are {}", *source,
+                                     everySource(" and ")));
+        named.insert(*source);
         options.namesSources = true;
     }
     if (options.selfTest && options.watch)
         return wrong("--self-test and --watch don't go together");
-    if (options.sources.empty())
-        options.sources.assign(everySource.begin(), everySource.end());
-    std::sort(options.sources.begin(), options.sources.end());
-    options.sources.erase(std::unique(options.sources.begin(), options.sources.end()),
-                          options.sources.end());
+    for (const auto* const profile : sourceProfiles)
+        if (named.empty() || named.contains(profile->name))
+            options.sources.push_back(profile->name);
     return {.options = std::move(options), .problem = {}};
 }
 
-std::string_view scanUsage() {
-    return R"(Usage: quorva-scan [--json] [--watch | --self-test] [--source process|calendar|meeting]...
+std::string scanUsage() {
+    std::string names;
+    for (const auto* const profile : sourceProfiles)
+        names += fmt::format("{}{}", names.empty() ? "" : "|", profile->name);
+    return fmt::format(R"(Usage: quorva-scan [--json] [--watch | --self-test] [--source {}]...
 
 Looks once for AI note-takers, recorders and sales assistants, and says what it found.
 
@@ -101,7 +101,8 @@ Looks once for AI note-takers, recorders and sales assistants, and says what it 
 Exit status: 0 looked everywhere asked, nothing found; 1 something found; 2 wrong use or internal
 error; 3 nothing found, but a source could not be looked at. Of a self-test: 0 every link works;
 3 one is broken or could not be tried.
-)";
+)",
+                       names);
 }
 
 } // namespace quorva

@@ -8,22 +8,16 @@
 
 namespace quorva {
 
-/// Where quorva-scan can look.
-enum class ScanSource { process, calendar, meeting };
-
-/// The source's name on the command line and in the output.
-[[nodiscard]] std::string_view nameOf(ScanSource source);
-
 struct ScanOptions {
     bool json = false;
     bool watch = false;
     bool selfTest = false;
     bool help = false;
     bool version = false;
-    std::vector<ScanSource> sources; ///< each once, in the order of the enumeration
-    bool namesSources = false;       ///< the user has named them: consent to this one look
+    std::vector<std::string_view> sources; ///< their names, each once, in the order of all sources
+    bool namesSources = false;             ///< the user has named them: consent to this one look
 
-    [[nodiscard]] bool asksFor(ScanSource source) const;
+    [[nodiscard]] bool asksFor(std::string_view source) const;
 };
 
 struct ParsedOptions {
@@ -36,6 +30,6 @@ struct ParsedOptions {
 [[nodiscard]] ParsedOptions parseScanOptions(const std::vector<std::string_view>& arguments);
 
 /// How to use quorva-scan.
-[[nodiscard]] std::string_view scanUsage();
+[[nodiscard]] std::string scanUsage();
 
 } // namespace quorva

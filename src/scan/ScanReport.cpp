@@ -1,7 +1,6 @@
 #include "scan/ScanReport.h"
 
 #include "base/Text.h"
-#include "catalogue/CalendarBotDatabase.h"
 
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
@@ -13,48 +12,22 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-std::string_view nameOf(SourceStatus status) {
-    switch (status) {
-    case SourceStatus::ok:
+/// Source states as printed. What is not looked at wholly counts as unavailable.
+std::string_view nameOf(SourceState::Kind state) {
+    switch (state) {
+    case SourceState::Kind::ok:
         return "ok";
-    case SourceStatus::noAccess:
+    case SourceState::Kind::notAllowed:
         return "no-access";
-    case SourceStatus::unavailable:
-        break;
-    }
-    return "unavailable";
-}
-
-std::string_view howMatched(const DetectedBot& bot) {
-    switch (bot.method) {
-    case DetectionMethod::bundleIdentifier:
-        return "application identifier";
-    case DetectionMethod::processPath:
-        return "executable path";
     default:
-        return "name";
+        return "unavailable";
     }
-}
-
-/// What of an attendee gave the bot away.
-std::string_view howMatched(const CalendarBotDetection& invitation) {
-    if (invitation.category == BotCategory::unknown)
-        return "mailbox name";
-    return CalendarBotDatabase::shared().matchEmail(invitation.matchedEmail) ? "attendee's address"
-                                                                             : "attendee's name";
-}
-
-std::string matchedValue(const CalendarBotDetection& invitation) {
-    const bool isByName = howMatched(invitation) == "attendee's name";
-    return isByName ? invitation.matchedName.value_or("") : invitation.matchedEmail;
 }
 
 using Row = std::vector<std::string>;
 
-/// Rows as aligned columns, and an empty line; nothing when there is a heading only.
-std::string table(const std::vector<Row>& rows) {
-    if (rows.size() < 2)
-        return {};
+/// Rows as aligned columns, and an empty line.
+std::string aligned(const std::vector<Row>& rows) {
     std::vector<std::size_t> widths(rows.front().size());
     for (const auto& row : rows)
         for (std::size_t column = 0; column < row.size(); ++column)
@@ -68,86 +41,33 @@ std::string table(const std::vector<Row>& rows) {
     return text + "\n";
 }
 
-std::string processTable(const std::vector<DetectedBot>& bots) {
-    std::vector<Row> rows{
-        {"PRODUCT", "CATEGORY", "CONFIDENCE", "PROCESS", "MATCHED BY", "MATCHED VALUE"}};
-    for (const auto& bot : bots)
-        rows.push_back({bot.name, std::string(displayName(bot.category)),
-                        fmt::format("{} %", bot.confidence),
-                        fmt::format("{}", bot.processIdentifier), std::string(howMatched(bot)),
-                        printable(bot.matchedValue)});
-    return table(rows);
-}
-
-std::string invitationTable(const std::vector<CalendarBotDetection>& invitations, Time now) {
-    std::vector<Row> rows{
-        {"INVITED", "CATEGORY", "CONFIDENCE", "STARTS", "MATCHED BY", "MATCHED VALUE", "CALENDAR"}};
-    for (const auto& invitation : invitations) {
-        const auto start = invitation.timeUntilStartLabel(now);
-        rows.push_back({invitation.botName, std::string(displayName(invitation.category)),
-                        fmt::format("{} %", invitation.confidence),
-                        start == "now" ? start : "in " + start, std::string(howMatched(invitation)),
-                        printable(matchedValue(invitation)), printable(invitation.calendarName)});
+/// The list as a table; empty when nothing is in it.
+std::string table(const ScanReport::List& list, Time now) {
+    if (list.findings.empty())
+        return {};
+    std::vector<Row> rows{{list.kind->columns.begin(), list.kind->columns.end()}};
+    for (const auto& finding : list.findings) {
+        auto& row = rows.emplace_back();
+        for (const auto& cell : finding->cells(now))
+            row.push_back(printable(cell));
     }
-    return table(rows);
-}
-
-std::string participantTable(const std::vector<ParticipantBotDetection>& bots) {
-    std::vector<Row> rows{
-        {"IN A MEETING", "CATEGORY", "CONFIDENCE", "PLATFORM", "PARTICIPANT", "WINDOW"}};
-    for (const auto& bot : bots)
-        rows.push_back({printable(bot.botDisplayName), std::string(displayName(bot.category)),
-                        fmt::format("{} %", bot.confidence), bot.platformName,
-                        printable(bot.matchedParticipantName), printable(bot.windowTitle)});
-    return table(rows);
-}
-
-std::string nameOf(IndicatorType type) {
-    switch (type) {
-    case IndicatorType::cloudRecording:
-        return "Cloud recording";
-    case IndicatorType::aiCompanion:
-        return "AI Companion";
-    case IndicatorType::copilot:
-        return "Copilot";
-    case IndicatorType::transcription:
-        return "Transcription";
-    case IndicatorType::gemini:
-        return "Gemini";
-    case IndicatorType::recording:
-        break;
-    }
-    return "Recording";
-}
-
-std::string indicatorTable(const std::vector<RecordingIndicatorDetection>& indicators) {
-    std::vector<Row> rows{{"BANNER", "PLATFORM", "TEXT", "WINDOW"}};
-    for (const auto& indicator : indicators)
-        rows.push_back({nameOf(indicator.indicatorType), indicator.platformName,
-                        printable(indicator.indicatorText), printable(indicator.windowTitle)});
-    return table(rows);
-}
-
-template <typename Detection>
-Json describeEach(const std::vector<Detection>& detections) {
-    Json list = Json::array();
-    for (const auto& detection : detections)
-        list.push_back(describe(detection));
-    return list;
+    return aligned(rows);
 }
 
 } // namespace
 
 std::size_t ScanReport::found() const {
-    return processes.size() + invitations.size() + participants.size() + indicators.size();
+    std::size_t count = 0;
+    for (const auto& list : lists)
+        count += list.findings.size();
+    return count;
 }
 
 int ScanReport::exitStatus() const {
     if (found() > 0)
         return 1;
-    const bool isComplete = std::all_of(sources.begin(), sources.end(), [](const auto& report) {
-        return report.status == SourceStatus::ok;
-    });
+    const bool isComplete = std::all_of(sources.begin(), sources.end(),
+                                        [](const auto& report) { return report.isOk(); });
     return isComplete ? 0 : 3;
 }
 
@@ -155,23 +75,26 @@ Json ScanReport::toJson() const {
     const int status = exitStatus();
     Json looked = Json::object();
     for (const auto& report : sources)
-        looked[std::string(quorva::nameOf(report.source))] = {{"status", nameOf(report.status)},
-                                                              {"detail", report.detail}};
+        looked[std::string(report.source)] = {{"status", nameOf(report.state)},
+                                              {"detail", report.detail}};
+    Json detections = Json::object();
+    for (const auto& list : lists) {
+        auto& described = detections[std::string(list.kind->name)] = Json::array();
+        for (const auto& finding : list.findings)
+            described.push_back(finding->fields());
+    }
     return {{"version", 1},
             {"verdict", status == 1   ? "found"
                         : status == 3 ? "incomplete"
                                       : "clear"},
             {"sources", std::move(looked)},
-            {"detections",
-             {{"process", describeEach(processes)},
-              {"calendar", describeEach(invitations)},
-              {"participants", describeEach(participants)},
-              {"indicators", describeEach(indicators)}}}};
+            {"detections", std::move(detections)}};
 }
 
 std::string ScanReport::toText() const {
-    std::string text = processTable(processes) + invitationTable(invitations, lookedAt) +
-                       participantTable(participants) + indicatorTable(indicators);
+    std::string text;
+    for (const auto& list : lists)
+        text += table(list, lookedAt);
     switch (exitStatus()) {
     case 0:
         text += "Nothing found.\n";
@@ -183,64 +106,16 @@ std::string ScanReport::toText() const {
         text += "Nothing found, but not everything could be looked at.\n";
     }
     for (const auto& report : sources)
-        text += fmt::format("  {:<8}  {:<11}  {}\n", quorva::nameOf(report.source),
-                            nameOf(report.status), printable(report.detail));
+        text += fmt::format("  {:<8}  {:<11}  {}\n", report.source, nameOf(report.state),
+                            printable(report.detail));
     return text;
 }
 
-Json describe(const DetectedBot& bot) {
-    return {{"id", bot.id},
-            {"signatureId", bot.signatureId},
-            {"name", bot.name},
-            {"category", rawValue(bot.category)},
-            {"confidence", bot.confidence},
-            {"method", rawValue(bot.method)},
-            {"processIdentifier", bot.processIdentifier},
-            {"matchedValue", bot.matchedValue},
-            {"detectedAt", iso8601(bot.detectedAt)}};
-}
-
-Json describe(const CalendarBotDetection& invitation) {
-    return {{"id", invitation.id},
-            {"signatureId", invitation.signatureId},
-            {"botName", invitation.botName},
-            {"category", rawValue(invitation.category)},
-            {"confidence", invitation.confidence},
-            {"matchedEmail", invitation.matchedEmail},
-            {"matchedName", invitation.matchedName ? Json(*invitation.matchedName) : Json()},
-            {"eventTitle", invitation.eventTitle},
-            {"eventStartDate", iso8601(invitation.eventStartDate)},
-            {"eventEndDate", iso8601(invitation.eventEndDate)},
-            {"eventIdentifier", invitation.eventIdentifier},
-            {"calendarName", invitation.calendarName},
-            {"detectedAt", iso8601(invitation.detectedAt)}};
-}
-
-Json describe(const ParticipantBotDetection& bot) {
-    return {{"id", bot.id},
-            {"platformName", bot.platformName},
-            {"matchedParticipantName", bot.matchedParticipantName},
-            {"botPatternMatched", bot.botPatternMatched},
-            {"botDisplayName", bot.botDisplayName},
-            {"category", rawValue(bot.category)},
-            {"confidence", bot.confidence},
-            {"windowTitle", bot.windowTitle},
-            {"detectedAt", iso8601(bot.detectedAt)}};
-}
-
-Json describe(const RecordingIndicatorDetection& indicator) {
-    return {{"id", indicator.id},
-            {"platformName", indicator.platformName},
-            {"indicatorText", indicator.indicatorText},
-            {"indicatorType", rawValue(indicator.indicatorType)},
-            {"windowTitle", indicator.windowTitle},
-            {"detectedAt", iso8601(indicator.detectedAt)}};
-}
-
-std::string watchLine(std::string_view event, ScanSource source, const Json& detection, Time at) {
+std::string watchLine(std::string_view event, std::string_view source, const Finding& finding,
+                      Time at) {
     return dump({{"event", event},
-                 {"source", nameOf(source)},
-                 {"detection", detection},
+                 {"source", source},
+                 {"detection", finding.fields()},
                  {"at", iso8601(at)}});
 }
 

@@ -2,38 +2,38 @@
 // values and pure functions.
 #pragma once
 
-#include "catalogue/Records.h"
-#include "scan/ScanOptions.h"
+#include "base/Time.h"
+#include "sources/Finding.h"
+#include "sources/SourceState.h"
 
 #include <nlohmann/json_fwd.hpp>
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace quorva {
 
-/// Whether a source could be looked at.
-enum class SourceStatus {
-    ok,
-    noAccess,    ///< it is there, but may not be read
-    unavailable, ///< it is not there
-};
-
 struct SourceReport {
-    ScanSource source = ScanSource::process;
-    SourceStatus status = SourceStatus::unavailable;
-    std::string detail; ///< a sentence: what was looked at, or why it was not and what helps
+    std::string_view source; ///< its name
+    SourceState::Kind state = SourceState::Kind::notAvailable;
+    std::string detail; ///< one line: what was looked at, or why it was not, and what helps
 
     bool operator==(const SourceReport&) const = default;
+
+    [[nodiscard]] bool isOk() const { return state == SourceState::Kind::ok; }
 };
 
 struct ScanReport {
+    /// The findings of one kind.
+    struct List {
+        const FindingKind* kind;
+        Findings findings;
+    };
+
     std::vector<SourceReport> sources; ///< those asked for
     Time lookedAt;
-    std::vector<DetectedBot> processes;
-    std::vector<CalendarBotDetection> invitations;
-    std::vector<ParticipantBotDetection> participants;
-    std::vector<RecordingIndicatorDetection> indicators;
+    std::vector<List> lists; ///< one for each kind of each source, asked for or not
 
     /// 1 when something was found; else 3 when a source could not be looked at; else 0.
     [[nodiscard]] int exitStatus() const;
@@ -49,17 +49,11 @@ private:
     [[nodiscard]] std::size_t found() const;
 };
 
-/// A detection with the fields of its record, enumerations as raw values, dates as ISO 8601 UTC.
-[[nodiscard]] nlohmann::ordered_json describe(const DetectedBot& bot);
-[[nodiscard]] nlohmann::ordered_json describe(const CalendarBotDetection& invitation);
-[[nodiscard]] nlohmann::ordered_json describe(const ParticipantBotDetection& bot);
-[[nodiscard]] nlohmann::ordered_json describe(const RecordingIndicatorDetection& indicator);
-
 /// One line of a watch, without a line feed.
-[[nodiscard]] std::string watchLine(std::string_view event, ScanSource source,
-                                    const nlohmann::ordered_json& detection, Time at);
+[[nodiscard]] std::string watchLine(std::string_view event, std::string_view source,
+                                    const Finding& finding, Time at);
 
-/// JSON in one line; bytes that are no UTF-8 become replacement characters.
+/// JSON in one line; bytes that are not UTF-8 become replacement characters.
 [[nodiscard]] std::string dump(const nlohmann::ordered_json& json);
 
 } // namespace quorva

@@ -1,6 +1,7 @@
 #include "scan/SelfTestReport.h"
 
 #include "base/Text.h"
+#include "sources/Sources.h"
 
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
@@ -15,13 +16,13 @@ using Json = nlohmann::ordered_json;
 std::string_view nameOf(DrillLink link) {
     switch (link) {
     case DrillLink::process:
-        return nameOf(ScanSource::process);
+        return processProfile.name;
     case DrillLink::calendar:
-        return nameOf(ScanSource::calendar);
+        return invitationProfile.name;
     case DrillLink::meeting:
         break;
     }
-    return nameOf(ScanSource::meeting);
+    return meetingProfile.name;
 }
 
 std::string_view statusOf(const DrillFinding& finding) {
@@ -30,13 +31,12 @@ std::string_view statusOf(const DrillFinding& finding) {
 
 } // namespace
 
-std::vector<DrillLink> linksOf(const std::vector<ScanSource>& sources) {
+std::vector<DrillLink> linksOf(const std::vector<std::string_view>& sources) {
     std::vector<DrillLink> links;
-    links.reserve(sources.size());
     for (const auto source : sources)
-        links.push_back(source == ScanSource::process    ? DrillLink::process
-                        : source == ScanSource::calendar ? DrillLink::calendar
-                                                         : DrillLink::meeting);
+        for (const auto link : {DrillLink::process, DrillLink::calendar, DrillLink::meeting})
+            if (nameOf(link) == source)
+                links.push_back(link);
     return links;
 }
 

@@ -13,7 +13,7 @@
 namespace quorva {
 
 /// The links of these sources.
-[[nodiscard]] std::vector<DrillLink> linksOf(const std::vector<ScanSource>& sources);
+[[nodiscard]] std::vector<DrillLink> linksOf(const std::vector<std::string_view>& sources);
 
 /// A line about one link, with a line feed: its steps, the broken one with what helps.
 [[nodiscard]] std::string describeLink(const DrillFinding& finding);

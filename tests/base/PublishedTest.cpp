@@ -10,20 +10,29 @@ namespace {
 using namespace std::chrono_literals;
 using testing::ElementsAre;
 
+/// The only one who may change its field.
+struct Counter {
+    Published<int, Counter> field{1};
+    void set(int next) { field = next; }
+};
+
 TEST(Published, tellsThePresentValueThenEachNextOneBeforeItChanges) {
-    Published<int> field(1);
+    Counter counter;
     std::vector<int> told;
     int heldWhenTold = 0;
-    auto subscription = field.observe([&](int next) {
+    int changes = 0;
+    auto subscription = counter.field.observe([&](int next) {
         told.push_back(next);
-        heldWhenTold = field;
+        heldWhenTold = counter.field;
     });
-    field = 2;
+    const auto changing = counter.field.observeChanges([&] { ++changes; });
+    counter.set(2);
     EXPECT_EQ(heldWhenTold, 1);
-    field = 2;
+    counter.set(2);
     subscription.reset();
-    field = 3;
+    counter.set(3);
     EXPECT_THAT(told, ElementsAre(1, 2, 2));
+    EXPECT_EQ(changes, 2) << "an equal value is not a change";
 }
 
 TEST(Published, deliversOnTheLoopUntilTheSubscriptionEnds) {
@@ -31,17 +40,17 @@ TEST(Published, deliversOnTheLoopUntilTheSubscriptionEnds) {
     std::vector<int> told;
     Subscription subscription;
     {
-        Published<int> field(1);
-        subscription = field.observeOn(loop, [&](int next) { told.push_back(next); });
-        field = 2;
+        Counter counter;
+        subscription = counter.field.observeOn(loop, [&](int next) { told.push_back(next); });
+        counter.set(2);
         EXPECT_THAT(told, testing::IsEmpty());
         loop.runPosted();
         EXPECT_THAT(told, ElementsAre(1, 2));
-        field = 3;
+        counter.set(3);
         subscription.reset();
-        field = 4;
+        counter.set(4);
         loop.runPosted();
-        subscription = field.observeOn(loop, [&](int next) { told.push_back(next); });
+        subscription = counter.field.observeOn(loop, [&](int next) { told.push_back(next); });
     }
     loop.runPosted();
     EXPECT_THAT(told, ElementsAre(1, 2, 4)) << "told of what was posted while it was subscribed";

@@ -7,13 +7,14 @@ namespace {
 
 TEST_F(AppStateTest, watchesAllSourcesAtTheFirstStart) {
     auto& app = start();
-    EXPECT_TRUE(app.isMonitoring && app.isCalendarMonitoring && app.isParticipantMonitoring);
-    EXPECT_TRUE(app.permissions.hasCalendarAccess && !app.hasActiveThreats);
+    EXPECT_TRUE(app.isMonitoring && app.sources.calendar.isWatching() &&
+                app.sources.meeting.isWatching());
+    EXPECT_TRUE(app.permissions.hasCalendarAccess() && !app.hasActiveThreats());
     EXPECT_EQ(computer.log.count("startMonitoring: process=on calendar=true participant=true"), 1U);
     app.startMonitoring();
     EXPECT_EQ(computer.log.count("startMonitoring"), 1U);
     EXPECT_EQ(app.stateText(), "All Clear");
-    EXPECT_THAT(*app.limitations, IsEmpty());
+    EXPECT_THAT(*app.limitations.all, IsEmpty());
 }
 
 TEST_F(AppStateTest, startsOnlyWhatMayLook) {
@@ -30,7 +31,7 @@ TEST_F(AppStateTest, startsOnlyWhatMayLook) {
 TEST_F(AppStateTest, recordsABotBeforeItTellsOfIt) {
     auto& app = start();
     computer.startOtter();
-    app.processMonitor.scan();
+    app.sources.process.monitor.scan();
     EXPECT_THAT(titles(), IsEmpty());
     computer.loop.runPosted();
 
@@ -41,7 +42,7 @@ TEST_F(AppStateTest, recordsABotBeforeItTellsOfIt) {
     EXPECT_EQ(shown.body, "Otter.ai (Transcription) is running on your Mac");
     EXPECT_TRUE(shown.hasSound);
     EXPECT_EQ(*app.alertPanel.alert, (BotAlert{"Otter.ai", "macOS", "Transcription"}));
-    EXPECT_TRUE(app.hasActiveThreats);
+    EXPECT_TRUE(app.hasActiveThreats());
     EXPECT_EQ(app.stateText(), "1 Bot Detected");
 
     computer.processTable.end(100);
@@ -51,7 +52,7 @@ TEST_F(AppStateTest, recordsABotBeforeItTellsOfIt) {
     EXPECT_EQ(gone.identifier, "bot-gone-otter");
     EXPECT_FALSE(gone.hasSound);
     EXPECT_EQ(gone.categoryIdentifier, "");
-    EXPECT_FALSE(app.hasActiveThreats);
+    EXPECT_FALSE(app.hasActiveThreats());
     EXPECT_THAT(history(), testing::SizeIs(1));
     EXPECT_THAT(computer.notifications.delivered, testing::SizeIs(2)); // nothing is withdrawn
 }
@@ -65,6 +66,11 @@ TEST_F(AppStateTest, tellsOfInvitationsParticipantsAndBanners) {
     EXPECT_THAT(titles(), testing::UnorderedElementsAre("Bot Invited to Upcoming Meeting",
                                                         "AI Recorder Found in Zoom",
                                                         "Meeting Being Recorded"));
+    EXPECT_THAT(identifiers(),
+                testing::UnorderedElementsAre("cal-bot-otter-cal-E1",
+                                              "participant-bot-Zoom-otter.ai notetaker",
+                                              "recording-indicator-Zoom-this meeting is being "
+                                              "recorded"));
     EXPECT_THAT(history(), testing::UnorderedElementsAre("Otter.ai/calendarAttendee",
                                                          "Otter.ai/participantList",
                                                          "recording/recordingIndicator"));
@@ -76,7 +82,7 @@ TEST_F(AppStateTest, tellsOfInvitationsParticipantsAndBanners) {
     }
     EXPECT_EQ(app.totalThreatCount(), 3U);
     EXPECT_EQ(app.stateText(), "3 Bots Detected");
-    EXPECT_EQ(app.activeMeetingPlatform.get(), "Zoom");
+    EXPECT_EQ(app.sources.meeting.monitor.activeMeetingPlatform.get(), "Zoom");
 }
 
 TEST_F(AppStateTest, recordsSilentlyWhereTheUserWantsNoNotifications) {
@@ -103,14 +109,14 @@ TEST_F(AppStateTest, hidesWhatTheUserAllows) {
     EXPECT_EQ(app.totalThreatCount(), 2U);
 
     app.removeFromAllowList("otter");
-    EXPECT_THAT(*app.detectedBots, testing::SizeIs(1));
+    EXPECT_THAT(listed(processFindings), testing::SizeIs(1));
     app.allow("otter-cal");
-    EXPECT_THAT(*app.calendarDetections, IsEmpty());
-    EXPECT_EQ(AllowList::describe("otter"), "Otter.ai, on this computer");
-    EXPECT_EQ(AllowList::describe("otter-cal"), "Otter.ai, in invitations");
+    EXPECT_THAT(listed(invitationFindings), IsEmpty());
+    EXPECT_EQ(app.sources.describe("otter"), "Otter.ai, on this computer");
+    EXPECT_EQ(app.sources.describe("otter-cal"), "Otter.ai, in invitations");
     start();
-    EXPECT_THAT(*state->calendarDetections, IsEmpty());
-    EXPECT_THAT(*state->detectedBots, testing::SizeIs(1));
+    EXPECT_THAT(listed(invitationFindings), IsEmpty());
+    EXPECT_THAT(listed(processFindings), testing::SizeIs(1));
 }
 
 TEST_F(AppStateTest, showsAtStartWhatIsThereWhateverTheSettingsSay) {
@@ -154,14 +160,14 @@ TEST_F(AppStateTest, startsAndStopsAMonitorWithItsSwitch) {
     auto& app = start();
     app.toggleCalendarMonitor();
     app.toggleParticipantMonitor();
-    EXPECT_FALSE(app.calendarMonitor.isMonitoring || app.participantMonitor.isMonitoring);
+    EXPECT_FALSE(app.sources.calendar.isWatching() || app.sources.meeting.isWatching());
     EXPECT_EQ(computer.preferences.read<bool>("calendarMonitorEnabled").value, false);
     start().stopMonitoring();
     state->toggleCalendarMonitor(); // on again, but monitoring is off as a whole
-    EXPECT_FALSE(state->calendarMonitor.isMonitoring);
+    EXPECT_FALSE(state->sources.calendar.isWatching());
     state->startMonitoring();
-    EXPECT_TRUE(state->calendarMonitor.isMonitoring);
-    EXPECT_FALSE(state->participantMonitor.isMonitoring);
+    EXPECT_TRUE(state->sources.calendar.isWatching());
+    EXPECT_FALSE(state->sources.meeting.isWatching());
 }
 
 TEST_F(AppStateTest, keepsTheListsWhenItStopsWatching) {
@@ -170,11 +176,11 @@ TEST_F(AppStateTest, keepsTheListsWhenItStopsWatching) {
     app.stopMonitoring();
     computer.processTable.end(100);
     computer.loop.advance(60s);
-    EXPECT_THAT(*app.detectedBots, testing::SizeIs(1));
+    EXPECT_THAT(listed(processFindings), testing::SizeIs(1));
     EXPECT_EQ(app.stateText(), "Monitoring Off");
     app.refreshAllScans(); // looks anew, without the grace of what was seen before
     computer.loop.runPosted();
-    EXPECT_THAT(*app.detectedBots, IsEmpty());
+    EXPECT_THAT(listed(processFindings), IsEmpty());
 }
 
 TEST_F(AppStateTest, staysCalmAfterEightHoursAsleep) {
@@ -196,10 +202,10 @@ TEST_F(AppStateTest, staysCalmAfterEightHoursAsleep) {
 TEST_F(AppStateTest, keepsUpWithMoreDetectionsThanItRemembers) {
     auto& app = start();
     for (int index = 0; index < 1'500; ++index)
-        app.processMonitor.onBotDetected({.id = fmt::format("otter-{}", index),
-                                          .signatureId = "otter",
-                                          .name = fmt::format("Otter {}", index),
-                                          .detectedAt = computer.loop.now()});
+        app.sources.process.monitor.onBotDetected({.id = fmt::format("otter-{}", index),
+                                                   .signatureId = "otter",
+                                                   .name = fmt::format("Otter {}", index),
+                                                   .detectedAt = computer.loop.now()});
     computer.loop.runPosted();
     EXPECT_THAT(*app.detectionLog.records, testing::SizeIs(500));
     EXPECT_EQ(app.detectionLog.records->front().botName, "Otter 1000");

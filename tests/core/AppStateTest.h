@@ -34,11 +34,25 @@ protected:
             shown.push_back(request.title);
         return shown;
     }
+    [[nodiscard]] std::vector<std::string> identifiers() const {
+        std::vector<std::string> shown;
+        for (const auto& request : computer.notifications.posted)
+            shown.push_back(request.identifier);
+        return shown;
+    }
     [[nodiscard]] std::vector<std::string> history() const {
         std::vector<std::string> names;
         for (const auto& event : *state->detectionLog.records)
             names.push_back(event.botName + "/" + event.method);
         return names;
+    }
+    /// What is listed of this kind.
+    [[nodiscard]] Findings listed(const FindingKind& kind) const {
+        Findings found;
+        for (const auto& finding : *state->findings)
+            if (&finding->kind() == &kind)
+                found.push_back(finding);
+        return found;
     }
     [[nodiscard]] std::string stored(std::string_view key) const {
         return computer.preferences.read<PreferenceData>(key)

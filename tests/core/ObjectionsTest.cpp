@@ -35,7 +35,7 @@ TEST_F(ObjectionsTest, copiesSpeaksAndRecords) {
     computer.loop.advance(0.2s);
     EXPECT_FALSE(app.objections.showingObjectionToast);
 
-    app.objections.selectedTemplate = ObjectionTemplate::brief;
+    app.objections.selectTemplate(ObjectionTemplate::brief);
     app.fileObjection({});
     EXPECT_EQ(computer.speech.cutOff, 1);
     EXPECT_EQ(computer.clipboard.text.size(), 66U);

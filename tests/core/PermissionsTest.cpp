@@ -12,10 +12,10 @@ using PermissionsTest = AppStateTest;
 TEST_F(PermissionsTest, noticesAccessibilityBeingSwitchedOnElsewhere) {
     computer.accessibility.isOn = false;
     auto& app = start();
-    EXPECT_TRUE(app.permissions.isRechecking() && !app.isParticipantMonitoring);
+    EXPECT_TRUE(app.permissions.isRechecking() && !app.sources.meeting.isWatching());
     computer.accessibility.isOn = true; // and the bus says nothing
     computer.loop.advance(5s);
-    EXPECT_TRUE(app.permissions.hasAccessibilityPermission && app.isParticipantMonitoring);
+    EXPECT_TRUE(app.permissions.hasAccessibilityPermission() && app.sources.meeting.isWatching());
     EXPECT_FALSE(app.permissions.isRechecking());
     EXPECT_EQ(computer.log.count("Accessibility permission observed granted"), 1U);
 
@@ -31,11 +31,11 @@ TEST_F(PermissionsTest, switchesAccessibilityOnAtTheUsersWish) {
     auto& app = start();
     computer.accessibility.grantsTrust = false;
     app.permissions.requestAccessibilityPermission();
-    EXPECT_FALSE(app.permissions.hasAccessibilityPermission);
+    EXPECT_FALSE(app.permissions.hasAccessibilityPermission());
     computer.accessibility.grantsTrust = true;
     app.permissions.requestAccessibilityPermission();
     computer.loop.runPosted();
-    EXPECT_TRUE(app.isParticipantMonitoring);
+    EXPECT_TRUE(app.sources.meeting.isWatching());
 }
 
 TEST_F(PermissionsTest, asksForTheCalendarsAndClosesTheWindowAfterAGrant) {
@@ -51,15 +51,15 @@ TEST_F(PermissionsTest, asksForTheCalendarsAndClosesTheWindowAfterAGrant) {
     app.showCalendarPermissionWindow();
     computer.calendars.status = CalendarAuthorization::fullAccess;
     computer.loop.advance(0.6s);
-    EXPECT_TRUE(app.permissions.hasCalendarAccess && app.isCalendarMonitoring);
+    EXPECT_TRUE(app.permissions.hasCalendarAccess() && app.sources.calendar.isWatching());
     EXPECT_TRUE(app.calendarWindow);
     computer.loop.advance(0.8s);
     EXPECT_FALSE(app.calendarWindow);
 
-    EXPECT_TRUE(app.permissions.needsCalendarAccountSetup);
+    EXPECT_TRUE(app.permissions.needsCalendarAccountSetup());
     computer.calendars.accounts.push_back({"ann@gmail.com", CalendarSourceType::calDAV});
     computer.calendars.changes.call();
-    EXPECT_FALSE(app.permissions.needsCalendarAccountSetup);
+    EXPECT_FALSE(app.permissions.needsCalendarAccountSetup());
     EXPECT_THAT(*app.permissions.calendarAccountNames, ElementsAre("Work", "ann@gmail.com"));
 }
 
@@ -67,9 +67,10 @@ TEST_F(PermissionsTest, looksAtTheSoundDevicesOnce) {
     computer.audioDevices.devices = std::vector<AudioDevice>{
         {1, std::nullopt}, {2, "Speakers"}, {7, "BLACKHOLE 2ch"}, {8, "BlackHole 16ch", true}};
     auto& app = start();
-    EXPECT_TRUE(app.permissions.isBlackHoleInstalled && app.permissions.hasMicrophonePermission);
+    EXPECT_TRUE(app.permissions.blackHoleDetector.isInstalled &&
+                app.permissions.blackHoleDetector.hasMicrophone);
     computer.audioDevices.devices = std::nullopt;
-    EXPECT_FALSE(start().permissions.isBlackHoleInstalled);
+    EXPECT_FALSE(start().permissions.blackHoleDetector.isInstalled);
     BlackHoleDetector none(computer.audioDevices);
     EXPECT_FALSE(none.blackHoleDeviceID->has_value());
     computer.audioDevices.devices = std::vector<AudioDevice>{{3, "My BlackHole"}, {4, "blackhole"}};
@@ -82,45 +83,77 @@ TEST_F(PermissionsTest, saysWhatIsMissingAndWhatThatCosts) {
     computer.processTable.canBeListed = false;
     computer.calendars.unread = {{"Work", "it does not answer"}};
     auto& app = start();
-    app.hasTray = false;
+    app.limitations.setTray(false);
     computer.loop.runPosted();
-    std::vector<LimitedPart> parts;
-    for (const auto& limitation : *app.limitations)
+    std::vector<std::string> parts;
+    for (const auto& limitation : *app.limitations.all)
         parts.push_back(limitation.part);
     EXPECT_THAT(parts,
-                ElementsAre(LimitedPart::processes, LimitedPart::calendars,
-                            LimitedPart::notifications, LimitedPart::speech, LimitedPart::tray));
+                ElementsAre("process", "calendar", "meeting", "notifications", "speech", "tray"));
     EXPECT_EQ(computer.log.count("Objections are not spoken: No speech service is installed."), 1U);
-    EXPECT_EQ(app.stateText(), "All Clear, but not seen: this computer, calendars");
+    EXPECT_EQ(app.stateText(), "All Clear, but not seen: this computer, calendars, meetings");
 
     computer.speech.fault.reset();
     computer.speech.faultChanges.call();
     computer.notifications.become({NotificationService::State::present, false});
     computer.loop.runPosted();
     EXPECT_EQ(computer.log.count("No longer so: Objections are not spoken"), 1U);
-    EXPECT_EQ(app.limitations->at(2).text,
+    EXPECT_EQ(app.limitations.all->at(3).text,
               "The notification server shows no buttons: object from Quorva's menu.");
     computer.notifications.become({NotificationService::State::silent, false});
     computer.loop.runPosted();
-    EXPECT_THAT(app.limitations->at(2).text, testing::HasSubstr("does not answer"));
-    app.settings.showNotifications = false;
+    EXPECT_THAT(app.limitations.all->at(3).text, testing::HasSubstr("does not answer"));
+    app.settings.set(&Settings::showNotifications, false);
     app.toggleCalendarMonitor(); // what is switched off is not missing
     app.stopMonitoring();
     computer.loop.runPosted();
-    EXPECT_THAT(*app.limitations, testing::SizeIs(1));
+    EXPECT_THAT(*app.limitations.all, testing::SizeIs(1));
 }
 
-TEST(Limitations, nameThreeWindowsAndSayHowManyMoreThereAre) {
-    CapabilityFacts facts{.isMonitoring = true,
-                          .participantMonitorEnabled = true,
-                          .hasAccessibilityPermission = true};
-    for (const auto* const name : {"Zoom", "Slack", "Web\nex", "Teams", "Meet"})
-        facts.meetings.unread.push_back({.applicationName = name, .problem = "no answer"});
-    const auto found = limitations(facts);
-    ASSERT_EQ(found.size(), 1U);
-    EXPECT_EQ(found[0].text,
+TEST_F(PermissionsTest, namesThreeWindowsAndSaysHowManyMoreThereAre) {
+    auto process = ProcessIdentifier{500};
+    for (const auto* const name : {"Zoom", "Slack", "Web\nex", "Teams", "Meet"}) {
+        computer.applications.running.push_back({"us.zoom.xos", name, std::nullopt, process});
+        computer.accessibility.applications[process++].problem = "no answer";
+    }
+    auto& app = start();
+    computer.loop.advance(1s);
+    ASSERT_EQ(app.limitations.all->size(), 1U);
+    EXPECT_EQ(app.limitations.all->at(0).text,
               "Windows that can't be looked at: Zoom (no answer), Slack (no answer), "
               "Web\\nex (no answer) and 2 more. Bots in their meetings are not seen.");
+}
+
+/// Every source goes from what it is not allowed to look at through looking to its verdict.
+TEST_F(PermissionsTest, aSourceHasOneStateAtATime) {
+    using enum SourceState::Kind;
+    computer.calendars.status = CalendarAuthorization::denied;
+    computer.calendars.answersAtOnce = false;
+    computer.accessibility.isOn = false;
+    auto& app = start();
+    const auto states = [&] {
+        std::vector<SourceState::Kind> kinds;
+        for (const auto* const source : app.sources)
+            kinds.push_back(source->state->kind);
+        return kinds;
+    };
+    EXPECT_THAT(states(), ElementsAre(ok, notAllowed, notAllowed));
+    computer.calendars.status = CalendarAuthorization::fullAccess;
+    computer.accessibility.isOn = true;
+    app.permissions.refresh();
+    computer.loop.runPosted();
+    EXPECT_THAT(states(), ElementsAre(ok, looking, ok));
+    EXPECT_EQ(app.stateText(), "All Clear");
+    computer.calendars.unread = {{"Work", "it does not answer"}};
+    computer.calendars.answerFetch();
+    computer.loop.runPosted();
+    EXPECT_THAT(states(), ElementsAre(ok, partlyBlind, ok));
+    computer.calendars.status = CalendarAuthorization::restricted;
+    app.permissions.refresh();
+    app.toggleParticipantMonitor();
+    computer.loop.runPosted();
+    EXPECT_THAT(states(), ElementsAre(ok, notAvailable, off));
+    EXPECT_EQ(app.stateText(), "All Clear, but not seen: calendars");
 }
 
 TEST_F(PermissionsTest, leadsTheFirstRunToMonitoring) {

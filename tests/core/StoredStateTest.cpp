@@ -88,7 +88,7 @@ TEST_F(StoredStateTest, keepsAHistoryOfAnotherVersionsShape) {
 TEST_F(StoredStateTest, followsTheLoginItem) {
     computer.loginItem.state = LoginItemStatus::enabled;
     EXPECT_TRUE(start().settings.launchAtLogin);
-    state->settings.launchAtLogin = false;
+    state->settings.set(&Settings::launchAtLogin, false);
     computer.loginItem.error = "no space left";
     state->saveSettings();
     EXPECT_EQ(computer.log.count("SMAppService error: no space left"), 1U);

@@ -21,14 +21,13 @@ using testing::HasSubstr;
 TEST(ScanOptions, namesEverySourceOnceAndAllWhenNoneIsNamed) {
     const auto all = parseScanOptions({});
     ASSERT_TRUE(all.options);
-    EXPECT_THAT(all.options->sources,
-                ElementsAre(ScanSource::process, ScanSource::calendar, ScanSource::meeting));
+    EXPECT_THAT(all.options->sources, ElementsAre("process", "calendar", "meeting"));
     const auto some =
         parseScanOptions({"--json", "--source", "meeting", "--source=process", "--source=meeting"});
     ASSERT_TRUE(some.options);
     EXPECT_TRUE(some.options->json);
     EXPECT_FALSE(some.options->watch);
-    EXPECT_THAT(some.options->sources, ElementsAre(ScanSource::process, ScanSource::meeting));
+    EXPECT_THAT(some.options->sources, ElementsAre("process", "meeting"));
 }
 
 TEST(ScanOptions, sayWhatIsWrong) {
@@ -43,7 +42,7 @@ class ScanTest : public testing::Test {
 protected:
     ScanTest() { table.run(1, "/sbin/init"); }
 
-    static ScanOptions only(ScanSource source) {
+    static ScanOptions only(std::string_view source) {
         return {.sources = {source}, .namesSources = true};
     }
 
@@ -84,9 +83,9 @@ protected:
                                       digest.begin());
                           return digest;
                       }};
-    const ScanOptions processOnly = only(ScanSource::process);
-    const ScanOptions calendarOnly = only(ScanSource::calendar);
-    const ScanOptions meetingOnly = only(ScanSource::meeting);
+    const ScanOptions processOnly = only("process");
+    const ScanOptions calendarOnly = only("calendar");
+    const ScanOptions meetingOnly = only("meeting");
 };
 
 TEST_F(ScanTest, tellsClearFoundAndIncompleteApart) {
@@ -138,7 +137,7 @@ TEST_F(ScanTest, findsInvitationsAndSaysWhatGaveThemAway) {
 TEST_F(ScanTest, saysWhyCalendarsCouldNotBeLookedAt) {
     calendars.status = CalendarAuthorization::notDetermined;
     const auto unasked = look(calendarOnly);
-    EXPECT_EQ(unasked.sources.at(0).status, SourceStatus::noAccess);
+    EXPECT_EQ(unasked.sources.at(0).state, SourceState::Kind::notAllowed);
     EXPECT_THAT(unasked.sources.at(0).detail, HasSubstr("--source calendar"));
     EXPECT_TRUE(calendars.fetches.empty());
 
@@ -150,7 +149,7 @@ TEST_F(ScanTest, saysWhyCalendarsCouldNotBeLookedAt) {
     calendars.status = CalendarAuthorization::fullAccess;
     calendars.unread = {{"Team", "no answer"}};
     const auto partly = look(calendarOnly);
-    EXPECT_EQ(partly.exitStatus(), 3) << "nothing found in a part is no all clear";
+    EXPECT_EQ(partly.exitStatus(), 3) << "nothing found in a part is not an all clear";
     EXPECT_EQ(partly.sources.at(0).detail, "calendars that can't be read: 1 of 2; Team: no answer");
 }
 
@@ -165,7 +164,7 @@ TEST_F(ScanTest, learnsThatThereAreNoCalendarsOnlyWhenTheyAnswer) {
     calendars.answerFetch();
     loop.runPosted();
     ASSERT_TRUE(report);
-    EXPECT_EQ(report->sources.at(0).status, SourceStatus::unavailable);
+    EXPECT_EQ(report->sources.at(0).state, SourceState::Kind::notAvailable);
 }
 
 TEST_F(ScanTest, findsNoteTakersAndBannersInMeetings) {
@@ -197,7 +196,7 @@ TEST_F(ScanTest, saysWhyMeetingsCouldNotBeLookedAt) {
     tree.isOn = false;
     const auto off = look(meetingOnly);
     EXPECT_EQ(off.exitStatus(), 3);
-    EXPECT_EQ(off.sources.at(0).status, SourceStatus::noAccess);
+    EXPECT_EQ(off.sources.at(0).state, SourceState::Kind::notAllowed);
     EXPECT_THAT(off.sources.at(0).detail, HasSubstr("toolkit-accessibility true"));
 
     tree.isOn = true;
@@ -208,7 +207,7 @@ TEST_F(ScanTest, saysWhyMeetingsCouldNotBeLookedAt) {
     EXPECT_EQ(partly.exitStatus(), 3);
     EXPECT_EQ(
         partly.sources.at(0),
-        (SourceReport{ScanSource::meeting, SourceStatus::unavailable,
+        (SourceReport{"meeting", SourceState::Kind::partlyBlind,
                       "windows that can't be read: 1; Zoom \"Zoom Meeting 2\": it went away"}));
 
     windows.pop_back();
@@ -268,13 +267,12 @@ TEST_F(ScanTest, printsATableThatAFileNameCannotBreak) {
 TEST_F(ScanTest, watchPrintsAppearancesAndDisappearancesOnce) {
     std::vector<Json> lines;
     std::vector<SourceReport> reports;
-    Scan scan({.sources = {ScanSource::process, ScanSource::calendar}, .namesSources = true},
-              platform);
+    Scan scan({.sources = {"process", "calendar"}, .namesSources = true}, platform);
     scan.watch([&](const std::string& line) { lines.push_back(Json::parse(line)); },
                [&](std::vector<SourceReport> first) { reports = std::move(first); });
     loop.advance(10s);
     ASSERT_EQ(reports.size(), 2U);
-    EXPECT_EQ(reports[1].status, SourceStatus::ok);
+    EXPECT_EQ(reports[1].state, SourceState::Kind::ok);
     EXPECT_TRUE(lines.empty());
     table.run(7, "/usr/bin/otter");
     loop.advance(3s);

@@ -5,12 +5,15 @@
 #include "core/AppDelegate.h"
 #include "core/CalendarConsentDialog.h"
 #include "core/Updates.h"
+#include "support/AccessibleElements.h"
 #include "support/FakeComputer.h"
 #include "ui/windows/UserInterface.h"
 
 #include <QCoreApplication>
+#include <chrono>
+#include <map>
 #include <string>
-#include <utility>
+#include <vector>
 
 namespace quorva {
 
@@ -34,65 +37,63 @@ struct Stage {
         }
     }
 
-    void showProcess(const std::string& name, BotCategory category) {
-        auto bots = state.detectedBots.get();
-        bots.push_back({.id = name + "-1",
-                        .signatureId = name,
-                        .name = name,
-                        .category = category,
-                        .confidence = 95,
-                        .method = DetectionMethod::processPath,
-                        .processIdentifier = 100,
-                        .matchedValue = "/opt/" + name,
-                        .detectedAt = computer.loop.now()});
-        state.detectedBots = std::move(bots);
+    /// Starts a program; the catalogue decides whether it is a product.
+    void run(const std::string& executable) {
+        computer.processTable.run(nextProcess++, executable);
+        look();
     }
-    void showParticipant(const std::string& name, BotCategory category,
-                         const std::string& platform = "Zoom") {
-        auto bots = state.participantBotDetections.get();
-        bots.push_back({.id = platform + "-" + name,
-                        .platformName = platform,
-                        .matchedParticipantName = name + " Notetaker",
-                        .botPatternMatched = name,
-                        .botDisplayName = name,
-                        .category = category,
-                        .confidence = 90,
-                        .windowTitle = platform + " Meeting",
-                        .detectedAt = computer.loop.now()});
-        state.participantBotDetections = std::move(bots);
+    /// Shows a text in the window of a meeting, such as a participant or a banner. The platform is
+    /// Zoom, Webex, or anything else for Google Meet in a browser.
+    void showInMeeting(const std::string& text, const std::string& platform = "Zoom") {
+        texts[platform].push_back(text);
+        computer.applications.running.clear();
+        ProcessIdentifier process = 5000;
+        for (const auto& [name, shown] : texts) {
+            const bool isZoom = name == "Zoom";
+            const bool isBrowser = !isZoom && name != "Webex";
+            computer.applications.running.push_back({isZoom      ? "us.zoom.xos"
+                                                     : isBrowser ? "org.mozilla.firefox"
+                                                                 : "com.webex.meetingmanager",
+                                                     name, std::nullopt, process});
+            computer.accessibility.applications[process++].windows = {
+                {.title = name + " Meeting",
+                 .tree = isBrowser ? browserWindow("https://meet.google.com/abc", shown)
+                                   : meetingWindow(shown)}};
+        }
+        look();
     }
-    void showInvited(const std::string& name, std::chrono::minutes until) {
-        auto detections = state.calendarDetections.get();
+    /// Invites an address to a meeting that begins after so long.
+    void invite(const std::string& address, std::chrono::minutes until) {
         const auto start = computer.loop.now() + until;
-        detections.push_back({.id = name + "-cal",
-                              .signatureId = name + "-cal",
-                              .botName = name,
-                              .category = BotCategory::transcription,
-                              .confidence = 95,
-                              .matchedEmail = "notetaker@example.com",
-                              .eventTitle = "Case review",
-                              .eventStartDate = start,
-                              .eventEndDate = start + std::chrono::hours(1),
-                              .eventIdentifier = "event",
-                              .calendarName = "Work",
-                              .detectedAt = computer.loop.now()});
-        state.calendarDetections = std::move(detections);
+        computer.calendars.events.push_back({.eventIdentifier = address,
+                                             .title = "Case review",
+                                             .start = start,
+                                             .end = start + std::chrono::hours(1),
+                                             .attendees = {{std::nullopt, "mailto:" + address}},
+                                             .calendarName = "Work"});
+        look();
     }
-    void showIndicator(IndicatorType type, const std::string& platform) {
-        auto indicators = state.recordingIndicators.get();
-        indicators.push_back({.id = platform + std::string(rawValue(type)),
-                              .platformName = platform,
-                              .indicatorText = "recording in progress",
-                              .indicatorType = type,
-                              .windowTitle = platform + " Meeting",
-                              .detectedAt = computer.loop.now()});
-        state.recordingIndicators = std::move(indicators);
+    /// Has every source look at what there is now.
+    void look() {
+        state.refreshAllScans();
+        settle();
+        state.refreshAllScans(); // windows are there to be looked at once they have been asked for
+        settle();
     }
-    void permit(bool hasCalendars, bool hasAccessibility) {
-        state.permissions.hasCalendarAccess = hasCalendars;
-        state.permissions.hasAccessibilityPermission = hasAccessibility;
-        state.permissions.needsCalendarAccountSetup = false;
+    void permit(bool hasCalendars, bool hasAccessibility, bool hasAccount = true) {
+        computer.calendars.status =
+            hasCalendars ? CalendarAuthorization::fullAccess : CalendarAuthorization::denied;
+        computer.calendars.accounts.clear();
+        if (hasAccount)
+            computer.calendars.accounts = {{"ann@gmail.com", CalendarSourceType::calDAV}};
+        computer.accessibility.isOn = hasAccessibility;
+        state.permissions.refresh();
+        settle();
     }
+
+private:
+    ProcessIdentifier nextProcess = 100;
+    std::map<std::string, std::vector<std::string>> texts; ///< by platform
 };
 
 } // namespace quorva

@@ -4,7 +4,7 @@ namespace quorva {
 
 CalendarBridge::CalendarBridge(AppState& state_, CalendarConsentDialog& consent_, MainLoop& loop)
     : state(state_), consent(consent_), watch(loop, [this] { emit changed(); }) {
-    watch.follow(state.permissions.hasCalendarAccess);
+    state.permissions.follow(watch);
 }
 
 void CalendarBridge::openCalendarSettings() {

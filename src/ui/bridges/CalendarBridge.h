@@ -17,7 +17,7 @@ public:
     /// All must outlive the bridge.
     CalendarBridge(AppState& state, CalendarConsentDialog& consent, MainLoop& loop);
 
-    [[nodiscard]] bool hasAccess() const { return state.permissions.hasCalendarAccess; }
+    [[nodiscard]] bool hasAccess() const { return state.permissions.hasCalendarAccess(); }
 
     Q_INVOKABLE void openCalendarSettings();
     Q_INVOKABLE void answer(bool isGranted);

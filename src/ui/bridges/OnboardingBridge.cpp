@@ -1,6 +1,5 @@
 #include "ui/bridges/OnboardingBridge.h"
 
-#include "ui/rows/DetectionRows.h"
 #include "ui/rows/DisplayText.h"
 #include "ui/rows/ViewTexts.h"
 
@@ -8,22 +7,20 @@ namespace quorva {
 
 OnboardingBridge::OnboardingBridge(AppState& state_, AppDelegate& delegate_, MainLoop& loop)
     : model(state_, loop), state(state_), delegate(delegate_), watch(loop, [this] { update(); }) {
-    watch.follow(model.currentStep, model.scanComplete, model.scanPhase, model.calendarGranted,
-                 model.accessibilityGranted, model.accessibilityPermissionRequested,
-                 model.connectedCalendarAccounts, model.calendarAccountsRefreshed);
+    watch.follow(model.currentStep, model.scanComplete, model.scanPhase,
+                 model.accessibilityPermissionRequested, model.connectedCalendarAccounts,
+                 model.calendarAccountsRefreshed);
     watch.follow(model.hasGoogleCalendar, model.hasExchangeCalendar, model.hasICloudCalendar);
-    watch.follow(state.detectedBots, state.calendarDetections, state.participantBotDetections,
-                 state.recordingIndicators, state.limitations, state.isMonitoring);
-    watch.follow(state.permissions.hasCalendarAccess, state.permissions.hasAccessibilityPermission);
+    watch.follow(state.findings, state.isMonitoring);
+    for (const auto* const source : state.sources)
+        watch.follow(source->state);
+    state.permissions.follow(watch);
     update();
 }
 
 void OnboardingBridge::update() {
     accountRows.show(rowsOfAccounts(model.connectedCalendarAccounts.get()));
-    indicatorRows.show(rowsOf(state.recordingIndicators.get()));
-    participantRows.show(rowsOf(state.participantBotDetections.get()));
-    calendarRows.show(rowsOf(state.calendarDetections.get(), state.now()));
-    processRows.show(rowsOf(state.detectedBots.get()));
+    rows.show(*state.findings, state.now());
     emit changed();
 }
 
@@ -59,8 +56,7 @@ QString OnboardingBridge::scanned() const {
 }
 
 QString OnboardingBridge::uncovered() const {
-    // Here everything has just been looked at, whether it goes on being looked at or not.
-    return ours(uncoveredText(true, state.limitations));
+    return ours(uncoveredText(state.sources));
 }
 
 void OnboardingBridge::openAccessibilitySettings() {
@@ -75,7 +71,7 @@ void OnboardingBridge::openInternetAccounts() {
 
 void OnboardingBridge::complete() {
     model.complete();
-    delegate.onboardingWindow = false;
+    delegate.closeOnboardingWindow();
 }
 
 } // namespace quorva

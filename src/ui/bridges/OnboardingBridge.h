@@ -3,9 +3,10 @@
 
 #include "base/ChangeWatch.h"
 #include "core/AppDelegate.h"
+#include "sources/MeetingFindings.h"
 #include "ui/bridges/OnboardingViewModel.h"
 #include "ui/bridges/PaneHelp.h"
-#include "ui/rows/RowModel.h"
+#include "ui/rows/DetectionRows.h"
 
 #include <QObject>
 
@@ -48,11 +49,11 @@ public:
     [[nodiscard]] int step() const { return static_cast<int>(model.currentStep.get()); }
     [[nodiscard]] int position() const { return model.position(); }
     [[nodiscard]] int total() const { return static_cast<int>(model.visibleSteps().size()); }
-    [[nodiscard]] bool accessibilityGranted() const { return model.accessibilityGranted; }
+    [[nodiscard]] bool accessibilityGranted() const { return hasMeetings(); }
     [[nodiscard]] bool accessibilityRequested() const {
         return model.accessibilityPermissionRequested;
     }
-    [[nodiscard]] bool calendarGranted() const { return model.calendarGranted; }
+    [[nodiscard]] bool calendarGranted() const { return hasCalendar(); }
     [[nodiscard]] bool accountsRefreshed() const { return model.calendarAccountsRefreshed; }
     [[nodiscard]] bool hasAllProviders() const;
     [[nodiscard]] QString coverage() const;
@@ -65,13 +66,15 @@ public:
     [[nodiscard]] QString resultTitle() const;
     [[nodiscard]] QString scanned() const;
     [[nodiscard]] QString uncovered() const;
-    [[nodiscard]] bool hasCalendar() const { return state.permissions.hasCalendarAccess; }
-    [[nodiscard]] bool hasMeetings() const { return state.permissions.hasAccessibilityPermission; }
+    [[nodiscard]] bool hasCalendar() const { return state.permissions.hasCalendarAccess(); }
+    [[nodiscard]] bool hasMeetings() const {
+        return state.permissions.hasAccessibilityPermission();
+    }
     [[nodiscard]] RowModel* accounts() { return &accountRows; }
-    [[nodiscard]] RowModel* indicators() { return &indicatorRows; }
-    [[nodiscard]] RowModel* participants() { return &participantRows; }
-    [[nodiscard]] RowModel* upcoming() { return &calendarRows; }
-    [[nodiscard]] RowModel* onMac() { return &processRows; }
+    [[nodiscard]] RowModel* indicators() { return rows.of(bannerFindings); }
+    [[nodiscard]] RowModel* participants() { return rows.of(participantFindings); }
+    [[nodiscard]] RowModel* upcoming() { return rows.of(invitationFindings); }
+    [[nodiscard]] RowModel* onMac() { return rows.of(processFindings); }
 
     Q_INVOKABLE void next() { model.next(); }
     Q_INVOKABLE void back() { model.back(); }
@@ -91,10 +94,7 @@ private:
     AppState& state;
     AppDelegate& delegate;
     RowModel accountRows;
-    RowModel indicatorRows;
-    RowModel participantRows;
-    RowModel calendarRows;
-    RowModel processRows;
+    FindingRows rows;
     PaneHelp help;
     ChangeWatch watch; // last: follows what is above
 };

@@ -24,14 +24,12 @@ constexpr int mostCalendarPolls = 40;
 } // namespace
 
 OnboardingViewModel::OnboardingViewModel(AppState& state_, MainLoop& loop_)
-    : state(state_), loop(loop_) {
-    calendarGranted = state.permissions.hasCalendarAccess.get();
-    accessibilityGranted = state.permissions.hasAccessibilityPermission.get();
-}
+    : state(state_), loop(loop_) {}
 
 bool OnboardingViewModel::isSkipped(OnboardingStep step) const {
-    return (step == OnboardingStep::accessibility && accessibilityGranted) ||
-           (step == OnboardingStep::calendarSetup && calendarGranted);
+    return (step == OnboardingStep::accessibility &&
+            state.permissions.hasAccessibilityPermission()) ||
+           (step == OnboardingStep::calendarSetup && state.permissions.hasCalendarAccess());
 }
 
 std::vector<OnboardingStep> OnboardingViewModel::visibleSteps() const {
@@ -87,9 +85,8 @@ void OnboardingViewModel::requestAccessibility() {
 
 void OnboardingViewModel::pollAccessibility() {
     state.permissions.refreshAccessibilityPermission();
-    if (state.permissions.hasAccessibilityPermission) {
+    if (state.permissions.hasAccessibilityPermission()) {
         pollingTimer.reset();
-        accessibilityGranted = true;
         if (onBringToFront)
             onBringToFront();
     } else if (++polls >= mostAccessibilityPolls) {
@@ -101,7 +98,6 @@ void OnboardingViewModel::pollAccessibility() {
 
 void OnboardingViewModel::requestCalendarAccess() {
     state.permissions.requestCalendarAccess(lifetime.guard([this](bool isGranted) {
-        calendarGranted = isGranted;
         calendarPermissionRequested = true;
         if (isGranted)
             refreshCalendarAccounts();
@@ -134,8 +130,8 @@ void OnboardingViewModel::startScan() {
     state.refreshAllScans();
     scanComplete = false;
     scanPhase = ScanPhase::process;
-    const bool hasCalendar = state.permissions.hasCalendarAccess;
-    const bool hasMeetings = state.permissions.hasAccessibilityPermission;
+    const bool hasCalendar = state.permissions.hasCalendarAccess();
+    const bool hasMeetings = state.permissions.hasAccessibilityPermission();
     const auto afterCalendar = hasMeetings ? ScanPhase::meeting : ScanPhase::done;
     const auto at = [this](double delay, Task task) {
         scanTimers.push_back(loop.after(Seconds(delay), std::move(task)));

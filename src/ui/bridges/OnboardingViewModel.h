@@ -20,18 +20,16 @@ public:
     /// Both must outlive this. Steps whose permission is there already are left out.
     OnboardingViewModel(AppState& state, MainLoop& loop);
 
-    Published<OnboardingStep> currentStep{OnboardingStep::welcome};
-    Published<bool> scanComplete{false}; ///< what the scan came to is shown
-    Published<ScanPhase> scanPhase{ScanPhase::process};
-    Published<bool> calendarGranted{false};
-    Published<bool> accessibilityGranted{false};
-    Published<bool> calendarPermissionRequested{false};
-    Published<bool> accessibilityPermissionRequested{false};
-    Published<std::vector<std::string>> connectedCalendarAccounts;
-    Published<bool> hasGoogleCalendar{false};
-    Published<bool> hasExchangeCalendar{false};
-    Published<bool> hasICloudCalendar{false};
-    Published<bool> calendarAccountsRefreshed{false};
+    Published<OnboardingStep, OnboardingViewModel> currentStep{OnboardingStep::welcome};
+    Published<bool, OnboardingViewModel> scanComplete{false}; ///< what the scan came to is shown
+    Published<ScanPhase, OnboardingViewModel> scanPhase{ScanPhase::process};
+    Published<bool, OnboardingViewModel> calendarPermissionRequested{false};
+    Published<bool, OnboardingViewModel> accessibilityPermissionRequested{false};
+    Published<std::vector<std::string>, OnboardingViewModel> connectedCalendarAccounts;
+    Published<bool, OnboardingViewModel> hasGoogleCalendar{false};
+    Published<bool, OnboardingViewModel> hasExchangeCalendar{false};
+    Published<bool, OnboardingViewModel> hasICloudCalendar{false};
+    Published<bool, OnboardingViewModel> calendarAccountsRefreshed{false};
 
     /// Called when a permission has come while the user was elsewhere; may be empty.
     Task onBringToFront;

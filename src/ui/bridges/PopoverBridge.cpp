@@ -1,11 +1,9 @@
 #include "ui/bridges/PopoverBridge.h"
 
-#include "ui/rows/DetectionRows.h"
 #include "ui/rows/DisplayText.h"
 #include "ui/rows/ViewTexts.h"
 
 #include <QVariantMap>
-#include <algorithm>
 
 namespace quorva {
 
@@ -15,34 +13,23 @@ constexpr Seconds toastDuration{2.5};
 constexpr Seconds shortestScan{0.8}; ///< shorter, and the press would seem to have done nothing
 constexpr Seconds longestScan{15.0}; ///< a calendar that hangs is given up after 10
 
-template <typename Detection>
-const Detection* find(const std::vector<Detection>& detections, const QString& id) {
-    const auto found =
-        std::find_if(detections.begin(), detections.end(),
-                     [wanted = utf8(id)](const auto& each) { return each.id == wanted; });
-    return found == detections.end() ? nullptr : &*found;
-}
-
 } // namespace
 
 PopoverBridge::PopoverBridge(AppState& state_, MainLoop& loop_)
     : state(state_), loop(loop_), watch(loop_, [this] { update(); }) {
-    watch.follow(state.isMonitoring, state.detectedBots, state.calendarDetections,
-                 state.participantBotDetections, state.recordingIndicators, state.limitations,
-                 state.lastProcessScanDate, state.showingLogSheet);
-    watch.follow(state.permissions.hasCalendarAccess, state.permissions.hasAccessibilityPermission,
-                 state.permissions.needsCalendarAccountSetup);
+    watch.follow(state.isMonitoring, state.findings, state.showingLogSheet,
+                 state.sources.process.monitor.lastScanDate);
+    for (const auto* const source : state.sources)
+        watch.follow(source->state);
+    state.permissions.follow(watch);
     watch.follow(state.settings.calendarMonitorEnabled, state.settings.participantMonitorEnabled);
     watch.follow(state.objections.showingObjectionToast, state.detectionLog.records,
-                 state.calendarMonitor.lastScanDate);
+                 state.sources.calendar.monitor.lastScanDate);
     update();
 }
 
 void PopoverBridge::update() {
-    indicatorRows.show(rowsOf(state.recordingIndicators.get()));
-    participantRows.show(rowsOf(state.participantBotDetections.get()));
-    calendarRows.show(rowsOf(state.calendarDetections.get(), state.now()));
-    processRows.show(rowsOf(state.detectedBots.get()));
+    rows.show(*state.findings, state.now());
     if (state.showingLogSheet)
         historyRows.show(rowsOf(state.detectionLog.records.get()));
     emit changed();
@@ -57,54 +44,46 @@ QString PopoverBridge::pillLabel() const {
 }
 
 bool PopoverBridge::needsCalendarAccess() const {
-    return state.settings.calendarMonitorEnabled && !state.permissions.hasCalendarAccess;
+    return state.settings.calendarMonitorEnabled && !state.permissions.hasCalendarAccess();
 }
 
 bool PopoverBridge::needsCalendarAccount() const {
-    return state.settings.calendarMonitorEnabled && state.permissions.needsCalendarAccountSetup;
+    return state.settings.calendarMonitorEnabled && state.permissions.needsCalendarAccountSetup();
 }
 
 bool PopoverBridge::needsAccessibility() const {
     return state.settings.participantMonitorEnabled &&
-           !state.permissions.hasAccessibilityPermission;
-}
-
-bool PopoverBridge::isCalendarOn() const {
-    return state.settings.calendarMonitorEnabled && state.permissions.hasCalendarAccess;
-}
-
-bool PopoverBridge::isMeetingOn() const {
-    return state.settings.participantMonitorEnabled && state.permissions.hasAccessibilityPermission;
+           !state.permissions.hasAccessibilityPermission();
 }
 
 QVariantList PopoverBridge::chips() const {
-    const auto chip = [this](const char* name, const char* symbol, bool isOn, LimitedPart part) {
-        return QVariantMap{{"name", name},
-                           {"symbol", symbol},
-                           {"look", static_cast<int>(chipLook(isOn, part, state.limitations))},
-                           {"reason", ours(limitationText(part, state.limitations))}};
-    };
-    return {chip("Process", "desktopcomputer", state.isMonitoring, LimitedPart::processes),
-            chip("Calendar", "calendar", isCalendarOn(), LimitedPart::calendars),
-            chip("Meeting", "person.2", isMeetingOn(), LimitedPart::meetings)};
+    QVariantList chips;
+    for (const auto* const source : state.sources)
+        chips.push_back(QVariantMap{{"name", ours(source->profile.chip)},
+                                    {"symbol", ours(source->profile.symbol)},
+                                    {"look", static_cast<int>(chipLook(*source->state))},
+                                    {"reason", ours(source->state->reason)}});
+    return chips;
 }
 
 QString PopoverBridge::uncovered() const {
-    return ours(uncoveredText(state.isMonitoring, state.limitations));
+    return state.isMonitoring ? ours(uncoveredText(state.sources))
+                              : QString("Monitoring is off: nothing is being looked at.");
 }
 
 bool PopoverBridge::isScanning() const {
     if (refreshTimer)
         return true;
-    if (refreshedAt && isCalendarOn() && state.now() - *refreshedAt < longestScan) {
-        const auto& calendars = state.calendarMonitor.lastScanDate.get();
-        return !calendars || *calendars < *refreshedAt;
+    const auto& calendar = state.sources.calendar;
+    if (refreshedAt && calendar.isWatching() && state.now() - *refreshedAt < longestScan) {
+        const auto& looked = calendar.monitor.lastScanDate.get();
+        return !looked || *looked < *refreshedAt;
     }
-    return state.isMonitoring && !state.lastProcessScanDate.get();
+    return state.sources.process.state->kind == SourceState::Kind::looking;
 }
 
 QString PopoverBridge::lastScan() const {
-    const auto& last = state.lastProcessScanDate.get();
+    const auto& last = state.sources.process.monitor.lastScanDate.get();
     return last ? ours("Last scan: " + relativeTime(*last, state.now())) : QString();
 }
 
@@ -115,7 +94,10 @@ void PopoverBridge::setVisible(bool isVisible) {
 }
 
 void PopoverBridge::toggleMonitoring() {
-    state.isMonitoring ? state.stopMonitoring() : state.startMonitoring();
+    if (state.isMonitoring)
+        state.stopMonitoring();
+    else
+        state.startMonitoring();
 }
 
 void PopoverBridge::refresh() {
@@ -131,28 +113,15 @@ void PopoverBridge::refresh() {
 }
 
 void PopoverBridge::objectToParticipant(const QString& id) {
-    if (const auto* const bot = find(state.participantBotDetections.get(), id)) {
-        const ObjectionOccasion occasion{.botName = bot->botDisplayName,
-                                         .meetingContext = bot->platformName,
-                                         .source = DetectionSource::participant};
-        state.fileObjection(occasion);
-    }
+    state.objectTo(participantFindings, utf8(id));
 }
 
 void PopoverBridge::objectToCalendar(const QString& id) {
-    if (const auto* const detection = find(state.calendarDetections.get(), id)) {
-        const ObjectionOccasion occasion{.botName = detection->botName,
-                                         .meetingContext = detection->botName,
-                                         .source = DetectionSource::calendar};
-        state.fileObjection(occasion);
-    }
+    state.objectTo(invitationFindings, utf8(id));
 }
 
 void PopoverBridge::dismiss(const QString& id) {
-    if (const auto* const found = find(state.calendarDetections.get(), id)) {
-        const CalendarBotDetection detection = *found; // the list changes while it is dismissed
-        state.calendarMonitor.dismiss(detection);
-    }
+    state.sources.calendar.dismiss(utf8(id));
 }
 
 void PopoverBridge::allow(const QString& key) {

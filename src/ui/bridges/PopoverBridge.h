@@ -4,8 +4,9 @@
 
 #include "base/ChangeWatch.h"
 #include "core/AppState.h"
+#include "sources/MeetingFindings.h"
 #include "ui/bridges/PaneHelp.h"
-#include "ui/rows/RowModel.h"
+#include "ui/rows/DetectionRows.h"
 
 #include <QObject>
 
@@ -63,10 +64,10 @@ public:
     }
     [[nodiscard]] bool showsShareToast() const { return static_cast<bool>(shareToastTimer); }
     [[nodiscard]] bool showsHistory() const { return state.showingLogSheet; }
-    [[nodiscard]] RowModel* indicators() { return &indicatorRows; }
-    [[nodiscard]] RowModel* participants() { return &participantRows; }
-    [[nodiscard]] RowModel* upcoming() { return &calendarRows; }
-    [[nodiscard]] RowModel* onMac() { return &processRows; }
+    [[nodiscard]] RowModel* indicators() { return rows.of(bannerFindings); }
+    [[nodiscard]] RowModel* participants() { return rows.of(participantFindings); }
+    [[nodiscard]] RowModel* upcoming() { return rows.of(invitationFindings); }
+    [[nodiscard]] RowModel* onMac() { return rows.of(processFindings); }
     [[nodiscard]] RowModel* history() { return &historyRows; }
 
     /// While the popover is in sight, the times that it shows go on.
@@ -74,8 +75,8 @@ public:
 
     Q_INVOKABLE void toggleMonitoring();
     Q_INVOKABLE void refresh();
-    Q_INVOKABLE void showHistory() { state.showingLogSheet = true; }
-    Q_INVOKABLE void closeHistory() { state.showingLogSheet = false; }
+    Q_INVOKABLE void showHistory() { state.showHistory(); }
+    Q_INVOKABLE void closeHistory() { state.closeHistory(); }
     Q_INVOKABLE void objectToAny() { state.objectToFirst(); }
     Q_INVOKABLE void objectToParticipant(const QString& id);
     Q_INVOKABLE void objectToCalendar(const QString& id);
@@ -94,15 +95,10 @@ signals:
 
 private:
     void update();
-    [[nodiscard]] bool isCalendarOn() const;
-    [[nodiscard]] bool isMeetingOn() const;
 
     AppState& state;
     MainLoop& loop;
-    RowModel indicatorRows;
-    RowModel participantRows;
-    RowModel calendarRows;
-    RowModel processRows;
+    FindingRows rows;
     RowModel historyRows;
     PaneHelp help;
     std::optional<Time> refreshedAt;

@@ -16,10 +16,9 @@ SettingsBridge::SettingsBridge(AppState& state_, Updates& updates_, MainLoop& lo
     watch.follow(settings.launchAtLogin, settings.showNotifications, settings.autoStartMonitoring,
                  settings.calendarMonitorEnabled, settings.participantMonitorEnabled);
     watch.follow(updates.checksAutomatically, updates.isChecking, updates.answer);
-    watch.follow(state.isMonitoring, state.activeMeetingPlatform, state.limitations,
-                 state.allowList.allowedBotIds);
-    watch.follow(state.permissions.hasCalendarAccess, state.permissions.hasAccessibilityPermission,
-                 state.permissions.needsCalendarAccountSetup);
+    watch.follow(state.isMonitoring, state.sources.meeting.monitor.activeMeetingPlatform,
+                 state.limitations.all, state.allowList.allowedBotIds);
+    state.permissions.follow(watch);
     watch.follow(state.detectionTrial.isRunning, state.detectionTrial.lines);
     watch.follow(state.objections.objectionLog.records, state.objections.selectedTemplate);
     std::vector<Row> titles;
@@ -34,16 +33,9 @@ SettingsBridge::SettingsBridge(AppState& state_, Updates& updates_, MainLoop& lo
 }
 
 void SettingsBridge::update() {
-    allowedRows.show(rowsOfAllowed(state.allowList.allowedBotIds.get()));
+    allowedRows.show(rowsOfAllowed(state.allowList.allowedBotIds.get(), state.sources));
     evidenceRows.show(rowsOf(state.objections.objectionLog.records.get()));
     emit changed();
-}
-
-void SettingsBridge::set(Published<bool>& setting, bool isOn) {
-    if (setting == isOn)
-        return;
-    setting = isOn;
-    state.saveSettings();
 }
 
 void SettingsBridge::setChecksAutomatically(bool isOn) {
@@ -66,7 +58,7 @@ void SettingsBridge::setParticipantEnabled(bool isOn) {
 }
 
 QString SettingsBridge::activeMeeting() const {
-    const auto& platform = state.activeMeetingPlatform.get();
+    const auto& platform = state.sources.meeting.monitor.activeMeetingPlatform.get();
     return platform ? foreign(*platform) : QString("None");
 }
 
@@ -79,7 +71,7 @@ QString SettingsBridge::trialText() const {
 
 QString SettingsBridge::limitations() const {
     QStringList lines;
-    for (const auto& limitation : state.limitations.get())
+    for (const auto& limitation : *state.limitations.all)
         lines.push_back(ours(limitation.text));
     return lines.join('\n');
 }
@@ -97,7 +89,7 @@ int SettingsBridge::selectedTemplate() const {
 void SettingsBridge::selectTemplate(int index) {
     const auto& all = namedCases<ObjectionTemplate>;
     if (index >= 0 && index < static_cast<int>(all.size()) && index != selectedTemplate())
-        state.objections.selectedTemplate = all[static_cast<std::size_t>(index)].value;
+        state.objections.selectTemplate(all[static_cast<std::size_t>(index)].value);
 }
 
 QString SettingsBridge::preview() const {

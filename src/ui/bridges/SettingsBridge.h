@@ -51,11 +51,11 @@ public:
     SettingsBridge(AppState& state, Updates& updates, MainLoop& loop);
 
     [[nodiscard]] bool launchAtLogin() const { return state.settings.launchAtLogin; }
-    void setLaunchAtLogin(bool isOn) { set(state.settings.launchAtLogin, isOn); }
+    void setLaunchAtLogin(bool isOn) { state.settings.set(&Settings::launchAtLogin, isOn); }
     [[nodiscard]] bool showNotifications() const { return state.settings.showNotifications; }
-    void setShowNotifications(bool isOn) { set(state.settings.showNotifications, isOn); }
+    void setShowNotifications(bool isOn) { state.settings.set(&Settings::showNotifications, isOn); }
     [[nodiscard]] bool autoStart() const { return state.settings.autoStartMonitoring; }
-    void setAutoStart(bool isOn) { set(state.settings.autoStartMonitoring, isOn); }
+    void setAutoStart(bool isOn) { state.settings.set(&Settings::autoStartMonitoring, isOn); }
     [[nodiscard]] bool checksAutomatically() const { return updates.checksAutomatically; }
     void setChecksAutomatically(bool isOn);
     [[nodiscard]] bool isChecking() const { return updates.isChecking; }
@@ -68,12 +68,12 @@ public:
         return state.settings.participantMonitorEnabled;
     }
     void setParticipantEnabled(bool isOn);
-    [[nodiscard]] bool hasCalendarAccess() const { return state.permissions.hasCalendarAccess; }
+    [[nodiscard]] bool hasCalendarAccess() const { return state.permissions.hasCalendarAccess(); }
     [[nodiscard]] bool needsCalendarAccount() const {
-        return state.permissions.needsCalendarAccountSetup;
+        return state.permissions.needsCalendarAccountSetup();
     }
     [[nodiscard]] bool hasAccessibility() const {
-        return state.permissions.hasAccessibilityPermission;
+        return state.permissions.hasAccessibilityPermission();
     }
     [[nodiscard]] QString activeMeeting() const;
     [[nodiscard]] QString accountsHelp() const { return help.accounts; }
@@ -109,7 +109,6 @@ signals:
 
 private:
     void update();
-    void set(Published<bool>& setting, bool isOn);
 
     AppState& state;
     Updates& updates;

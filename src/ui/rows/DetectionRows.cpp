@@ -1,7 +1,5 @@
 #include "ui/rows/DetectionRows.h"
 
-#include "core/AllowList.h"
-#include "core/NotificationTexts.h"
 #include "ui/rows/DisplayText.h"
 #include "ui/rows/ViewTexts.h"
 
@@ -34,62 +32,32 @@ QString categoryText(const std::string& rawCategory) {
 
 } // namespace
 
-std::vector<Row> rowsOf(const std::vector<RecordingIndicatorDetection>& indicators) {
+std::vector<Row> rowsOf(const Findings& findings, const FindingKind& kind, Time now) {
     std::vector<Row> rows;
-    for (const auto& each : indicators) {
-        const QString label = ours(indicatorLabel(each.indicatorType));
-        const QString platform = isolated(each.platformName);
-        rows.push_back({.id = ours(each.id),
-                        .title = label,
-                        .detail = platform,
-                        .note = foreign(matchText(each)),
-                        .spoken = label + " on " + platform + ", live"});
+    for (const auto& finding : findings) {
+        if (&finding->kind() != &kind)
+            continue;
+        const auto text = finding->text(now);
+        QStringList spoken{isolated(text.title)};
+        for (const auto& part : {text.category, text.place, text.badge})
+            if (!part.empty())
+                spoken.push_back(isolated(part));
+        rows.push_back({.id = ours(finding->id()),
+                        .title = foreign(text.title),
+                        .subtitle = ours(text.category),
+                        .detail = isolated(text.place),
+                        .badge = ours(text.badge),
+                        .note = foreign(text.match),
+                        .spoken = text.isLive ? spoken.join(" on ") + ", live" : spoken.join(", "),
+                        .key = ours(finding->allowKey())});
     }
     return rows;
 }
 
-std::vector<Row> rowsOf(const std::vector<ParticipantBotDetection>& participants) {
-    std::vector<Row> rows;
-    for (const auto& each : participants)
-        rows.push_back({.id = ours(each.id),
-                        .title = foreign(each.botDisplayName),
-                        .subtitle = categoryText(each.category),
-                        .detail = isolated(each.platformName),
-                        .note = foreign(matchText(each)),
-                        .spoken = isolated(each.botDisplayName) + ", " +
-                                  categoryText(each.category) + ", " + isolated(each.platformName),
-                        .key = ours(allowKey(each))});
-    return rows;
-}
-
-std::vector<Row> rowsOf(const std::vector<CalendarBotDetection>& detections, Time now) {
-    std::vector<Row> rows;
-    for (const auto& each : detections) {
-        const QString until = ours(each.timeUntilStartLabel(now));
-        const QString start = ours(clockTime(each.eventStartDate));
-        rows.push_back({.id = ours(each.id),
-                        .title = foreign(each.botName),
-                        .subtitle = categoryText(each.category),
-                        .detail = start,
-                        .badge = until,
-                        .note = foreign(matchText(each)),
-                        .spoken = isolated(each.botName) + ", " + categoryText(each.category) +
-                                  ", " + start + ", " + until,
-                        .key = ours(allowKey(each))});
-    }
-    return rows;
-}
-
-std::vector<Row> rowsOf(const std::vector<DetectedBot>& bots) {
-    std::vector<Row> rows;
-    for (const auto& each : bots)
-        rows.push_back({.id = ours(each.id),
-                        .title = foreign(each.name),
-                        .subtitle = categoryText(each.category),
-                        .note = foreign(matchText(each)),
-                        .spoken = isolated(each.name) + ", " + categoryText(each.category),
-                        .key = ours(allowKey(each))});
-    return rows;
+void FindingRows::show(const Findings& findings, Time now) {
+    for (const auto* const profile : sourceProfiles)
+        for (const auto* const kind : profile->kinds)
+            models[kind].show(rowsOf(findings, *kind, now));
 }
 
 std::vector<Row> rowsOf(const std::vector<DetectionEvent>& history) {
@@ -128,12 +96,12 @@ std::vector<Row> rowsOf(const std::vector<ObjectionRecord>& objections) {
     return rows;
 }
 
-std::vector<Row> rowsOfAllowed(const std::set<std::string>& keys) {
+std::vector<Row> rowsOfAllowed(const std::set<std::string>& keys, const Sources& sources) {
     std::vector<Row> rows;
     for (const auto& key : keys)
         rows.push_back({.id = ours(key),
-                        .title = foreign(AllowList::describe(key)),
-                        .spoken = foreign(AllowList::describe(key)),
+                        .title = foreign(sources.describe(key)),
+                        .spoken = foreign(sources.describe(key)),
                         .key = ours(key)});
     return rows;
 }

@@ -3,19 +3,31 @@
 #pragma once
 
 #include "catalogue/Records.h"
+#include "sources/Sources.h"
 #include "ui/rows/RowModel.h"
 
+#include <map>
 #include <set>
 #include <string>
 #include <vector>
 
 namespace quorva {
 
-[[nodiscard]] std::vector<Row> rowsOf(const std::vector<RecordingIndicatorDetection>& indicators);
-[[nodiscard]] std::vector<Row> rowsOf(const std::vector<ParticipantBotDetection>& participants);
-[[nodiscard]] std::vector<Row> rowsOf(const std::vector<CalendarBotDetection>& detections,
-                                      Time now);
-[[nodiscard]] std::vector<Row> rowsOf(const std::vector<DetectedBot>& bots);
+/// The findings of one kind, in their order, worded for the time `now`.
+[[nodiscard]] std::vector<Row> rowsOf(const Findings& findings, const FindingKind& kind, Time now);
+
+/// A list for each kind of finding. Main thread only.
+class FindingRows {
+public:
+    /// The list of this kind; lives as long as this.
+    [[nodiscard]] RowModel* of(const FindingKind& kind) { return &models[&kind]; }
+
+    /// Shows these findings, worded for the time `now`.
+    void show(const Findings& findings, Time now);
+
+private:
+    std::map<const FindingKind*, RowModel> models;
+};
 
 /// The detection history, which is kept oldest first, newest first.
 [[nodiscard]] std::vector<Row> rowsOf(const std::vector<DetectionEvent>& history);
@@ -24,7 +36,8 @@ namespace quorva {
 [[nodiscard]] std::vector<Row> rowsOf(const std::vector<ObjectionRecord>& objections);
 
 /// The allow list, by what people call its entries.
-[[nodiscard]] std::vector<Row> rowsOfAllowed(const std::set<std::string>& keys);
+[[nodiscard]] std::vector<Row> rowsOfAllowed(const std::set<std::string>& keys,
+                                             const Sources& sources);
 
 /// Calendar accounts, with their providers' symbols.
 [[nodiscard]] std::vector<Row> rowsOfAccounts(const std::vector<std::string>& names);

@@ -8,35 +8,12 @@ namespace quorva {
 
 namespace {
 
-std::string_view methodText(DetectionMethod method) {
-    switch (method) {
-    case DetectionMethod::processName:
-        return "process name";
-    case DetectionMethod::bundleIdentifier:
-        return "application";
-    case DetectionMethod::processPath:
-        return "program";
-    case DetectionMethod::calendarAttendee:
-        return "attendee";
-    case DetectionMethod::participantList:
-        return "participant";
-    case DetectionMethod::recordingIndicator:
-        break;
-    }
-    return "banner";
-}
-
 bool contains(std::string_view text, std::string_view part) {
     return text.find(part) != std::string_view::npos;
 }
 
 std::string joined(const std::vector<std::string_view>& parts, std::string_view separator) {
     return fmt::format("{}", fmt::join(parts, separator));
-}
-
-bool isSource(LimitedPart part) {
-    return part == LimitedPart::processes || part == LimitedPart::calendars ||
-           part == LimitedPart::meetings;
 }
 
 } // namespace
@@ -68,63 +45,10 @@ std::string relativeTime(Time then, Time now) {
     return fmt::format("{} day{} ago", days, days == 1 ? "" : "s");
 }
 
-std::string_view indicatorLabel(IndicatorType type) {
-    switch (type) {
-    case IndicatorType::recording:
-    case IndicatorType::cloudRecording:
-        break;
-    case IndicatorType::aiCompanion:
-        return "AI Companion Active";
-    case IndicatorType::copilot:
-        return "Copilot Active";
-    case IndicatorType::transcription:
-        return "Transcription Active";
-    case IndicatorType::gemini:
-        return "Gemini Active";
-    }
-    return "Recording Active";
-}
-
-std::string matchText(const DetectedBot& bot) {
-    return fmt::format("Matched {}: {}", methodText(bot.method), bot.matchedValue);
-}
-
-std::string matchText(const CalendarBotDetection& detection) {
-    const std::string name = detection.matchedName ? *detection.matchedName + ", " : "";
-    return fmt::format("Matched attendee: {}{} in {} ({})", name, detection.matchedEmail,
-                       detection.eventTitle, detection.calendarName);
-}
-
-std::string matchText(const ParticipantBotDetection& detection) {
-    return fmt::format("Matched participant: {} in {}", detection.matchedParticipantName,
-                       detection.windowTitle);
-}
-
-std::string matchText(const RecordingIndicatorDetection& indicator) {
-    return fmt::format("Matched banner: {} in {}", indicator.indicatorText, indicator.windowTitle);
-}
-
-ChipLook chipLook(bool isOn, LimitedPart part, const std::vector<Limitation>& limitations) {
-    if (!limitationText(part, limitations).empty())
+ChipLook chipLook(const SourceState& state) {
+    if (state.isLimited())
         return ChipLook::limited;
-    return isOn ? ChipLook::on : ChipLook::off;
-}
-
-std::string limitationText(LimitedPart part, const std::vector<Limitation>& limitations) {
-    for (const auto& limitation : limitations)
-        if (limitation.part == part)
-            return limitation.text;
-    return {};
-}
-
-std::string uncoveredText(bool isMonitoring, const std::vector<Limitation>& limitations) {
-    if (!isMonitoring)
-        return "Monitoring is off: nothing is being looked at.";
-    std::vector<std::string_view> lines;
-    for (const auto& limitation : limitations)
-        if (isSource(limitation.part))
-            lines.push_back(limitation.text);
-    return joined(lines, "\n");
+    return state.kind == SourceState::Kind::off ? ChipLook::off : ChipLook::on;
 }
 
 AccountLabel accountLabel(std::string_view accountName) {

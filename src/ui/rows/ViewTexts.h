@@ -1,9 +1,9 @@
 // What the views say that depends on what there is to be said: pure functions, without a window.
 #pragma once
 
-#include "catalogue/Records.h"
-#include "core/Limitations.h"
+#include "base/Time.h"
 #include "platform/UpdateService.h"
+#include "sources/SourceState.h"
 
 #include <optional>
 #include <string>
@@ -21,30 +21,10 @@ namespace quorva {
 /// ago". A time in the future is "now".
 [[nodiscard]] std::string relativeTime(Time then, Time now);
 
-/// What a banner of this kind is called.
-[[nodiscard]] std::string_view indicatorLabel(IndicatorType type);
-
-/// What a row's match was, for the pointer that rests on it and for screen readers.
-[[nodiscard]] std::string matchText(const DetectedBot& bot);
-[[nodiscard]] std::string matchText(const CalendarBotDetection& detection);
-[[nodiscard]] std::string matchText(const ParticipantBotDetection& detection);
-[[nodiscard]] std::string matchText(const RecordingIndicatorDetection& indicator);
-
 /// How a source's chip looks.
 enum class ChipLook { off, on, limited };
 
-/// A chip is limited when its source is wanted but could not be looked at, or not wholly.
-[[nodiscard]] ChipLook chipLook(bool isOn, LimitedPart part,
-                                const std::vector<Limitation>& limitations);
-
-/// Why the part is limited; empty when it is not.
-[[nodiscard]] std::string limitationText(LimitedPart part,
-                                         const std::vector<Limitation>& limitations);
-
-/// What "All Clear" does not cover: one line for each source that could not be looked at, or that
-/// nothing is looked at. Empty when everything was.
-[[nodiscard]] std::string uncoveredText(bool isMonitoring,
-                                        const std::vector<Limitation>& limitations);
+[[nodiscard]] ChipLook chipLook(const SourceState& state);
 
 /// A calendar account's provider, as far as the account's name tells.
 struct AccountLabel {

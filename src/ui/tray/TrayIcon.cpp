@@ -29,22 +29,20 @@ void TrayIcon::follow() {
             field.observe(lifetime.guard([this](const auto&) { scheduleUpdate(); })));
     };
     follow(state.isMonitoring);
-    follow(state.detectedBots);
-    follow(state.calendarDetections);
-    follow(state.participantBotDetections);
-    follow(state.recordingIndicators);
-    follow(state.limitations);
+    follow(state.findings);
+    follow(state.limitations.all);
 }
 
-/// Panels come up after the program, and restart: it takes some patience before there is none.
+/// Panels come up after the program, and restart: only after a while is there none.
 void TrayIcon::followPanels() {
     constexpr Seconds longestWait{10.0};
-    patience.reset();
+    panelTimeout.reset();
     if (panels.hasPanel()) {
         show();
-        state.hasTray = true;
+        state.limitations.setTray(true);
     } else {
-        patience = loop.after(longestWait, lifetime.guard([this] { state.hasTray = false; }));
+        panelTimeout =
+            loop.after(longestWait, lifetime.guard([this] { state.limitations.setTray(false); }));
     }
 }
 
@@ -79,8 +77,9 @@ void TrayIcon::update() {
     menu.update();
     if (!icon)
         return;
-    if (std::exchange(shownThreats, state.hasActiveThreats.get()) != state.hasActiveThreats.get())
-        icon->setIcon(menuBarIcon(state.hasActiveThreats));
+    const bool hasThreats = state.hasActiveThreats();
+    if (std::exchange(shownThreats, hasThreats) != hasThreats)
+        icon->setIcon(menuBarIcon(hasThreats));
     const auto toolTip = QStringLiteral("Quorva: ") + QString::fromStdString(state.stateText());
     if (std::exchange(shownToolTip, toolTip) != toolTip)
         icon->setToolTip(toolTip);

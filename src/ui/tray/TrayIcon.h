@@ -43,7 +43,7 @@ private:
     std::optional<bool> shownThreats;
     QString shownToolTip;
     bool isUpdateDue = false;
-    Timer patience;
+    Timer panelTimeout;
     std::vector<Subscription> subscriptions;
     Lifetime lifetime; // last: goes first
 };

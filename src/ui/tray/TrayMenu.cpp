@@ -30,8 +30,12 @@ TrayMenu::TrayMenu(AppState& state_, TrayCommands commands_)
         state.refreshAllScans();
     });
     add(QStringLiteral("View detection history"), commands.openHistory);
-    monitoring =
-        add({}, [this] { state.isMonitoring ? state.stopMonitoring() : state.startMonitoring(); });
+    monitoring = add({}, [this] {
+        if (state.isMonitoring)
+            state.stopMonitoring();
+        else
+            state.startMonitoring();
+    });
     add(QStringLiteral("Open settings"), commands.openSettings);
     widget.addSeparator();
     add(QStringLiteral("Quit Quorva"), commands.quit);
@@ -47,9 +51,9 @@ void TrayMenu::update() {
 }
 
 void TrayMenu::updateLimitations() {
-    if (shown == *state.limitations)
+    if (shown == *state.limitations.all)
         return;
-    shown = *state.limitations;
+    shown = *state.limitations.all;
     limitationLines.clear();
     for (const auto& limitation : shown) {
         auto line = std::make_unique<QAction>(menuText(limitation.text));

@@ -104,7 +104,7 @@ void UserInterface::watchPopover(QQuickWindow& popover) {
         hasPopoverBeenActive = false;
         popoverBridge->setVisible(false);
         if (state.showingLogSheet)
-            state.showingLogSheet = false;
+            state.closeHistory();
     });
 }
 
@@ -133,7 +133,7 @@ void UserInterface::togglePopover(std::optional<QRect> trayIconGeometry) {
 }
 
 void UserInterface::openHistory() {
-    state.showingLogSheet = true;
+    state.showHistory();
     openPopover(trayIcon);
 }
 
@@ -221,7 +221,7 @@ void UserInterface::followOnboarding() {
     };
     onClosed(*onboarding, *onboarding, [this] {
         if (delegate.onboardingWindow)
-            delegate.onboardingWindow = false;
+            delegate.closeOnboardingWindow();
     });
     // What the first run goes on looking for ends with its window.
     QObject::connect(onboarding, &QObject::destroyed,

@@ -30,17 +30,15 @@ constexpr int usualPoints = 10;
 
 void showEverything(Stage& stage) {
     stage.permit(true, true);
-    stage.state.limitations = std::vector<Limitation>{};
-    stage.showIndicator(IndicatorType::recording, "Zoom");
-    stage.showParticipant("Otter.ai", BotCategory::transcription);
-    stage.showParticipant("Fireflies.ai", BotCategory::sales, "Google Meet");
-    stage.showInvited("Read.ai", 45min);
-    stage.showProcess("Granola", BotCategory::localRecorder);
+    stage.showInMeeting("This meeting is being recorded");
+    stage.showInMeeting("Otter.ai Notetaker");
+    stage.showInMeeting("Fireflies.ai Notetaker", "Google Meet");
+    stage.invite("notetaker@read.ai", 45min);
+    stage.run("/usr/bin/granola");
 }
 
 void showClear(Stage& stage) {
     stage.permit(true, true);
-    stage.state.limitations = std::vector<Limitation>{};
 }
 
 void showHistory(Stage& stage) {
@@ -78,10 +76,10 @@ void onboardingStep(Stage& stage, int steps) {
 
 void hostile(Stage& stage) {
     showClear(stage);
-    stage.showParticipant(std::string(300, 'W') + " bot", BotCategory::transcription);
-    stage.showParticipant("روبوت تدوين الملاحظات", BotCategory::unknown, "Microsoft Teams");
-    stage.showParticipant("Note\ntaker\n<b>bold</b> 🤖🎙️", BotCategory::sales);
-    stage.showProcess("Ünïcødé \xE2\x80\xAE reversed", BotCategory::recruiting);
+    stage.showInMeeting(std::string(300, 'W') + " notetaker");
+    stage.showInMeeting("روبوت تدوين الملاحظات notetaker", "Webex");
+    stage.showInMeeting("<b>bold</b>\n🤖🎙️ notetaker");
+    stage.showInMeeting("Ünïcødé \xE2\x80\xAE reversed notetaker");
 }
 
 const std::vector<Scene> scenes{
@@ -99,9 +97,8 @@ const std::vector<Scene> scenes{
     {"popover-limited", popover,
      [](Stage& stage) {
          stage.permit(true, true);
-         stage.state.limitations = std::vector<Limitation>{
-             {LimitedPart::calendars, "Calendars that can't be read: Work (it does not answer). "
-                                      "Bots invited to their meetings are not seen."}};
+         stage.computer.calendars.unread = {{"Work", "it does not answer"}};
+         stage.look();
          stage.ui.openPopover();
      }},
     {"popover-detections", popover,
@@ -116,8 +113,7 @@ const std::vector<Scene> scenes{
      }},
     {"popover-accounts", popover,
      [](Stage& stage) {
-         stage.permit(true, true);
-         stage.state.permissions.needsCalendarAccountSetup = true;
+         stage.permit(true, true, false);
          stage.computer.systemSettings.hasPanes = false;
          stage.ui.openPopover();
          stage.ui.window(popover)
@@ -152,7 +148,7 @@ const std::vector<Scene> scenes{
      [](Stage& stage) {
          showEverything(stage);
          for (int each = 0; each < 200; ++each)
-             stage.showProcess("Recorder " + std::to_string(each), BotCategory::localRecorder);
+             stage.showInMeeting("Acme " + std::to_string(each) + " Notetaker");
          stage.ui.openPopover();
      }},
     {"history", popover,
@@ -177,12 +173,12 @@ const std::vector<Scene> scenes{
     {"calendar-window", "CalendarPermissionHelper",
      [](Stage& stage) {
          stage.permit(false, true);
-         stage.state.calendarWindow = true;
+         stage.state.showCalendarPermissionWindow();
      }},
     {"calendar-window-granted", "CalendarPermissionHelper",
      [](Stage& stage) {
          stage.permit(true, true);
-         stage.state.calendarWindow = true;
+         stage.state.showCalendarPermissionWindow();
      }},
     {"calendar-consent", "CalendarConsent",
      [](Stage& stage) { stage.consent.request([](const CalendarStore::AccessAnswer&) {}); }},
@@ -199,7 +195,7 @@ const std::vector<Scene> scenes{
     {"onboarding-3-accessibility-granted", onboarding,
      [](Stage& stage) {
          onboardingStep(stage, 2);
-         bridge(stage).model.accessibilityGranted = true;
+         stage.permit(false, true);
      }},
     {"onboarding-4-calendar", onboarding, [](Stage& stage) { onboardingStep(stage, 3); }},
     {"onboarding-4-calendar-granted", onboarding,
@@ -230,15 +226,14 @@ const std::vector<Scene> scenes{
      }},
     {"settings-detection", settings,
      [](Stage& stage) {
-         stage.permit(true, false);
-         stage.state.permissions.needsCalendarAccountSetup = true;
+         stage.permit(true, false, false);
          stage.state.allow("otter");
          stage.state.allow("Fireflies.ai");
          openTab(stage, 1);
      }},
     {"settings-objection", settings,
      [](Stage& stage) {
-         stage.showParticipant("Otter.ai", BotCategory::transcription);
+         stage.showInMeeting("Otter.ai Notetaker");
          stage.state.objectToFirst();
          openTab(stage, 2);
      }},

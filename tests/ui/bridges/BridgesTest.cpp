@@ -27,14 +27,13 @@ protected:
 };
 
 TEST_F(PopoverBridgeTest, rowsFollowTheStateAndSayWhatMatched) {
-    stage.showParticipant("Otter.ai", BotCategory::transcription);
-    stage.showInvited("Read.ai", 45min);
-    stage.settle();
+    stage.showInMeeting("Otter.ai Notetaker");
+    stage.invite("notetaker@read.ai", 45min);
     EXPECT_EQ(popover.pillText(), "2 Bots Detected");
     EXPECT_EQ(text(*popover.participants(), 0, "subtitle"), "Transcription");
     EXPECT_THAT(text(*popover.participants(), 0, "note"), HasSubstr("Otter.ai Notetaker"));
     EXPECT_EQ(text(*popover.upcoming(), 0, "badge"), "45m");
-    EXPECT_THAT(text(*popover.upcoming(), 0, "note"), HasSubstr("notetaker@example.com"));
+    EXPECT_THAT(text(*popover.upcoming(), 0, "note"), HasSubstr("notetaker@read.ai"));
     stage.computer.loop.advance(0s);
     popover.setVisible(true); // while it is in sight, times go on
     stage.computer.loop.advance(60s);
@@ -42,11 +41,11 @@ TEST_F(PopoverBridgeTest, rowsFollowTheStateAndSayWhatMatched) {
 }
 
 TEST_F(PopoverBridgeTest, anObjectionNamesTheRowThatItIsTo) {
-    stage.showParticipant("Otter.ai", BotCategory::transcription);
-    stage.showParticipant("Fathom", BotCategory::sales, "Google Meet");
-    stage.showInvited("Read.ai", 45min);
-    popover.objectToParticipant("Google Meet-Fathom");
-    popover.objectToCalendar("Read.ai-cal");
+    stage.showInMeeting("Otter.ai Notetaker");
+    stage.showInMeeting("Fathom Notetaker", "Google Meet");
+    stage.invite("notetaker@read.ai", 45min);
+    popover.objectToParticipant("Google Meet-fathom notetaker");
+    popover.objectToCalendar("read-cal-notetaker@read.ai");
     popover.objectToParticipant("gone"); // the bot has left while the button was pressed
     const auto& log = stage.state.objections.objectionLog.records.get();
     ASSERT_EQ(log.size(), 2U);

@@ -42,23 +42,12 @@ TEST(ViewTexts, timesPassedAreSaidInTheLargestWholeUnit) {
         EXPECT_EQ(relativeTime(then, then + passed), text);
 }
 
-TEST(ViewTexts, aChipIsLimitedWhetherItsSourceIsOnOrNot) {
-    const std::vector<Limitation> limitations{{LimitedPart::calendars, "No calendar answers."},
-                                              {LimitedPart::speech, "Nothing is spoken."}};
-    EXPECT_EQ(chipLook(true, LimitedPart::processes, limitations), ChipLook::on);
-    EXPECT_EQ(chipLook(false, LimitedPart::meetings, limitations), ChipLook::off);
-    EXPECT_EQ(chipLook(true, LimitedPart::calendars, limitations), ChipLook::limited);
-    EXPECT_EQ(chipLook(false, LimitedPart::calendars, limitations), ChipLook::limited);
-    EXPECT_EQ(limitationText(LimitedPart::calendars, limitations), "No calendar answers.");
-}
-
-TEST(ViewTexts, allClearNeverStandsAloneOverWhatWasNotLookedAt) {
-    EXPECT_EQ(uncoveredText(true, {}), "");
-    EXPECT_THAT(uncoveredText(false, {}), HasSubstr("Monitoring is off"));
-    EXPECT_EQ(uncoveredText(true, {{LimitedPart::processes, "A."},
-                                   {LimitedPart::notifications, "B."},
-                                   {LimitedPart::meetings, "C."}}),
-              "A.\nC.");
+TEST(ViewTexts, aChipIsLimitedWheneverItsSourceIs) {
+    using enum SourceState::Kind;
+    for (const auto kind : {notAllowed, notAvailable, partlyBlind})
+        EXPECT_EQ(chipLook({kind, "No calendar answers."}), ChipLook::limited);
+    EXPECT_EQ(chipLook({looking, {}}), ChipLook::on);
+    EXPECT_EQ(chipLook({off, {}}), ChipLook::off);
 }
 
 TEST(ViewTexts, accountsAreToldApartByTheirNamesWhateverTheirLetterCase) {
@@ -91,7 +80,7 @@ TEST(ViewTexts, theFirstScanNamesItsSources) {
     EXPECT_EQ(foundText(2), "2 Bots Found");
 }
 
-TEST(ViewTexts, anUpdateCheckThatFailedIsNoUpToDate) {
+TEST(ViewTexts, anUpdateCheckThatFailedIsNotUpToDate) {
     EXPECT_EQ(updateText(false, std::nullopt), "");
     EXPECT_THAT(updateText(true, UpdateAnswer{.kind = UpdateAnswer::Kind::upToDate}),
                 testing::Not(HasSubstr("up to date")));

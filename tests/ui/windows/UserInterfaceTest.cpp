@@ -1,8 +1,8 @@
 // The windows: that they come and go when they should, that nothing in them is broken, and that
 // everyone can read and reach what is in them.
+#include "support/Stage.h"
 #include "ui/ItemWalk.h"
 #include "ui/QtEnvironment.h"
-#include "support/Stage.h"
 
 #include <gmock/gmock.h>
 
@@ -29,11 +29,10 @@ protected:
         return window && window->isVisible();
     }
     void detectEverything() {
-        stage.showIndicator(IndicatorType::recording, "Zoom");
-        stage.showParticipant("Otter.ai", BotCategory::transcription);
-        stage.showInvited("Read.ai", 45min);
-        stage.showProcess("Granola", BotCategory::localRecorder);
-        stage.settle();
+        stage.showInMeeting("This meeting is being recorded");
+        stage.showInMeeting("Otter.ai Notetaker");
+        stage.invite("notetaker@read.ai", 45min);
+        stage.run("/usr/bin/granola");
     }
     /// Opens every window, one after the other, in each of its steps or tabs, and looks at it.
     void lookAtEveryView(const std::function<void(QQuickWindow&)>& look) {
@@ -44,12 +43,13 @@ protected:
         stage.permit(false, false);
         stage.ui.openPopover();
         lookAt(popoverView);
-        detectEverything();
         stage.permit(true, true);
+        detectEverything();
+        stage.ui.openPopover(); // the alert may have taken the keyboard from it
         lookAt(popoverView);
         stage.ui.openHistory();
         lookAt(popoverView);
-        stage.state.calendarWindow = true;
+        stage.state.showCalendarPermissionWindow();
         lookAt("CalendarPermissionHelper");
         stage.consent.request([](const CalendarStore::AccessAnswer&) {});
         lookAt("CalendarConsent");
@@ -118,7 +118,7 @@ TEST_F(UserInterfaceTest, closingAWindowIsAnAnswer) {
     stage.ui.window("CalendarConsent")->close();
     EXPECT_EQ(answer, false);
 
-    stage.state.calendarWindow = true;
+    stage.state.showCalendarPermissionWindow();
     ASSERT_TRUE(isShown("CalendarPermissionHelper"));
     stage.ui.window("CalendarPermissionHelper")->close();
     EXPECT_FALSE(stage.state.calendarWindow);
@@ -146,7 +146,7 @@ TEST_F(UserInterfaceTest, theFirstRunEndsWithItsLastButton) {
 }
 
 TEST_F(UserInterfaceTest, theHistoryOpensWithThePopoverAndGoesWithIt) {
-    stage.state.showingLogSheet = true;
+    stage.state.showHistory();
     ASSERT_TRUE(isShown(popoverView));
     EXPECT_THAT(textsOf(*stage.ui.window(popoverView)), testing::Contains("No detections yet"));
     stage.ui.closePopover();
@@ -183,7 +183,7 @@ TEST_F(UserInterfaceTest, aRowThatGoesWhileItsButtonIsPressedTakesThePressWithIt
     ASSERT_TRUE(button);
     const QPoint place = button->mapToScene({button->width() / 2, button->height() / 2}).toPoint();
     QTest::mousePress(&popover, Qt::LeftButton, {}, place);
-    stage.state.participantBotDetections = std::vector<ParticipantBotDetection>{};
+    stage.state.allow("Otter.ai");
     stage.settle();
     QTest::mouseRelease(&popover, Qt::LeftButton, {}, place);
     stage.settle();
@@ -194,16 +194,15 @@ TEST_F(UserInterfaceTest, aRowThatGoesWhileItsButtonIsPressedTakesThePressWithIt
 }
 
 TEST_F(UserInterfaceTest, twoHundredDetectionsAndHostileNamesAreShown) {
-    stage.showParticipant(std::string(300, 'W'), BotCategory::sales);
-    stage.showParticipant("<b>a</b>\n\xE2\x80\xAE"
-                          "b",
-                          BotCategory::sales);
+    stage.showInMeeting(std::string(300, 'W') + " Notetaker");
+    stage.showInMeeting("<b>a</b>\n\xE2\x80\xAE"
+                        "b Notetaker");
     for (int each = 0; each < 200; ++each)
-        stage.showProcess("Recorder " + std::to_string(each), BotCategory::localRecorder);
+        stage.showInMeeting("Acme " + std::to_string(each) + " Notetaker");
     stage.ui.openPopover();
     ASSERT_TRUE(isShown(popoverView));
     const auto texts = textsOf(*stage.ui.window(popoverView));
-    EXPECT_THAT(texts, testing::IsSupersetOf({"<b>a</b> b", "Recorder 199"}));
+    EXPECT_THAT(texts, testing::IsSupersetOf({"<b>a</b> b Notetaker", "Acme 199 Notetaker"}));
     EXPECT_THAT(texts.size(), Gt(400U));
 }
 
@@ -236,8 +235,8 @@ TEST_F(UserInterfaceTest, aScreenReaderCanOperateWhatItIsToldOf) {
 }
 
 TEST_F(UserInterfaceTest, theKeyboardGoesThroughThePopoverAsItIsRead) {
-    detectEverything();
     stage.permit(true, true);
+    detectEverything();
     stage.ui.openPopover();
     ASSERT_TRUE(isShown(popoverView));
     auto& popover = *stage.ui.window(popoverView);

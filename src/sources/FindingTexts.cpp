@@ -1,4 +1,4 @@
-#include "core/NotificationTexts.h"
+#include "sources/FindingTexts.h"
 
 #include "base/Text.h"
 
@@ -78,6 +78,16 @@ std::string clockTime(Time time) {
                            local.tm_min, local.tm_hour < hoursOfHalf ? "AM" : "PM");
     return fmt::format("{}:{:02} {}", (local.tm_hour + hoursOfHalf - 1) % hoursOfHalf + 1,
                        local.tm_min, half.data());
+}
+
+NotificationRequest notification(const FindingKind& kind, const std::string& subject,
+                                 NotificationText text, NotificationUrgency urgency) {
+    return {.identifier = std::string(kind.notificationPrefix) + subject,
+            .title = std::move(text.title),
+            .body = std::move(text.body),
+            .hasSound = urgency != NotificationUrgency::low,
+            .urgency = urgency,
+            .categoryIdentifier = std::string(kind.notificationCategory)};
 }
 
 } // namespace quorva

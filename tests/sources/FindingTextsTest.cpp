@@ -1,11 +1,8 @@
-#include "core/NotificationManager.h"
-#include "support/FakeNotificationCenter.h"
-#include "support/RecordingLog.h"
-#include "support/VirtualMainLoop.h"
+// What notifications of findings say.
+#include "sources/FindingTexts.h"
 
 #include <gmock/gmock.h>
 
-#include <clocale>
 #include <cstdlib>
 #include <ctime>
 
@@ -13,9 +10,8 @@ namespace quorva {
 namespace {
 
 using namespace std::chrono_literals;
-using testing::ElementsAre;
 
-TEST(NotificationTexts, cutLongNamesAtCharactersAndNotAtBytes) {
+TEST(FindingTexts, cutLongNamesAtCharactersAndNotAtBytes) {
     const auto cut = [](const std::string& name) {
         return participantText({.platformName = "Zoom",
                                 .matchedParticipantName = name,
@@ -32,7 +28,7 @@ TEST(NotificationTexts, cutLongNamesAtCharactersAndNotAtBytes) {
     EXPECT_EQ(truncatedForNotification("<b>\u05D0\u202E & \xFF"), "<b>\u05D0\u202E & \xFF");
 }
 
-TEST(NotificationTexts, sayWhenAMeetingIs) {
+TEST(FindingTexts, sayWhenAMeetingIs) {
     ::setenv("TZ", "America/New_York", 1);
     ::tzset();
     const Time now = std::chrono::sys_days{std::chrono::March / 2 / 2026} + 17h;
@@ -56,7 +52,7 @@ TEST(NotificationTexts, sayWhenAMeetingIs) {
     ::tzset();
 }
 
-TEST(NotificationTexts, nameTheKindOfRecording) {
+TEST(FindingTexts, nameTheKindOfRecording) {
     const auto text = [](IndicatorType type) {
         const auto [title, body] = indicatorText(
             {.platformName = "Zoom", .indicatorText = "Cloud Recording", .indicatorType = type});
@@ -73,45 +69,6 @@ TEST(NotificationTexts, nameTheKindOfRecording) {
               "Teams Copilot Active|Copilot is active in your Teams meeting");
     EXPECT_EQ(text(IndicatorType::gemini),
               "Google Gemini Active|Gemini is taking notes in your Google Meet");
-}
-
-class NotificationManagerTest : public testing::Test {
-protected:
-    VirtualMainLoop loop;
-    FakeNotificationCenter center;
-    RecordingLog log;
-    NotificationManager manager{loop, center, log};
-};
-
-TEST_F(NotificationManagerTest, identifiesWhatItTellsOf) {
-    manager.notifyCalendarBot({.signatureId = "gong-cal", .eventIdentifier = "E1"});
-    manager.notifyParticipantBot({.id = "Zoom-gong"});
-    manager.notifyRecordingIndicator({.id = "Zoom-rec"});
-    std::vector<std::string> identifiers;
-    std::vector<std::size_t> buttons;
-    for (const auto& request : center.posted) {
-        identifiers.push_back(request.identifier);
-        for (const auto& category : center.categories)
-            if (category.identifier == request.categoryIdentifier)
-                buttons.push_back(category.actions.size());
-    }
-    EXPECT_THAT(identifiers, ElementsAre("cal-bot-gong-cal-E1", "participant-bot-Zoom-gong",
-                                         "recording-indicator-Zoom-rec"));
-    EXPECT_THAT(buttons, ElementsAre(2U, 2U, 1U));
-    EXPECT_EQ(center.categories[0].actions[0], (NotificationAction{"OBJECT_ACTION", "Object Now"}));
-}
-
-TEST_F(NotificationManagerTest, asksForPermissionOnlyWhenItWasNeverAsked) {
-    center.authorization = NotificationAuthorization::denied;
-    manager.requestAuthorizationIfNeeded();
-    EXPECT_EQ(center.requests, 0);
-    center.authorization = NotificationAuthorization::notDetermined;
-    center.requestError = "nobody shows notifications";
-    manager.requestAuthorizationIfNeeded();
-    EXPECT_THAT(log.messages,
-                ElementsAre(LoggedMessage{
-                    LogLevel::error, "Notification permission error: nobody shows notifications",
-                    "notification"}));
 }
 
 } // namespace

@@ -1,0 +1,53 @@
+#include "core/Announcer.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+namespace quorva {
+
+Announcer::Announcer(MainLoop& loop_, Log& log_, const Settings& settings_,
+                     const AllowList& allowList_, RecordLog<DetectionEvent>& detectionLog_,
+                     NotificationManager& notifications_, AlertPanel& alertPanel_)
+    : loop(loop_),
+      log(log_),
+      settings(settings_),
+      allowList(allowList_),
+      detectionLog(detectionLog_),
+      notifications(notifications_),
+      alertPanel(alertPanel_),
+      announcements(loop_) {}
+
+/// The entry first: what is announced must be in the history whatever happens next.
+void Announcer::announce(const FindingPtr& finding) {
+    if (allowList.allows(*finding))
+        return;
+    auto event = finding->record();
+    log.notice(fmt::format("Detected: {} ({})", event.botName, event.method),
+               logCategory::appState);
+    if (!settings.showNotifications)
+        return detectionLog.add(std::move(event));
+    auto announcement = lifetime.guard([this, finding] {
+        notifications.post(finding->announcement(loop.now()));
+        alertPanel.show(finding->alert());
+    });
+    detectionLog.add(std::move(event), announcements.add(std::move(announcement)));
+}
+
+void Announcer::announceGone(const Finding& finding) {
+    if (!settings.showNotifications)
+        return;
+    if (auto farewell = finding.farewell())
+        notifications.post(std::move(*farewell));
+}
+
+void Announcer::alertOfFirst(const Findings& findings) {
+    const auto first = std::min_element(findings.begin(), findings.end(),
+                                        [](const FindingPtr& a, const FindingPtr& b) {
+                                            return a->kind().alertRank < b->kind().alertRank;
+                                        });
+    if (first != findings.end())
+        alertPanel.show((*first)->alert());
+}
+
+} // namespace quorva

@@ -1,0 +1,44 @@
+// What becomes of a detection: an entry of the history first, then a notification and the alert.
+#pragma once
+
+#include "core/AlertPanel.h"
+#include "core/AllowList.h"
+#include "core/AnnouncementQueue.h"
+#include "core/NotificationManager.h"
+#include "core/RecordLog.h"
+#include "core/Settings.h"
+#include "sources/Finding.h"
+
+namespace quorva {
+
+/// Main thread only.
+class Announcer {
+public:
+    /// Everything must outlive the announcer.
+    Announcer(MainLoop& loop, Log& log, const Settings& settings, const AllowList& allowList,
+              RecordLog<DetectionEvent>& detectionLog, NotificationManager& notifications,
+              AlertPanel& alertPanel);
+
+    /// Records a finding and, where notifications are on, announces it once the entry would survive
+    /// a power cut. Nothing when its product is allowed.
+    void announce(const FindingPtr& finding);
+
+    /// Announces that a finding is gone, where its kind says so.
+    void announceGone(const Finding& finding);
+
+    /// Shows the alert of the finding that matters most; nothing when there is none.
+    void alertOfFirst(const Findings& findings);
+
+private:
+    MainLoop& loop;
+    Log& log;
+    const Settings& settings;
+    const AllowList& allowList;
+    RecordLog<DetectionEvent>& detectionLog;
+    NotificationManager& notifications;
+    AlertPanel& alertPanel;
+    AnnouncementQueue announcements;
+    Lifetime lifetime; // last: goes first
+};
+
+} // namespace quorva

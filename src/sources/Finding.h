@@ -1,0 +1,85 @@
+// A detection in the form in which all sources are listed, recorded, announced and reported.
+#pragma once
+
+#include "catalogue/Records.h"
+#include "platform/NotificationCenter.h"
+
+#include <nlohmann/json_fwd.hpp>
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace quorva {
+
+/// What all detections of one kind have in common. A source finds one kind or more.
+struct FindingKind {
+    std::string_view name; ///< of their list in reports: "participants"
+    DetectionSource source;
+    std::string_view notificationCategory; ///< decides which buttons a notification has
+    std::string_view notificationPrefix;   ///< of the identifiers of their notifications
+    int alertRank;                         ///< which kind the first alert is about; lowest first
+    std::optional<int> objectionRank; ///< which kind an objection is to; absent: not objected to
+    std::string_view sharedPlace;     ///< "in my meeting", when recommended; empty: not named
+    std::vector<std::string_view> columns; ///< headings of the table that reports print
+};
+
+/// What the alert panel says.
+struct BotAlert {
+    std::string botName;
+    std::string platform;
+    std::string category;
+
+    bool operator==(const BotAlert&) const = default;
+};
+
+/// What a row in a list says. Texts may be of others.
+struct FindingText {
+    std::string title;
+    std::string category; ///< for people; may be empty
+    std::string place;    ///< the platform, or the time of day; may be empty
+    std::string badge;    ///< a few letters; may be empty
+    std::string match;    ///< what gave it away
+    bool isLive = false;  ///< it goes on now, for everybody in the meeting
+};
+
+/// One detection. Never changes. Main thread only.
+class Finding {
+public:
+    virtual ~Finding() = default;
+
+    [[nodiscard]] virtual const FindingKind& kind() const = 0;
+    /// Tells the findings of one kind apart.
+    [[nodiscard]] virtual const std::string& id() const = 0;
+    /// Under which key the allow list hides it; empty: it cannot be hidden.
+    [[nodiscard]] virtual std::string allowKey() const { return {}; }
+    /// Which meeting an objection is about, when that is known.
+    [[nodiscard]] virtual std::optional<std::string> meetingContext() const { return {}; }
+
+    /// The entry of the history.
+    [[nodiscard]] virtual DetectionEvent record() const = 0;
+    [[nodiscard]] virtual BotAlert alert() const = 0;
+    /// The notification that it was found, worded for the time `now`.
+    [[nodiscard]] virtual NotificationRequest announcement(Time now) const = 0;
+    /// The notification that it is gone; absent: nobody is told.
+    [[nodiscard]] virtual std::optional<NotificationRequest> farewell() const { return {}; }
+
+    /// The row in a list, at the time `now`.
+    [[nodiscard]] virtual FindingText text(Time now) const = 0;
+    /// The fields of the record, enumerations as raw values, dates as ISO 8601 UTC.
+    [[nodiscard]] virtual nlohmann::ordered_json fields() const = 0;
+    /// The row in a report's table, a text for each column.
+    [[nodiscard]] virtual std::vector<std::string> cells(Time now) const = 0;
+};
+
+using FindingPtr = std::shared_ptr<const Finding>;
+using Findings = std::vector<FindingPtr>;
+
+/// What the product is called, as in the history.
+[[nodiscard]] inline std::string botName(const Finding& finding) {
+    return finding.record().botName;
+}
+
+} // namespace quorva

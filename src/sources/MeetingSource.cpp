@@ -1,0 +1,144 @@
+#include "sources/MeetingSource.h"
+
+#include "detectors/Remedies.h"
+#include "platform/PreferenceKeys.h"
+#include "sources/FindingTexts.h"
+#include "sources/MeetingFindings.h"
+
+#include <fmt/format.h>
+
+#include <utility>
+
+namespace quorva {
+
+const SourceProfile meetingProfile{
+    .name = "meeting",
+    .place = "meetings",
+    .allowedAt = {},
+    .chip = "Meeting",
+    .symbol = "person.2",
+    .logName = "participant",
+    .switchedBy = preferenceKeys::participantMonitorEnabled.name,
+    .kinds = {&participantFindings, &bannerFindings},
+};
+
+namespace {
+
+constexpr Seconds readingTimeout{10.0};
+
+std::string describeWindow(const UnreadMeetingWindow& window) {
+    auto what = window.applicationName;
+    if (!window.windowTitle.empty())
+        what += fmt::format(" \"{}\"", window.windowTitle);
+    return what + ": " + (window.problem.empty() ? "no answer yet" : window.problem);
+}
+
+} // namespace
+
+MeetingSource::MeetingSource(Platform& platform)
+    : Source(meetingProfile, platform.loop),
+      monitor(platform.loop, platform.applications, platform.accessibility, platform.log),
+      tree(platform.accessibility),
+      processTable(platform.processTable) {
+    monitor.onBotDetected = [this](const ParticipantBotDetection& bot) {
+        appeared(std::make_shared<ParticipantFinding>(bot));
+    };
+    monitor.onBotDisappeared = [this](const ParticipantBotDetection& bot) {
+        gone(std::make_shared<ParticipantFinding>(bot));
+    };
+    monitor.onRecordingIndicatorDetected = [this](const RecordingIndicatorDetection& banner) {
+        appeared(std::make_shared<BannerFinding>(banner));
+    };
+    monitor.onRecordingIndicatorDisappeared = [this](const RecordingIndicatorDetection& banner) {
+        gone(std::make_shared<BannerFinding>(banner));
+    };
+    followList(monitor.participantBotDetections, monitor.recordingIndicators);
+    followState(monitor.coverage, monitor.lastScanDate);
+    followPermission(monitor.hasAccessibilityPermission);
+}
+
+/// The pass comes when the windows have been read, or when that takes too long.
+void MeetingSource::look(Task done) {
+    awaitFirstLook([this, done = std::move(done)] {
+        monitor.performScan();
+        done();
+    });
+}
+
+void MeetingSource::awaitFirstLook(Task done) {
+    if (!mayLook())
+        return done();
+    awaited = std::move(done);
+    const auto finish = [this] {
+        if (const Task next = std::exchange(awaited, nullptr))
+            next();
+    };
+    const auto check = [this, finish] {
+        if (awaited && monitor.readAhead())
+            finish();
+    };
+    subscriptions.push_back(tree.onRead(lifetime.guard(check)));
+    subscriptions.push_back(loop.after(readingTimeout, lifetime.guard(finish)));
+    check();
+}
+
+SourceState MeetingSource::sight() const {
+    using enum SourceState::Kind;
+    if (!*monitor.lastScanDate)
+        return {looking, {}};
+    const auto& looked = *monitor.coverage;
+    if (!canListProcesses())
+        return {notAvailable,
+                "The processes of this computer can't be listed: bots in meetings are not seen."};
+    if (!looked.unread.empty())
+        return {
+            partlyBlind,
+            fmt::format("Windows that can't be looked at: {}. Bots in their meetings are not seen.",
+                        someOf(looked.unread, [](const UnreadMeetingWindow& window) {
+                            return fmt::format("{} ({})", window.applicationName, window.problem);
+                        }))};
+    if (!looked.notReadYet.empty())
+        return {looking, {}};
+    return {ok, {}};
+}
+
+SourceState MeetingSource::obstacle() const {
+    return {SourceState::Kind::notAllowed,
+            "The desktop's accessibility is switched off: bots in meetings are not seen."};
+}
+
+std::string MeetingSource::detail() const {
+    if (!mayLook())
+        return remedies::accessibilityIsOff;
+    if (!canListProcesses())
+        return remedies::processesCannotBeListed;
+    const auto& looked = *monitor.coverage;
+    auto unread = looked.unread;
+    unread.insert(unread.end(), looked.notReadYet.begin(), looked.notReadYet.end());
+    if (!unread.empty()) {
+        auto detail = fmt::format("windows that can't be read: {}", unread.size());
+        for (const auto& window : unread)
+            detail += "; " + describeWindow(window);
+        return detail;
+    }
+    auto detail = fmt::format("applications that may hold meetings: {}; meeting windows: {}",
+                              looked.applications, looked.windows);
+    if (looked.cutShort > 0)
+        detail += fmt::format("; of these, hold more than is looked at: {}", looked.cutShort);
+    return detail;
+}
+
+/// Without them it is not known which applications run.
+bool MeetingSource::canListProcesses() const {
+    const auto listed = processTable.processIdentifiers();
+    return listed && !listed->empty();
+}
+
+Findings MeetingSource::list() const {
+    auto found = findingsOf<ParticipantFinding>(*monitor.participantBotDetections);
+    const auto banners = findingsOf<BannerFinding>(*monitor.recordingIndicators);
+    found.insert(found.end(), banners.begin(), banners.end());
+    return found;
+}
+
+} // namespace quorva

@@ -1,0 +1,76 @@
+#include "sources/Source.h"
+
+#include <utility>
+
+namespace quorva {
+
+Source::Source(const SourceProfile& profile_, MainLoop& loop_) : profile(profile_), loop(loop_) {}
+
+void Source::setOn(bool isOn) {
+    if (isOn) {
+        mode = Mode::watching;
+        startIfWanted();
+    } else {
+        mode = Mode::off;
+        stopWatching();
+    }
+    schedule(isStateDue);
+}
+
+void Source::startIfWanted() {
+    if (mode == Mode::watching && mayLook() && !isWatching())
+        startWatching();
+}
+
+void Source::lookOnce(Task done) {
+    mode = Mode::lookingOnce;
+    look([this, done = std::move(done)] {
+        // Fields tell of a change before it is made: what was found is read a task later.
+        loop.post(lifetime.guard([this, done] {
+            findings = list();
+            state = currentState();
+            done();
+        }));
+    });
+}
+
+void Source::appeared(FindingPtr finding) {
+    loop.post(lifetime.guard([this, finding = std::move(finding)] {
+        if (onAppeared)
+            onAppeared(finding);
+    }));
+}
+
+void Source::gone(FindingPtr finding) {
+    loop.post(lifetime.guard([this, finding = std::move(finding)] {
+        if (onGone)
+            onGone(finding);
+    }));
+}
+
+SourceState Source::currentState() const {
+    if (mode == Mode::off)
+        return {};
+    return mayLook() ? sight() : obstacle();
+}
+
+/// Fields tell of a change before it is made, and several often change together.
+void Source::schedule(bool& due) {
+    if (isStateDue || isListDue) {
+        due = true;
+        return;
+    }
+    due = true;
+    loop.post(lifetime.guard([this] { update(); }));
+}
+
+void Source::update() {
+    const bool isListToUpdate = std::exchange(isListDue, false);
+    isStateDue = false;
+    if (isListToUpdate)
+        findings = list();
+    if (auto next = currentState(); !(next == *state))
+        state = std::move(next);
+}
+
+} // namespace quorva
