@@ -144,7 +144,7 @@ int watch(const ScanOptions& options, LinuxServices& services) {
     return status;
 }
 
-/// Interrupted, it takes its stand-ins down and says that not everything was tried.
+/// When it is interrupted, it removes its stand-ins and reports that not everything was tried.
 int selfTest(const ScanOptions& options, LinuxServices& services) {
     const auto quit = [&] { services.loop.quit(); };
     const auto onInterrupt = GLibMainLoop::onSignal(SIGINT, quit);

@@ -1,5 +1,5 @@
-// quorva: the application. Puts the Linux services, the core and the user interface together, comes
-// up as the session's only instance, and goes down in order.
+// quorva: the application. Puts the Linux services, the core and the user interface together, makes
+// sure that it is the session's only instance, and shuts down in order.
 #include "core/AppDelegate.h"
 #include "core/AppState.h"
 #include "core/CalendarConsentDialog.h"
@@ -73,7 +73,7 @@ CalendarConsent consentOf(CalendarConsentDialog& dialog) {
                 }};
 }
 
-/// The log with its file, which is there before anything else has something to say.
+/// The log with its file. It is made first, so that everything else can log.
 struct Logs {
     explicit Logs(const MainLoop& loop) : log(loop, journal) {
         startLogFile(log, files, loop, g_get_user_state_dir(),

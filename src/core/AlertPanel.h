@@ -1,5 +1,5 @@
-// The small panel that announces a detection in the corner of the screen: what it says, and for how
-// long. How it looks is the user interface's.
+// The text of the small panel that announces a detection in the corner of the screen, and how long
+// it is shown. The user interface draws it.
 #pragma once
 
 #include "base/Lifetime.h"
@@ -17,13 +17,13 @@ public:
     /// The loop must outlive the panel.
     explicit AlertPanel(MainLoop& loop);
 
-    /// What the panel shows; nothing while there is no panel.
+    /// The alert that is shown; nothing while the panel is hidden.
     Published<std::optional<BotAlert>, AlertPanel> alert;
 
-    /// Shows an alert for 8 seconds, in place of the one that shows.
+    /// Shows an alert for 8 seconds and replaces the one that is shown.
     void show(BotAlert next);
 
-    /// Takes the panel away at once.
+    /// Hides the panel at once.
     void dismiss();
 
 private:

@@ -1,4 +1,4 @@
-// The products that the user does not want to be told of.
+// The products that the user has chosen not to be alerted about.
 #pragma once
 
 #include "base/Published.h"
@@ -18,7 +18,7 @@ public:
 
     Published<std::set<std::string>, AllowList> allowedBotIds;
 
-    /// Whether the user does not want to be told of it.
+    /// Whether the finding's product is on the list.
     [[nodiscard]] bool allows(const Finding& finding) const;
 
     /// Adds or removes a key, and stores the list.

@@ -15,7 +15,7 @@ Task AnnouncementQueue::add(Task announcement) {
             alive->isSafe = true;
         release();
     });
-    entry->limit = loop.after(longestWait, safe);
+    entry->deadline = loop.after(longestWait, safe);
     waiting.push_back(entry);
     return safe;
 }

@@ -1,5 +1,5 @@
-// Holds an announcement back until the history entry it stands for would survive a power cut, so
-// that nothing is announced that the record does not know of.
+// Holds each announcement back until its history entry would survive a power cut. Nothing is
+// announced that is not in the history.
 #pragma once
 
 #include "base/Lifetime.h"
@@ -16,15 +16,16 @@ public:
     /// The loop must outlive the queue.
     explicit AnnouncementQueue(MainLoop& loop);
 
-    /// Announces when the returned task, to be called once the record is safe, has been called, or
-    /// after 2 seconds: a full disk must not keep the user from being told. In the order of adding.
+    /// Queues an announcement and returns a task; call that task once the history entry is safe.
+    /// The announcement runs then, or after 2 seconds, because a full disk must not silence an
+    /// alert. Announcements run in the order in which they were added.
     [[nodiscard]] Task add(Task announcement);
 
 private:
     struct Entry {
         Task announcement;
         bool isSafe = false;
-        Timer limit;
+        Timer deadline;
     };
     void release();
 

@@ -18,7 +18,7 @@ Announcer::Announcer(MainLoop& loop_, Log& log_, const Settings& settings_,
       alertPanel(alertPanel_),
       announcements(loop_) {}
 
-/// The entry first: what is announced must be in the history whatever happens next.
+/// The entry comes first: an announced detection must be in the history, whatever happens next.
 void Announcer::announce(const FindingPtr& finding) {
     if (allowList.allows(*finding))
         return;

@@ -1,4 +1,5 @@
-// What becomes of a detection: an entry of the history first, then a notification and the alert.
+// Records and announces what the sources find: first an entry of the history, then a notification
+// and the alert.
 #pragma once
 
 #include "core/AlertPanel.h"
@@ -19,14 +20,14 @@ public:
               RecordLog<DetectionEvent>& detectionLog, NotificationManager& notifications,
               AlertPanel& alertPanel);
 
-    /// Records a finding and, where notifications are on, announces it once the entry would survive
-    /// a power cut. Nothing when its product is allowed.
+    /// Records a finding. If notifications are on, announces it once the entry would survive a
+    /// power cut. Does nothing if the product is allowed.
     void announce(const FindingPtr& finding);
 
-    /// Announces that a finding is gone, where its kind says so.
+    /// Announces that a finding is gone, if its kind has such a notification.
     void announceGone(const Finding& finding);
 
-    /// Shows the alert of the finding that matters most; nothing when there is none.
+    /// Shows the alert of the finding whose kind ranks first. Does nothing if there is none.
     void alertOfFirst(const Findings& findings);
 
 private:

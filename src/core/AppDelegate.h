@@ -1,4 +1,4 @@
-// What happens when the program has come up, and before it goes down.
+// Handles the start and the end of the program.
 #pragma once
 
 #include "core/AppState.h"
@@ -11,18 +11,18 @@ public:
     /// Both must outlive the delegate.
     AppDelegate(AppState& state, MainLoop& loop);
 
-    /// The window of the first run shows.
+    /// Whether the window of the first run is shown.
     Published<bool, AppDelegate> onboardingWindow{false};
 
-    /// To be called once, when this is known to be the only instance: half a second later the first
-    /// run's window shows, unless it has been walked through before.
+    /// Call once, when this is known to be the only instance. The window of the first run is shown
+    /// half a second later, unless the first run was completed before.
     void didFinishLaunching();
 
-    /// Shows the window of the first run, again if need be.
+    /// Shows or hides the window of the first run.
     void showOnboardingWindow();
     void closeOnboardingWindow();
 
-    /// Stores the settings; to be called before the program ends.
+    /// Stores the settings. Call before the program ends.
     void willTerminate();
 
 private:

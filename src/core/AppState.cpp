@@ -45,7 +45,7 @@ void AppState::wire(Source& source) {
     })));
 }
 
-/// What is there already when the program starts is shown whatever the settings say of new finds.
+/// The first alert names a bot that is already there, even if notifications are off.
 void AppState::begin() {
     constexpr Seconds timeToLookAround{3.0};
     permissions.refresh();
@@ -156,7 +156,7 @@ bool AppState::objectToFirst() {
     return fileObjection({.botName = botName(*first), .meetingContext = first->meetingContext()});
 }
 
-/// To the first bot of the notification's kind: the one it was about may be gone by now.
+/// Objects to the first bot of the notification's kind: the one it was about may be gone by now.
 void AppState::objectToNotification(const std::string& identifier) {
     ObjectionOccasion occasion;
     for (const auto& finding : *findings) {

@@ -38,21 +38,21 @@ struct AppServices {
 /// Main thread only.
 class AppState {
 public:
-    /// Loads the settings and logs, looks up the permissions and, where the settings say so, starts
-    /// monitoring. 3 seconds later an alert shows what is there already.
+    /// Loads the settings and logs, looks up the permissions and starts monitoring if the settings
+    /// say so. 3 seconds later an alert names the first bot that is already there.
     explicit AppState(const AppServices& services);
 
     AppState(const AppState&) = delete;
     AppState& operator=(const AppState&) = delete;
 
-    // Services first: what follows is made of them.
+    // Services first: the members below are made of them.
 private:
     AppServices services;
 
 public:
     Settings settings;
     AllowList allowList;
-    RecordLog<DetectionEvent> detectionLog; ///< one entry per announced detection
+    RecordLog<DetectionEvent> detectionLog; ///< one entry for each announced detection
     Objections objections;
     Sources sources;
     NotificationManager notificationManager;
@@ -62,23 +62,23 @@ public:
     DetectionTrial detectionTrial;
 
     Published<bool, AppState> isMonitoring{false};
-    /// What all sources list, without the allowed products, in the order of the sources.
+    /// The findings of all sources without the allowed products, in the order of the sources.
     Published<Findings, AppState> findings;
-    Published<bool, AppState> showingLogSheet{false}; ///< the popover shows the history
-    Published<bool, AppState> calendarWindow{false};  ///< the calendar permission window shows
+    Published<bool, AppState> showingLogSheet{false}; ///< whether the popover shows the history
+    Published<bool, AppState> calendarWindow{false};  ///< whether that window is shown
 
-    /// How many detections are listed, of all kinds.
+    /// The number of findings of all kinds.
     [[nodiscard]] std::size_t totalThreatCount() const { return findings->size(); }
     [[nodiscard]] bool hasActiveThreats() const { return totalThreatCount() > 0; }
 
-    /// The state in words, with what could not be looked at.
+    /// The state in words, including the sources that could not be looked at.
     [[nodiscard]] std::string stateText() const;
 
-    /// Starts the sources that are switched on and may look. Nothing when monitoring already.
+    /// Starts the sources that are switched on and may look. Does nothing while monitoring.
     void startMonitoring();
-    /// Stops all sources. What was detected stays listed.
+    /// Stops all sources. Their findings stay listed.
     void stopMonitoring();
-    /// Has every source look once more, the processes without memory.
+    /// Makes every source look once more. The process source forgets earlier sightings first.
     void refreshAllScans();
 
     /// Flips the setting, stores it, and starts or stops the source.
@@ -95,27 +95,29 @@ public:
     /// As Objections::fileObjection.
     bool fileObjection(const ObjectionOccasion& occasion);
 
-    /// An objection to the listed finding of this kind and identifier. Nothing when it is gone.
+    /// Files an objection to the listed finding of this kind and identifier. Does nothing if it is
+    /// gone.
     void objectTo(const FindingKind& kind, const std::string& id);
 
-    /// An objection to whatever is there: the first participant, invited bot, or process.
+    /// Files an objection to the first participant, else invited bot, else process, else to nothing
+    /// in particular.
     bool objectToFirst();
 
-    /// Puts the recommendation on the clipboard.
+    /// Copies the recommendation to the clipboard.
     void share();
 
     void showHistory() { showingLogSheet = true; }
     void closeHistory() { showingLogSheet = false; }
 
-    /// Shows the calendar permission window, asks after half a second, and closes it 0.8 seconds
-    /// after a grant.
+    /// Shows the calendar permission window, asks for access after half a second, and closes the
+    /// window 0.8 seconds after access was granted.
     void showCalendarPermissionWindow();
     void closeCalendarPermissionWindow();
 
     /// Ends the first run, and starts monitoring.
     void completeOnboarding();
 
-    /// Opens the desktop's settings; false when this desktop has no such pane.
+    /// Opens a pane of the desktop's settings. False if this desktop does not have it.
     bool openInternetAccountsSettings();
     bool openSettingsPane(SettingsPane pane);
     bool openAddress(const std::string& address);

@@ -1,5 +1,5 @@
-// The question whether the program may read the user's calendars: the desktop does not ask it, so
-// the program does, and keeps the answer. How the question looks is the user interface's.
+// Asks the user whether the program may read the calendars, and keeps the answer. The desktop does
+// not ask, so the program does. The user interface shows the question.
 #pragma once
 
 #include "base/Published.h"
@@ -17,18 +17,18 @@ public:
     /// The preferences must outlive this.
     explicit CalendarConsentDialog(Preferences& preferences);
 
-    /// The question is to be shown, and waits for `answer`.
+    /// Whether the question is shown and waits for `answer`.
     Published<bool, CalendarConsentDialog> isAsking{false};
 
-    /// The answer kept: not determined, denied or full access.
+    /// The stored answer: not determined, denied or full access.
     [[nodiscard]] CalendarAuthorization status() const;
 
-    /// Asks, unless access has been granted, and calls `done` once: within this call when it need
-    /// not ask, else with the answer. A refusal of before is no reason not to ask again: only the
-    /// user's own click leads here.
+    /// Calls `done` once: within this call if access was granted before, else when the user has
+    /// answered. An earlier refusal does not prevent the question, because only a click of the user
+    /// leads here.
     void request(std::function<void(CalendarStore::AccessAnswer)> done);
 
-    /// What the user has said. Closing the question is a refusal.
+    /// Stores the user's answer and passes it on. Closing the question is a refusal.
     void answer(bool isGranted);
 
 private:

@@ -1,4 +1,4 @@
-// The trial of detection that the user can ask for, and what it has said so far.
+// Runs the detection test that the user can start from the settings, and keeps its output.
 #pragma once
 
 #include "base/Lifetime.h"
@@ -16,11 +16,11 @@ public:
     /// The service must outlive this.
     explicit DetectionTrial(DetectionTest& test);
 
-    /// What the trial has said so far, or the last one said.
+    /// The output of the running test, or of the last one.
     Published<std::vector<std::string>, DetectionTrial> lines;
     Published<bool, DetectionTrial> isRunning{false};
 
-    /// Begins a trial, in place of the last one's lines. Nothing while one is under way.
+    /// Starts a test and clears the output of the last one. Does nothing while a test is running.
     void start();
 
 private:

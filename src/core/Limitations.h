@@ -1,5 +1,5 @@
-// What the program cannot do just now, in words: which part of the desktop is missing, and what
-// that costs. An indicator that is silent about it would be taken for "all clear".
+// Says in words what the program cannot do at the moment: which part of the desktop is missing, and
+// what that costs. Without this, an indicator that cannot look would be mistaken for "all clear".
 #pragma once
 
 #include "base/Lifetime.h"
@@ -29,9 +29,9 @@ public:
     Limitations(MainLoop& loop, Log& log, NotificationCenter& notifications,
                 SpeechSynthesizer& speech, const Settings& settings, const Sources& sources);
 
-    /// One for each part that is wanted but limited: the sources in their order, then the rest.
-    /// What is switched off is not a limitation, nor is what is still being found out. Changes are
-    /// logged.
+    /// One for each part that is wanted but limited: the sources in their order, then the rest. A
+    /// part that is switched off is not limited, nor is one whose state is not known yet. Changes
+    /// are logged.
     Published<std::vector<Limitation>, Limitations> all;
 
     /// Says whether the desktop shows the tray icon.
@@ -59,8 +59,8 @@ private:
 [[nodiscard]] std::string stateInWords(bool isMonitoring, std::size_t threatCount,
                                        const Sources& sources);
 
-/// What "All Clear" does not cover: one line for each source that is limited. Empty when everything
-/// was looked at.
+/// One line for each source that is limited, and therefore not covered by "All Clear". Empty if
+/// there is none.
 [[nodiscard]] std::string uncoveredText(const Sources& sources);
 
 } // namespace quorva

@@ -1,4 +1,4 @@
-// Posts the notifications of detections, and receives what the user answers to them.
+// Posts the notifications of detections and handles their buttons.
 #pragma once
 
 #include "base/Lifetime.h"
@@ -23,13 +23,14 @@ public:
     /// Registers the categories of all kinds of findings. The services must outlive the manager.
     NotificationManager(MainLoop& loop, NotificationCenter& center, Log& log);
 
-    /// The user has chosen to object; gets the notification's identifier, as a task of its own.
+    /// Called as a task of its own when the user chooses to object. Gets the notification's
+    /// identifier. May be empty.
     std::function<void(const std::string& identifier)> onObjectAction;
 
-    /// Asks to be allowed to post, if that was never asked. A failure is logged.
+    /// Asks for permission to post, unless that was asked before. A failure is logged.
     void requestAuthorizationIfNeeded();
 
-    /// Shows a notification at once, in place of an earlier one with the same identifier.
+    /// Shows a notification and replaces an earlier one with the same identifier.
     void post(NotificationRequest request);
 
 private:

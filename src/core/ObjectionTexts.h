@@ -1,4 +1,4 @@
-// What an objection says, in each of the templates that the user can choose from.
+// The texts of the objection templates that the user can choose from.
 #pragma once
 
 #include "catalogue/Enumerations.h"
@@ -9,10 +9,10 @@ namespace quorva {
 
 struct ObjectionText {
     ObjectionTemplate objectionTemplate;
-    std::string_view displayTitle;        ///< the template's name, for people and for the log
-    std::string_view templateDescription; ///< one line beneath it
+    std::string_view displayTitle; ///< the template's name in the user interface and in the log
+    std::string_view templateDescription; ///< one line that explains it
     std::string_view writtenStatement;    ///< for the meeting's chat
-    std::string_view spokenStatement;     ///< for those who listen
+    std::string_view spokenStatement;     ///< spoken aloud; shorter
 };
 
 /// The texts of a template. Callable from any thread.

@@ -1,5 +1,5 @@
-// Objecting to being recorded: the statement goes to the clipboard and to the loudspeaker, and the
-// objection into a log that stands later.
+// Files objections to being recorded: copies the statement to the clipboard, speaks a short one,
+// and adds the objection to a log that is kept as evidence.
 #pragma once
 
 #include "base/Lifetime.h"
@@ -14,7 +14,7 @@
 
 namespace quorva {
 
-/// What an objection is made to, as far as the one who makes it knows.
+/// What an objection is about, as far as the caller knows.
 struct ObjectionOccasion {
     std::optional<ObjectionTemplate> objectionTemplate; ///< absent: the selected one
     std::optional<std::string> botName;
@@ -33,13 +33,14 @@ public:
     RecordLog<ObjectionRecord> objectionLog;
     /// The template used when an occasion names none. Not stored.
     Published<ObjectionTemplate, Objections> selectedTemplate{ObjectionTemplate::california};
-    /// Whether the confirmation shows: for 2.5 seconds after an objection.
+    /// Whether the confirmation is shown, for 2.5 seconds after an objection.
     Published<bool, Objections> showingObjectionToast{false};
 
     void selectTemplate(ObjectionTemplate which) { selectedTemplate = which; }
 
-    /// Speaks the short statement, cutting off one being spoken, copies the full one, and logs the
-    /// objection. True: it has been made. Faults of clipboard and speech do not show here.
+    /// Speaks the short statement, interrupting one that is being spoken, copies the full
+    /// statement, and logs the objection. Always true; failures of clipboard and speech are
+    /// reported elsewhere.
     bool fileObjection(const ObjectionOccasion& occasion);
 
 private:
@@ -52,8 +53,8 @@ private:
     Lifetime lifetime; // last: goes first
 };
 
-/// The best English voice: the highest quality, the first of these in the service's order; none
-/// where there is none.
+/// The English voice of the highest quality, and of equal ones the first in the service's order.
+/// Null if there is none.
 [[nodiscard]] const SpeechVoice* bestEnglishVoice(const std::vector<SpeechVoice>& installed);
 
 } // namespace quorva

@@ -1,6 +1,6 @@
-// Asking for what the program may look at, and following what the user changes elsewhere. Whether
-// calendars and windows may be read is kept by their monitors; this holds the accounts that
-// calendars come from, and whether a loopback sound device is installed.
+// Asks for access to calendars and windows, and follows changes that the user makes elsewhere. The
+// monitors hold whether they have access; this class holds the calendar accounts, and whether a
+// loopback sound device is installed.
 #pragma once
 
 #include "base/Lifetime.h"

@@ -62,15 +62,15 @@ void RecordLog<Record>::load() {
         return setAside(*stored, 0);
 
     std::vector<Record> read;
-    std::size_t unread = 0;
+    std::size_t failed = 0;
     for (const auto& item : list) {
         if (auto record = recordFromJson<Record>(item))
             read.push_back(std::move(*record));
         else
-            ++unread;
+            ++failed;
     }
-    if (unread > 0)
-        setAside(*stored, unread);
+    if (failed > 0)
+        setAside(*stored, failed);
     dropOldest(read, shape);
     encoded.clear();
     for (const auto& record : read)
@@ -91,11 +91,11 @@ void RecordLog<Record>::add(Record record, Task onDurable) {
 
 /// Copies what is stored to a key of its own, where no later change overwrites it.
 template <typename Record>
-void RecordLog<Record>::setAside(const PreferenceValue& stored, std::size_t unread) {
+void RecordLog<Record>::setAside(const PreferenceValue& stored, std::size_t failed) {
     const auto place = fmt::format("{}.unreadable-{}", shape.key, iso8601Seconds(loop.now()));
     preferences.set(place, stored);
-    log.error(unread > 0 ? fmt::format("{} entries of {} can't be read; all of it was copied to {}",
-                                       unread, shape.key, place)
+    log.error(failed > 0 ? fmt::format("{} entries of {} can't be read; all of it was copied to {}",
+                                       failed, shape.key, place)
                          : fmt::format("{} can't be read; it was copied to {}", shape.key, place),
               logCategory::appState);
 }

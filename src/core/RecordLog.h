@@ -1,4 +1,4 @@
-// A list of records that is kept in the preferences as one JSON array, whole after each change.
+// A list of records that is stored in the preferences as one JSON array after each change.
 #pragma once
 
 #include "base/MainLoop.h"
@@ -14,7 +14,7 @@
 
 namespace quorva {
 
-/// Where a list grows, which is also its newest end, and how long it may become.
+/// The order of a list and its greatest length.
 struct RecordLogShape {
     std::string_view key; ///< in the preferences
     std::size_t most;
@@ -25,24 +25,24 @@ struct RecordLogShape {
 template <typename Record>
 class RecordLog {
 public:
-    /// The services must outlive the log. It is empty until `load`.
+    /// The services must outlive the log. The log is empty until `load`.
     RecordLog(const RecordLogShape& shape, MainLoop& loop, Preferences& preferences, Log& log);
 
     /// The records, in the order of the shape.
     Published<std::vector<Record>, RecordLog> records;
 
-    /// Reads the stored list: the newest records, as many as may be. An entry that can't be read is
-    /// left out. Where there is such an entry, or no list at all but something else, what is stored
-    /// is copied to another key first, named after this one with the date, and the log says so.
+    /// Reads the newest records of the stored list, up to the greatest length. Entries that cannot
+    /// be read are left out. If there are such entries, or the value is not a list, the stored
+    /// value is first copied to another key, whose name holds the date, and an error is logged.
     void load();
 
-    /// Adds a record at the newest end, drops the oldest beyond the most, and stores the list.
-    /// `onDurable`, if given, is called as a task of the main loop once it would survive a power
-    /// cut; not at all while nothing can be stored.
+    /// Adds a record at the newest end, drops the oldest records beyond the greatest length, and
+    /// stores the list. `onDurable`, if given, is called as a task of the main loop once the change
+    /// would survive a power cut. It is not called while nothing can be stored.
     void add(Record record, Task onDurable = {});
 
 private:
-    void setAside(const PreferenceValue& stored, std::size_t unread);
+    void setAside(const PreferenceValue& stored, std::size_t failed);
     void store(Task onDurable);
 
     const RecordLogShape shape;

@@ -1,4 +1,4 @@
-// What the user can set, kept in the preferences from one run to the next.
+// The user's settings, stored in the preferences.
 #pragma once
 
 #include "base/Published.h"
@@ -11,7 +11,7 @@
 
 namespace quorva {
 
-/// Main thread only. A value that is missing, or of another type, reads as its default.
+/// Main thread only. A stored value that is missing or of another type reads as its default.
 class Settings {
 public:
     /// The services must outlive the settings. Nothing is read yet.

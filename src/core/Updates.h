@@ -1,5 +1,5 @@
-// Newer versions of this program: asks the computer's package service when the user wants it, or
-// once a day by itself.
+// Checks for newer versions of this program. Asks the computer's package service at the user's
+// wish, or once a day if that is switched on.
 #pragma once
 
 #include "base/Lifetime.h"
@@ -15,19 +15,19 @@ namespace quorva {
 /// Main thread only.
 class Updates {
 public:
-    /// Begins to check by itself where that is switched on. The services must outlive this.
+    /// Starts the daily check if it is switched on. The services must outlive this.
     Updates(MainLoop& loop, Preferences& preferences, UpdateService& service);
 
-    /// Whether it asks by itself, once a day. Kept in the preferences.
+    /// Whether the daily check is on. Stored in the preferences.
     Published<bool, Updates> checksAutomatically{false};
-    /// What the last check has come to; nothing before the first one and while one is under way.
+    /// The result of the last check; nothing before the first check and while one is running.
     Published<std::optional<UpdateAnswer>, Updates> answer;
-    /// A check is under way.
+    /// Whether a check is running.
     Published<bool, Updates> isChecking{false};
 
     void setChecksAutomatically(bool isOn);
 
-    /// Asks now. Nothing while a check is under way.
+    /// Checks now. Does nothing while a check is running.
     void checkNow();
 
 private:

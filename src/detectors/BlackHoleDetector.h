@@ -1,5 +1,5 @@
-// Tells whether a virtual loopback sound device is installed, through which a recorder can listen
-// to what the computer plays. Looks once. Main thread only.
+// Detects whether a virtual loopback sound device is installed. A recorder can use one to listen to
+// what the computer plays. Looks once, at construction. Main thread only.
 #pragma once
 
 #include "base/Published.h"
@@ -12,13 +12,13 @@ namespace quorva {
 
 class BlackHoleDetector {
 public:
-    /// Begins to look; the fields change when the devices have been listed. The service must
-    /// outlive the detector.
+    /// Starts to list the devices; the fields change when they are listed. The service must outlive
+    /// the detector.
     explicit BlackHoleDetector(AudioDevices& audioDevices);
 
     /// A device whose name holds "blackhole", in any letter case, was found.
     Published<bool, BlackHoleDetector> isInstalled{false};
-    /// The first one's.
+    /// The identifier of the first such device.
     Published<std::optional<std::uint32_t>, BlackHoleDetector> blackHoleDeviceID;
     /// There is a microphone among the devices.
     Published<bool, BlackHoleDetector> hasMicrophone{false};

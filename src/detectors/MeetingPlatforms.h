@@ -1,5 +1,6 @@
-// The meeting platforms: which applications host their meetings, and by what a meeting's window or
-// page is told. Plain values and pure functions, callable from any thread. Texts are UTF-8.
+// The meeting platforms: which applications host their meetings, and how the window or page of a
+// meeting is recognised. Plain values and pure functions, callable from any thread. Texts are
+// UTF-8.
 #pragma once
 
 #include "platform/AccessibilityTree.h"
@@ -10,7 +11,7 @@
 
 namespace quorva {
 
-/// A platform in its own application, or in web browsers. A name may stand for both.
+/// A platform in its own application or in web browsers. Two rows may share a name.
 struct MeetingPlatform {
     using Texts = std::span<const std::string_view>;
 
@@ -18,9 +19,10 @@ struct MeetingPlatform {
     bool isBrowser = false;
     Texts bundleIdentifiers;     ///< of the applications that host it
     Texts meetingWindowPatterns; ///< lower-case parts of a meeting window's title; empty: any title
-    std::span<const AccessibilityRole> participantContainerRoles; ///< that hold the participants
-    Texts participantPanelIdentifiers;                            ///< words for the participants
-    Texts recordingIndicatorPatterns;                             ///< of recording banners
+    std::span<const AccessibilityRole>
+        participantContainerRoles;     ///< of elements that hold participants
+    Texts participantPanelIdentifiers; ///< words for the list of participants
+    Texts recordingIndicatorPatterns;  ///< of recording banners
 };
 
 /// All platforms in the order in which windows are scanned for them.
@@ -29,19 +31,19 @@ struct MeetingPlatform {
 /// Whether the application with this identifier hosts the platform. Letter case matters.
 [[nodiscard]] bool isHostedBy(const MeetingPlatform& platform, std::string_view bundleIdentifier);
 
-/// What the application with this identifier has to be asked for before it exposes its whole tree;
-/// nothing when it exposes it unasked.
+/// The switch that makes the application with this identifier expose its whole tree. Nothing when
+/// the application exposes it by default.
 [[nodiscard]] std::optional<AccessibilitySwitch>
 accessibilitySwitchOf(std::string_view bundleIdentifier);
 
-/// The name of the platform whose web client has this address, letter case aside.
+/// The name of the platform whose web client has this address. Letter case does not matter.
 [[nodiscard]] std::optional<std::string_view> platformForURL(std::string_view url);
 
-/// Whether this is the title of a browser window that shows a search page, letter case aside.
+/// Whether a browser window with this title shows a search page. Letter case does not matter.
 [[nodiscard]] bool isNonMeetingBrowserTitle(std::string_view title);
 
-/// Whether the platform's window with this title, in lower case, is a meeting's. `url`, in lower
-/// case too, is that of a browser window's page: where it is known, it decides alone.
+/// Whether a window of the platform is a meeting. `title` and `url` are in lower case. `url` is the
+/// address of a browser window's page; when it is known, it alone decides.
 [[nodiscard]] bool isMeetingWindow(const MeetingPlatform& platform, std::string_view title,
                                    std::string_view url);
 

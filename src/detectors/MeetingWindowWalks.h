@@ -1,6 +1,5 @@
-// Looking through the windows of meetings: walks their trees, matches their texts, and remembers
-// what came of it, so that a window that has not changed is not walked again. Belongs to one
-// thread.
+// Walks the trees of meeting windows, matches their texts, and caches the findings, so that an
+// unchanged window is not walked again. Belongs to one thread.
 #pragma once
 
 #include "catalogue/Records.h"
@@ -13,11 +12,11 @@
 
 namespace quorva {
 
-/// What came of walking a window.
+/// The findings of walking one window.
 struct MeetingWindowFindings {
     std::size_t textCount = 0;
-    bool isCutShort = false; ///< the walk ended where its budget did
-    bool isMeeting = true;   ///< false: another window of the application; it is not matched
+    bool isCutShort = false; ///< the walk ended because its budget was used up
+    bool isMeeting = true;   ///< false: another window of the application, which is not matched
     /// The first of each key, in the order of the texts.
     std::vector<ParticipantBotDetection> bots;
     std::vector<RecordingIndicatorDetection> indicators;
@@ -25,16 +24,16 @@ struct MeetingWindowFindings {
 
 class MeetingWindowWalks {
 public:
-    /// What the window, which has been read to its whole extent, shows at the time `now`: the
-    /// detections bear that time. Valid until the next call.
+    /// The findings in a window that was read to its whole extent. New detections get the time
+    /// `now`. The reference is valid until the next call.
     const MeetingWindowFindings& walk(const MeetingPlatform& platform,
                                       const AccessibleWindow& window, Time now);
 
-    /// Forgets the windows that have not been walked since the last call.
+    /// Drops the findings of windows that were not walked since the last call.
     void endPass();
 
 private:
-    /// The findings are good as long as these are the same.
+    /// The findings are valid as long as the other fields are unchanged.
     struct Walk {
         AccessibleElementPtr tree;
         const MeetingPlatform* platform = nullptr;

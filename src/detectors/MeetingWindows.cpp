@@ -17,8 +17,8 @@ struct Hosted {
     }
 
     using Platforms = std::vector<const MeetingPlatform*>;
-    Platforms inWindows; ///< of its own
-    Platforms inPages;   ///< that it shows as a browser
+    Platforms inWindows; ///< in windows of its own
+    Platforms inPages;   ///< in pages that it shows as a browser
 };
 
 bool isMeetingOfAny(const Hosted::Platforms& platforms, std::string_view lowerTitle,
@@ -29,7 +29,7 @@ bool isMeetingOfAny(const Hosted::Platforms& platforms, std::string_view lowerTi
     return false;
 }
 
-/// The most that any platform needs of a window.
+/// The largest extent that any platform needs of a window.
 TreeExtent neededExtent(const Hosted& hosted, std::string_view title, std::string_view url) {
     const auto lowerTitle = lowerCased(title);
     if (!isNonMeetingBrowserTitle(title) &&
@@ -40,7 +40,7 @@ TreeExtent neededExtent(const Hosted& hosted, std::string_view title, std::strin
     return {};
 }
 
-/// Whether what was read to one extent is all that is needed.
+/// Whether a tree read to the extent `readTo` holds everything in `needed`.
 bool covers(const TreeExtent& readTo, const TreeExtent& needed) {
     return readTo.descends == needed.descends && readTo.maxDepth >= needed.maxDepth &&
            readTo.maxElements >= needed.maxElements;

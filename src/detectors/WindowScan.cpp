@@ -8,16 +8,16 @@
 namespace quorva {
 namespace {
 
-constexpr std::size_t textLimit = 200;   ///< characters; texts of so many are no names
-constexpr int deepestToolbarParent = 3;  ///< below are the toolbars of documents
-constexpr int deepestWebArea = 8;        ///< where a window's page is looked for
-constexpr std::size_t neededSignals = 2; ///< one alone may be a line of a chat
+constexpr std::size_t textLimit = 200;   ///< characters; longer texts are not names
+constexpr int deepestToolbarParent = 3;  ///< deeper ones are toolbars of documents
+constexpr int deepestWebArea = 8;        ///< of a window's page
+constexpr std::size_t neededSignals = 2; ///< a single one may be a chat message
 
 constexpr std::array<std::string_view, 8> meetingSignalPrefixes{
     "leave",      "mute",         "unmute",          "share screen",
     "raise hand", "participants", "turn off camera", "turn on camera"};
 
-/// Whether texts are looked for in a child: not in what only decorates or controls the window.
+/// Whether a child may hold texts. Decorations and window controls do not.
 bool mayHoldTexts(AccessibilityRole, AccessibilityRole child, int depth) {
     switch (child) {
         using enum AccessibilityRole;
@@ -50,7 +50,7 @@ bool isWebContainer(AccessibilityRole role) {
     }
 }
 
-/// Whether a page is looked for in a child. A page within a page is not the window's.
+/// Whether a child may hold the window's page. A page within a page does not count.
 bool mayHoldPage(AccessibilityRole parent, AccessibilityRole child, int) {
     return parent != AccessibilityRole::webArea && isWebContainer(child);
 }

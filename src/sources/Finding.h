@@ -14,19 +14,19 @@
 
 namespace quorva {
 
-/// What all detections of one kind have in common. A source finds one kind or more.
+/// The properties that all findings of one kind share. A source has one kind or more.
 struct FindingKind {
-    std::string_view name; ///< of their list in reports: "participants"
+    std::string_view name; ///< the key of their list in reports: "participants"
     DetectionSource source;
-    std::string_view notificationCategory; ///< decides which buttons a notification has
-    std::string_view notificationPrefix;   ///< of the identifiers of their notifications
-    int alertRank;                         ///< which kind the first alert is about; lowest first
-    std::optional<int> objectionRank; ///< which kind an objection is to; absent: not objected to
-    std::string_view sharedPlace;     ///< "in my meeting", when recommended; empty: not named
+    std::string_view notificationCategory; ///< decides the notification's buttons
+    std::string_view notificationPrefix;   ///< starts the identifiers of their notifications
+    int alertRank;                         ///< the first alert is about the kind of the lowest rank
+    std::optional<int> objectionRank; ///< the same for objections; absent: cannot be objected to
+    std::string_view sharedPlace;     ///< in the recommendation: "in my meeting"; empty: not named
     std::vector<std::string_view> columns; ///< headings of the table that reports print
 };
 
-/// What the alert panel says.
+/// The text of the alert panel.
 struct BotAlert {
     std::string botName;
     std::string platform;
@@ -35,14 +35,14 @@ struct BotAlert {
     bool operator==(const BotAlert&) const = default;
 };
 
-/// What a row in a list says. Texts may be of others.
+/// The texts of a row in a list. They may come from strangers.
 struct FindingText {
     std::string title;
     std::string category; ///< for people; may be empty
     std::string place;    ///< the platform, or the time of day; may be empty
     std::string badge;    ///< a few letters; may be empty
-    std::string match;    ///< what gave it away
-    bool isLive = false;  ///< it goes on now, for everybody in the meeting
+    std::string match;    ///< the text that matched, and how
+    bool isLive = false;  ///< whether it is going on now, for everyone in the meeting
 };
 
 /// One detection. Never changes. Main thread only.
@@ -53,9 +53,9 @@ public:
     [[nodiscard]] virtual const FindingKind& kind() const = 0;
     /// Tells the findings of one kind apart.
     [[nodiscard]] virtual const std::string& id() const = 0;
-    /// Under which key the allow list hides it; empty: it cannot be hidden.
+    /// The key under which the allow list hides it; empty: it cannot be hidden.
     [[nodiscard]] virtual std::string allowKey() const { return {}; }
-    /// Which meeting an objection is about, when that is known.
+    /// The meeting that an objection is about, if it is known.
     [[nodiscard]] virtual std::optional<std::string> meetingContext() const { return {}; }
 
     /// The entry of the history.
@@ -63,7 +63,7 @@ public:
     [[nodiscard]] virtual BotAlert alert() const = 0;
     /// The notification that it was found, worded for the time `now`.
     [[nodiscard]] virtual NotificationRequest announcement(Time now) const = 0;
-    /// The notification that it is gone; absent: nobody is told.
+    /// The notification that it is gone; absent: this is not announced.
     [[nodiscard]] virtual std::optional<NotificationRequest> farewell() const { return {}; }
 
     /// The row in a list, at the time `now`.
@@ -77,7 +77,7 @@ public:
 using FindingPtr = std::shared_ptr<const Finding>;
 using Findings = std::vector<FindingPtr>;
 
-/// What the product is called, as in the history.
+/// The product's name, as in the history.
 [[nodiscard]] inline std::string botName(const Finding& finding) {
     return finding.record().botName;
 }

@@ -1,4 +1,4 @@
-// What the sources' texts have in common, and what the notifications of detections say.
+// The texts of notifications, and functions that the sources share to make their texts.
 #pragma once
 
 #include "base/Text.h"
@@ -33,8 +33,8 @@ struct NotificationText {
 /// process's time zone and with its locale's names of the halves.
 [[nodiscard]] std::string clockTime(Time time);
 
-/// The notification of a finding: replaces an earlier one of the same kind and subject. Everything
-/// but what is over sounds.
+/// The notification of a finding. It replaces an earlier one of the same kind and subject, and
+/// makes a sound unless its urgency is low.
 [[nodiscard]] NotificationRequest notification(const FindingKind& kind, const std::string& subject,
                                                NotificationText text, NotificationUrgency urgency);
 

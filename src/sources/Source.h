@@ -15,15 +15,15 @@
 
 namespace quorva {
 
-/// What a source is called, and where.
+/// The names of a source in the places where it is mentioned.
 struct SourceProfile {
     std::string_view name;       ///< on the command line and in reports: "process"
     std::string_view place;      ///< in a sentence: "this computer"
-    std::string_view allowedAt;  ///< where an allowed product is not told of: "on this computer"
+    std::string_view allowedAt;  ///< follows an allowed product's name: "on this computer"
     std::string_view chip;       ///< "Process"
     std::string_view symbol;     ///< of the chip
-    std::string_view logName;    ///< in messages of the log
-    std::string_view switchedBy; ///< the preference that switches it on; empty: it is always wanted
+    std::string_view logName;    ///< in log messages
+    std::string_view switchedBy; ///< the preference that switches it on; empty: always on
     std::vector<const FindingKind*> kinds; ///< in the order in which they are listed
 };
 
@@ -36,37 +36,37 @@ public:
 
     const SourceProfile& profile;
 
-    /// How well it can look. Follows what has changed a task later.
+    /// How well it can look. Updated one task after the monitor changes.
     Published<SourceState, Source> state;
-    /// What is listed, kind by kind. Follows as above.
+    /// Its findings, kind by kind. Updated as above.
     Published<Findings, Source> findings;
 
-    /// A bot appeared, or is gone. Called as a task of its own; may be empty.
+    /// Called as a task of its own when a finding appears, or is gone. May be empty.
     std::function<void(const FindingPtr&)> onAppeared;
     std::function<void(const FindingPtr&)> onGone;
 
-    /// Watches from now on, or no longer. What was found stays listed. A source that may not look
-    /// yet begins when it may.
+    /// Starts or stops watching. Findings stay listed. A source that may not look yet starts as
+    /// soon as it may.
     void setOn(bool isOn);
     [[nodiscard]] bool isOn() const { return mode == Mode::watching; }
 
-    /// Whether it watches: it is on, and may look.
+    /// Whether it is watching: it is on and may look.
     [[nodiscard]] virtual bool isWatching() const = 0;
 
     /// Looks once more at the user's wish.
     virtual void refresh() = 0;
 
-    /// Looks once, without watching, and calls `done` once, on the main loop or within this call,
-    /// when everything has been looked at that can be, or after 10 seconds.
+    /// Looks once, without watching. Calls `done` once, on the main loop or within this call, when
+    /// the look is complete or after 10 seconds.
     void lookOnce(Task done);
 
-    /// After `setOn(true)`: calls `done`, as above, when the first look is over.
+    /// After `setOn(true)`: calls `done`, as above, when the first look is complete.
     virtual void awaitFirstLook(Task done) = 0;
 
     /// One line: what was looked at, or why it was not, and what helps.
     [[nodiscard]] virtual std::string detail() const = 0;
 
-    /// What the product of this key in the allow list is called; empty: not a product of this
+    /// The name of the product with this key in the allow list; empty: not a product of this
     /// source.
     [[nodiscard]] virtual std::string productNamed(std::string_view allowKey) const = 0;
 
@@ -83,7 +83,7 @@ protected:
     [[nodiscard]] virtual SourceState obstacle() const = 0;
     [[nodiscard]] virtual Findings list() const = 0;
 
-    /// Has the state, or the list, or both, follow fields of the monitor.
+    /// Update the state, or the list, when one of these fields changes.
     template <typename... Fields>
     void followState(const Fields&... fields) {
         (subscriptions.push_back(fields.observeChanges([this] { schedule(isStateDue); })), ...);
@@ -92,7 +92,7 @@ protected:
     void followList(const Fields&... fields) {
         (subscriptions.push_back(fields.observeChanges([this] { schedule(isListDue); })), ...);
     }
-    /// Begins to watch when the field, which tells whether the source may look, says that it may.
+    /// Updates the state and starts watching when this field, on which `mayLook` depends, changes.
     template <typename Field>
     void followPermission(const Field& field) {
         subscriptions.push_back(field.observeChanges(

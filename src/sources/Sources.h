@@ -1,5 +1,5 @@
-// Every source of detections, in the order in which they are shown and reported. This is the place
-// where a program's sources are put together: a new one takes a line in each of the two lists.
+// All sources of detections, in the order in which they are shown and reported. A new source is
+// added here: its profile to the first list, itself to the class.
 #pragma once
 
 #include "sources/InvitationSource.h"
@@ -28,8 +28,7 @@ public:
     [[nodiscard]] auto begin() const { return all.begin(); }
     [[nodiscard]] auto end() const { return all.end(); }
 
-    /// What a key of the allow list stands for, for people: the product's name and where it is not
-    /// told of.
+    /// Describes a key of the allow list for people: the product's name, and where it is allowed.
     [[nodiscard]] std::string describe(const std::string& allowKey) const {
         for (const auto* const source : all)
             if (const auto name = source->productNamed(allowKey); !name.empty())
