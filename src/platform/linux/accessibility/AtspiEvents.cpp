@@ -1,6 +1,7 @@
 #include "platform/linux/accessibility/AtspiEvents.h"
 
 #include "platform/linux/glib/BusCall.h"
+#include "platform/linux/glib/BusSignals.h"
 #include "platform/linux/glib/MainContext.h"
 
 #include <array>
@@ -33,8 +34,8 @@ constexpr std::array interfaces{
     "org.a11y.atspi.Event.Window",
 };
 
-constexpr int longestRegistration = 1000; // milliseconds
-constexpr guint timeToRegisterAgain = 10'000;
+constexpr int registrationTimeout = 1000; // milliseconds
+constexpr guint retryInterval = 10'000;
 
 } // namespace
 
@@ -47,30 +48,27 @@ AtspiEvents::~AtspiEvents() {
 
 Subscription AtspiEvents::follow(const std::string& application, const Callback& onChange,
                                  Task onFollowed) {
-    std::vector<guint> signals;
-    signals.reserve(std::size(interfaces));
+    auto signals = std::make_shared<std::vector<Subscription>>();
     for (const char* const interface : interfaces)
-        signals.push_back(g_dbus_connection_signal_subscribe(
-            bus.get(), application.c_str(), interface, nullptr, nullptr, nullptr,
-            G_DBUS_SIGNAL_FLAGS_NONE,
-            [](GDBusConnection*, const gchar*, const gchar* path, const gchar* from,
-               const gchar* member, GVariant* parameters, gpointer callback) {
-                const auto event = decodeEvent(path, from, member, parameters);
-                if (event.change != AtspiChange::none)
-                    (*static_cast<Callback*>(callback))(event);
-            },
-            new Callback(onChange),
-            [](gpointer callback) { delete static_cast<Callback*>(callback); }));
+        signals->push_back(
+            subscribeToSignals(bus.get(), {.sender = application.c_str(), .interface = interface},
+                               [onChange](const BusSignal& signal) {
+                                   const auto event = decodeEvent(signal.path, signal.interface,
+                                                                  signal.member, signal.parameters);
+                                   if (event.change != AtspiChange::none)
+                                       onChange(event);
+                               }));
     ++followers;
     const auto waits = std::make_shared<Task>(std::move(onFollowed));
     waiting.push_back(waits);
     if (state == State::registered)
-        hasRegistered();
+        finishRegistering();
     else if (state == State::none)
         openRegistration();
     return Subscription(lifetime.guard([this, signals, waits] {
         *waits = nullptr;
-        leave(signals);
+        signals->clear();
+        removeFollower();
     }));
 }
 
@@ -83,11 +81,11 @@ void AtspiEvents::registerAnew() {
 
 void AtspiEvents::openRegistration() {
     state = State::registering;
-    again.reset();
+    retry.reset();
     openBus(address, lifetime.guard([this](GObjectPtr<GDBusConnection>& connection) {
         registration = std::move(connection);
         if (!registration || followers == 0)
-            return hasRegistered();
+            return finishRegistering();
         g_signal_connect(registration.get(), "closed",
                          G_CALLBACK(+[](GDBusConnection*, gboolean, GError*, gpointer self) {
                              static_cast<AtspiEvents*>(self)->registerLater();
@@ -97,25 +95,25 @@ void AtspiEvents::openRegistration() {
     }));
 }
 
-/// For all applications: the registry takes the name of one, and does not limit anything by it. The
-/// answer to the last call says that all have been dealt with.
+/// For all applications: the registry accepts the name of one, but ignores it. The last answer
+/// means that all calls have been handled.
 void AtspiEvents::registerEvents() {
     for (const char* const event : events)
         callBus(registration.get(),
                 {atspi::registryName, atspi::registryPath, atspi::registryInterface,
                  "RegisterEvent",
                  g_variant_new("(s@ass)", event, g_variant_new_strv(nullptr, 0), ""),
-                 longestRegistration},
+                 registrationTimeout},
                 lifetime.guard([this, event](GVariant* reply) {
                     if (event != events.back())
                         return;
                     if (reply == nullptr)
                         endRegistration();
-                    hasRegistered();
+                    finishRegistering();
                 }));
 }
 
-void AtspiEvents::hasRegistered() {
+void AtspiEvents::finishRegistering() {
     state = registration ? State::registered : State::none;
     for (const auto& task : std::exchange(waiting, {}))
         if (const auto call = std::exchange(*task, nullptr))
@@ -139,16 +137,15 @@ void AtspiEvents::endRegistration() {
 void AtspiEvents::registerLater() {
     endRegistration();
     if (state == State::none)
-        again = contextTimer(timeToRegisterAgain, [this] {
+        retry = contextTimer(retryInterval, [this] {
             if (state == State::none && followers > 0)
                 openRegistration();
         });
 }
 
-void AtspiEvents::leave(const std::vector<guint>& signals) {
-    for (const guint signal : signals)
-        g_dbus_connection_signal_unsubscribe(bus.get(), signal);
-    if (--followers == 0 && state == State::registered)
+void AtspiEvents::removeFollower() {
+    --followers;
+    if (followers == 0 && state == State::registered)
         endRegistration();
 }
 

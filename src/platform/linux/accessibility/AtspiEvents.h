@@ -1,5 +1,5 @@
-// The signals of applications on the accessibility bus, which they send only for those who have
-// registered with the registry (org.a11y.atspi.Registry).
+// The signals of applications on the accessibility bus. Applications send them only while a client
+// is registered for them with the registry (org.a11y.atspi.Registry).
 // Belongs to the thread, and to the thread-default main context, that made it.
 #pragma once
 
@@ -26,34 +26,36 @@ public:
     AtspiEvents(const AtspiEvents&) = delete;
     AtspiEvents& operator=(const AtspiEvents&) = delete;
 
-    /// Follows the changes of an application, until the subscription ends. `onFollowed` is called
-    /// once the registry has told the applications: what is asked of them from then on cannot be
-    /// older than a change that was not told. It is also called where the registry does not answer,
-    /// which is asked again later; it is not called any more once the subscription has ended.
+    /// Calls `onChange` for each change of an application, until the subscription ends.
+    /// `onFollowed` is called once, possibly within this call, when the registry has told the
+    /// applications: an answer to a question sent from then on cannot be older than a change that
+    /// was not signalled. It is also called when the registry does not answer, which is asked again
+    /// later. It is not called after the subscription has ended.
     [[nodiscard]] Subscription follow(const std::string& application, const Callback& onChange,
                                       Task onFollowed);
 
-    /// To be told when another registry has taken the place of one: it knows of no registrations.
+    /// To be called when another registry has taken the place of one: it knows of no registrations.
     void registerAnew();
 
 private:
+    enum class State { none, registering, registered };
+
     void openRegistration();
     void registerEvents();
-    void hasRegistered();
+    void finishRegistering();
     void endRegistration();
     void registerLater();
-    void leave(const std::vector<guint>& signals);
+    void removeFollower();
 
     GObjectPtr<GDBusConnection> bus;
     const std::string address;
-    /// Applications stop sending what nobody registers for any more when the connection ends that
-    /// has registered, not before: so there is one for just that, as long as somebody follows.
+    /// Applications go on sending signals until the connection that has registered for them ends.
+    /// So there is one for just that, as long as an application is followed.
     GObjectPtr<GDBusConnection> registration;
-    enum class State { none, registering, registered };
     State state = State::none;
     int followers = 0;
-    std::vector<std::shared_ptr<Task>> waiting; ///< empty tasks for those who have left
-    GSourcePtr again;
+    std::vector<std::shared_ptr<Task>> waiting; ///< `onFollowed`; empty ones of ended subscriptions
+    GSourcePtr retry;
     Lifetime lifetime;
 };
 
