@@ -1,21 +1,20 @@
-// One application on the accessibility bus: asks it to expose its trees, reads those of its windows
-// that a plan wants, follows their changes, and gives up on it for a while when it does not answer.
-// Belongs to the thread, and to the thread-default main context, that made it.
+// One application on the accessibility bus. Asks it to expose its trees, reads those of its windows
+// that a plan wants, follows their changes, and leaves it alone for a while when it does not
+// answer. Belongs to the thread, and to the thread-default main context, that made it.
 #pragma once
 
 #include "base/Lifetime.h"
+#include "base/Subscription.h"
 #include "platform/AccessibilityTree.h"
-#include "platform/linux/accessibility/AtspiCalls.h"
+#include "platform/linux/accessibility/AtspiConnection.h"
 #include "platform/linux/accessibility/AtspiEvents.h"
-#include "platform/linux/accessibility/AtspiTreeReader.h"
+#include "platform/linux/accessibility/AtspiTree.h"
+#include "platform/linux/accessibility/AtspiWindow.h"
 #include "platform/linux/glib/Handles.h"
 
-#include <functional>
+#include <cstddef>
 #include <memory>
-#include <set>
 #include <string>
-#include <utility>
-#include <vector>
 
 namespace quorva {
 
@@ -28,48 +27,59 @@ struct AtspiBus {
 
 class AtspiApplication {
 public:
-    /// `name` is the application's own on the bus. `onRead` is called after each reading, the
-    /// failed ones included.
+    /// `name` is the application's own on the bus. `onRead` is called after each reading, failed
+    /// ones included.
     AtspiApplication(const AtspiBus& bus, std::string name, Task onRead);
     ~AtspiApplication();
 
     AtspiApplication(const AtspiApplication&) = delete;
     AtspiApplication& operator=(const AtspiApplication&) = delete;
 
-    /// Reads what the plan wants, as far as it is not known. While a reading is under way, another
-    /// one follows it; while the application does not answer there is none. One that is about to
-    /// begin for what has changed is waited for.
+    /// Sets the plan, and whether to ask for the whole tree; begins a reading of what is not known.
+    /// During a reading, another one is begun after it. Does not begin one that is scheduled
+    /// already any sooner, nor one of an unresponsive application.
     void read(std::shared_ptr<const ReadingPlan> plan, bool enables);
 
-    /// The windows as they were last read completely; `couldNotBeRead` while it does not answer.
+    /// The windows as they were last read completely; `couldNotBeRead` while it is unresponsive.
     [[nodiscard]] const AccessibleWindows& windows() const { return published; }
 
     /// As AccessibilityTree::enable.
     [[nodiscard]] int enableResult() const { return enabled; }
 
 private:
-    enum class State { ready, reading, silent };
-    struct Window;
+    /// Each state but the first has a timer, or a call, that ends it.
+    enum class State {
+        idle,
+        scheduled, ///< a reading begins soon
+        reading,
+        readingAgain, ///< a reading is under way, and another one follows
+        unresponsive,
+    };
+    struct Contact;
 
+    void enter(State next, GSourcePtr ending = nullptr);
+    [[nodiscard]] bool isReading() const;
+    void schedule();
     void begin();
     void askToolkit();
     void askToExpose();
-    void takeWindowList();
+    void readWindowList();
+    void handleWindowList();
     void readWindow(std::size_t index);
     void readOutline(std::size_t index, const TreeExtent& outline);
     void decide(std::size_t index, const TreeExtent& outline);
     void readWhole(std::size_t index, const TreeExtent& extent);
-    void connectDirectly(Task next);
-    void losePeer();
+    void connectPeer(Task next);
+    void handleLostPeer();
     void finish();
-    bool isExposing();
-    bool awaitsTexts(Window& window, const AccessibleElement& tree);
+    [[nodiscard]] static AccessibleWindow publish(const AtspiWindow& window, bool isExposing);
+    bool awaitsDocuments();
+    void handleHang();
     void giveUp(std::string problem);
-    void endReading();
-    void waitForAnswer();
-    void receive(const AtspiEvent& event);
+    void giveUpForAWhile(std::string problem);
+    void probe();
+    void handleEvent(const AtspiEvent& event);
     void apply(const AtspiEvent& event);
-    void readSoon();
 
     const AtspiBus bus;
     const AtspiReference root;
@@ -79,23 +89,14 @@ private:
     bool enables = false;
     int enabled;
 
-    State state = State::ready;
-    bool isReadAgain = false; ///< another reading follows the one under way
+    State state = State::idle;
+    GSourcePtr timer; ///< of the state
     AtspiApplicationTraits traits;
-    bool hasTraits = false;
-    int looksForDocuments = 4; ///< soon after it was first asked to expose them
-    bool hasPeer = false;      ///< the application's own socket has been tried
-    std::unique_ptr<AtspiConnection> peer;
-    std::unique_ptr<AtspiCalls> calls;
-    std::unique_ptr<AtspiTreeReader> list; ///< the application and its windows, not what is below
-    std::vector<std::unique_ptr<Window>> open;
-    Subscription changes;                               ///< while a window is watched
-    std::set<std::pair<std::string, AtspiChange>> told; ///< since the last reading began
-    gint64 begun = 0;                                   ///< of a reading
-    gint64 duration = 0;                                ///< of the last one
-    GSourcePtr deadline;
-    GSourcePtr soon;
-    GSourcePtr silence;
+    int documentRetries = 4;   ///< soon after it was first asked to expose them
+    bool hasTriedPeer = false; ///< once is enough while it answers
+    std::unique_ptr<Contact> contact;
+    gint64 begun = 0;    ///< of the last reading
+    gint64 duration = 0; ///< of the last completed one
     AccessibleWindows published;
     Lifetime lifetime;
 };

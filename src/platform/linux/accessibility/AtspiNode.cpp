@@ -34,37 +34,103 @@ bool AtspiNode::isEditable() const {
            is(AtspiRole::spinButton) || is(AtspiRole::text);
 }
 
-void AtspiNode::forget() {
-    hasRole = hasState = hasText = false;
-    forgetChildren();
+bool AtspiNode::hasManyChildren() const {
+    constexpr std::int32_t many = 1000;
+    return childCount > many;
 }
 
-void AtspiNode::forgetChildren() {
+bool AtspiNode::isWithinDocument() const {
+    for (const auto* above = parent; above != nullptr; above = above->parent)
+        if (above->isDocument())
+            return true;
+    return false;
+}
+
+void AtspiNode::invalidate() {
+    hasRole = hasState = hasText = false;
+    invalidateChildren();
+}
+
+void AtspiNode::invalidateChildren() {
     hasDetails = hasChildren = false; // the number of children is one of the details
     listed.clear();
     nextChild = 0;
+}
+
+void AtspiNode::setRole(std::optional<std::uint32_t> role) {
+    hasRole = true;
+    atspiRole = role.value_or(0);
+    content.role = role ? roleOf(*role) : AccessibilityRole::unreadable;
+    markChanged();
+}
+
+void AtspiNode::setDetails(AtspiDetails details) {
+    setTitle(std::move(details.name));
+    setDescription(std::move(details.description));
+    change(content.help, std::move(details.help));
+    setChildCount(details.childCount);
+}
+
+void AtspiNode::setTitle(std::string title) {
+    change(content.title, readableText(std::move(title)));
+}
+
+void AtspiNode::setDescription(std::string description) {
+    change(content.description, std::move(description));
+}
+
+void AtspiNode::setChildCount(std::int32_t count) {
+    childCount = count;
+    hasDetails = true;
+}
+
+void AtspiNode::setState(bool showing, bool managing) {
+    isShowing = showing;
+    managesDescendants = managing;
+    hasState = true;
+    if (showing)
+        setShown(true);
+}
+
+void AtspiNode::setAddress(std::string address) {
+    change(content.url, std::move(address));
+}
+
+void AtspiNode::setText(std::string text) {
+    change(content.value, readableText(std::move(text)));
+    hasText = true;
+}
+
+void AtspiNode::setShown(bool shown) {
+    if (std::exchange(isShown, shown) != shown)
+        markChanged();
+}
+
+void AtspiNode::markRead() {
+    if (!std::exchange(wasRead, true))
+        markChanged();
 }
 
 void AtspiNode::change(std::string& field, std::string value) {
     if (field == value)
         return;
     field = std::move(value);
-    hasChanged();
+    markChanged();
 }
 
-void AtspiNode::hasChanged() {
+void AtspiNode::markChanged() {
     for (auto* node = this; node != nullptr; node = node->parent)
         node->published.reset();
 }
 
-void AtspiNode::place(std::uint32_t index) {
-    auto there = parent->position;
-    there.push_back(index);
-    if (position == there)
+void AtspiNode::moveTo(std::uint32_t index) {
+    auto path = parent->position;
+    path.push_back(index);
+    if (position == path)
         return;
-    position = std::move(there);
+    position = std::move(path);
     for (std::uint32_t i = 0; i < children.size(); ++i)
-        children[i]->place(i);
+        children[i]->moveTo(i);
 }
 
 std::string joinedTexts(const AccessibleElement& element) {

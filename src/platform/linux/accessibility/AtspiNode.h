@@ -1,4 +1,4 @@
-// An element of a tree that is being read from the accessibility bus, and how much of it is known.
+// One element of a tree on the accessibility bus, and how much of it is known.
 #pragma once
 
 #include "platform/AccessibilityTree.h"
@@ -6,18 +6,18 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
 namespace quorva {
 
-/// What was reported as changed is not known any more; its old content stands until it has been
-/// read again.
+/// An invalidated part counts as unknown; its old content stands until it has been read again.
 struct AtspiNode {
     AtspiReference reference;
     AtspiNode* parent = nullptr;
     int depth = 0;
-    std::vector<std::uint32_t> position; ///< the way from the root, child by child
+    std::vector<std::uint32_t> position; ///< the path from the root, as indices of children
 
     std::uint32_t atspiRole = 0;
     std::int32_t childCount = -1;
@@ -26,51 +26,75 @@ struct AtspiNode {
 
     bool hasRole = false;
     bool hasDetails = false;
-    bool hasState = false; ///< of a document with its address
+    bool hasState = false; ///< of a document: with its address
     bool hasText = false;
     bool hasChildren = false;
-    bool isShowing = false; ///< a document says so
+    bool isShowing = false; ///< a document claims to be shown
     bool isShown = false;   ///< a document counts as part of its window
     bool managesDescendants = false;
     bool wasRead = false; ///< all of it was known once
-    bool isQueued = false;
     bool isDropped = false;
-    int asked = 0; ///< calls in flight
 
-    std::vector<AtspiReference> listed; ///< children asked for one by one, so far
-    std::int32_t nextChild = 0;
+    std::vector<AtspiReference> listed; ///< children fetched one by one, so far
+    std::int32_t nextChild = 0;         ///< the index of the next one to fetch
 
     AccessibleElementPtr published; ///< null when this or something below has changed since
+
+    /// Written by AtspiTreeReader only.
+    struct Fetch {
+        bool isQueued = false;
+        int inFlight = 0; ///< calls
+    };
+    Fetch fetch;
 
     [[nodiscard]] bool is(AtspiRole role) const {
         return atspiRole == static_cast<std::uint32_t>(role);
     }
     [[nodiscard]] bool isDocument() const { return is(AtspiRole::documentWeb); }
 
-    /// Whether the texts of an element of this role are worth a question: its name says it all for
-    /// most controls, and nobody reads passwords.
+    /// Whether it lies below a document.
+    [[nodiscard]] bool isWithinDocument() const;
+
+    /// Whether the texts of an element of this role are worth a call. The name says it all for most
+    /// controls, and passwords are never read.
     [[nodiscard]] bool mayHaveText() const;
 
     /// Whether the user can write into an element of this role.
     [[nodiscard]] bool isEditable() const;
 
-    void forget();
-    void forgetChildren();
+    /// Whether it has so many children that it may create them on demand, as spreadsheets do.
+    [[nodiscard]] bool hasManyChildren() const;
 
-    /// Sets a field of the content, and remembers whether that made a difference.
+    void invalidate();
+    void invalidateChildren();
+
+    /// Each of these stores a part as it has been read.
+    void setRole(std::optional<std::uint32_t> role);
+    void setDetails(AtspiDetails details);
+    void setTitle(std::string title);
+    void setDescription(std::string description);
+    void setChildCount(std::int32_t count); ///< the last of the details, where they come singly
+    void setState(bool showing, bool managing);
+    void setAddress(std::string address);
+    void setText(std::string text);
+    void setShown(bool shown);
+    void markRead(); ///< all of it is known
+
+    /// Drops the published snapshots that contain this element.
+    void markChanged();
+
+    /// Sets the index of the element among its parent's children.
+    void moveTo(std::uint32_t index);
+
+private:
     void change(std::string& field, std::string value);
-    void hasChanged();
-
-    /// Gives the element, and those below it, its place among its parent's children.
-    void place(std::uint32_t index);
 };
 
-/// What the static texts among the children of an element say together; empty where there are not
-/// two of them.
+/// The texts of the element's children that are static texts, joined; empty for fewer than two.
 [[nodiscard]] std::string joinedTexts(const AccessibleElement& element);
 
-/// A text as people read it: without the characters that stand for embedded elements, and without
-/// the bullet of a list item.
+/// The text without the characters that stand for embedded elements, and without the bullet of a
+/// list item.
 [[nodiscard]] std::string readableText(std::string text);
 
 } // namespace quorva

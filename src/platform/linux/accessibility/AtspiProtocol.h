@@ -61,8 +61,14 @@ enum class AtspiRole : std::uint32_t {
 /// The numbers of AtspiStateType that are needed.
 enum class AtspiState : unsigned { showing = 25, managesDescendants = 31 };
 
-/// What the program that draws an element was made with, which decides what may be asked of it.
-enum class AtspiToolkit { unknown, gtk, gecko, chromium };
+/// The toolkit that a program is made with, which decides what may be asked of it.
+enum class AtspiToolkit {
+    notAsked,
+    unknown, ///< none of the others
+    gtk,
+    gecko,
+    chromium,
+};
 
 /// What AT-SPI calls a role, as one that looking for texts knows.
 [[nodiscard]] AccessibilityRole roleOf(std::uint32_t atspiRole);

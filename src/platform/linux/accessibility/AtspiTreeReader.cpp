@@ -1,112 +1,57 @@
 #include "platform/linux/accessibility/AtspiTreeReader.h"
 
 #include <algorithm>
+#include <string_view>
 #include <utility>
 
 namespace quorva {
-namespace {
 
-/// The tree as far as a walk comes that ends with the budget; a reading goes a little beyond.
-AccessibleElementPtr firstOf(const AccessibleElementPtr& tree, int& budget) {
-    --budget;
-    for (auto child = tree->children.begin(); child != tree->children.end(); ++child) {
-        const auto first = budget > 0 ? firstOf(*child, budget) : nullptr;
-        if (first == *child)
-            continue;
-        auto cut = std::make_shared<AccessibleElement>(*tree);
-        cut->children.assign(tree->children.begin(), child);
-        if (first)
-            cut->children.push_back(first);
-        return cut;
-    }
-    return tree;
-}
-
-} // namespace
-
-struct AtspiTreeReader::Later {
+struct AtspiTreeReader::Queued {
     std::vector<std::uint32_t> position;
     std::weak_ptr<Node> node;
 
-    bool operator<(const Later& other) const { return other.position < position; }
+    bool operator<(const Queued& other) const { return other.position < position; }
 };
 
 AtspiTreeReader::AtspiTreeReader(AtspiCalls& calls_, AtspiApplicationTraits& traits_,
-                                 AtspiReference root)
-    : calls(calls_), traits(traits_), top(makeNode(std::move(root), nullptr, 0)) {
-    enter(*top);
-}
+                                 AtspiTree& tree_)
+    : calls(calls_), traits(traits_), tree(tree_) {}
 
 AtspiTreeReader::~AtspiTreeReader() = default;
 
-const AtspiReference& AtspiTreeReader::root() const {
-    return top->reference;
-}
-
-AtspiTreeReader::NodePtr AtspiTreeReader::makeNode(AtspiReference reference, Node* parent,
-                                                   std::uint32_t index) {
-    auto node = std::make_shared<Node>();
-    node->reference = std::move(reference);
-    node->parent = parent;
-    if (parent != nullptr) {
-        node->depth = parent->depth + 1;
-        node->position = parent->position;
-        node->position.push_back(index);
-    }
-    return node;
-}
-
-void AtspiTreeReader::enter(Node& node) {
-    nodesOfPath.emplace(node.reference.path, &node);
-}
-
-void AtspiTreeReader::leave(Node& node) {
-    node.isDropped = true;
-    const auto [first, last] = nodesOfPath.equal_range(node.reference.path);
-    const auto found =
-        std::find_if(first, last, [&](const auto& entry) { return entry.second == &node; });
-    if (found != last)
-        nodesOfPath.erase(found);
-    for (const auto& child : node.children)
-        leave(*child);
-}
-
-void AtspiTreeReader::read(const TreeExtent& extent_, Texts texts_, std::function<void()> done_) {
-    if (extent != extent_) // what is part of the tree may be something else now
-        for (const auto& [path, node] : nodesOfPath)
-            node->published.reset();
-    extent = extent_;
-    texts = texts_;
+void AtspiTreeReader::read(Task done_) {
     done = std::move(done_);
-    isOver = false;
-    int budget = extent.maxElements;
-    visit(top, budget);
+    state = State::reading;
+    (void)visit(tree.root(), tree.extent().maxElements);
     resume();
 }
 
-/// Queues what has to be asked for, as far as the walk comes.
-void AtspiTreeReader::visit(const NodePtr& node, int& budget) {
-    if (!node->hasRole || (isPart(*node) && !isKnown(*node)))
+/// Queues what is not known, as far as the walk comes. Returns what is left of the budget.
+int AtspiTreeReader::visit(const NodePtr& node, int budget) {
+    const bool isInScope = tree.isInScope(*node);
+    if (!node->hasRole || (isInScope && !tree.isKnown(*node)))
         enqueue(node);
-    if (!isPart(*node) || node->depth >= extent.maxDepth || --budget < 0)
-        return;
+    if (!isInScope)
+        return budget;
+    --budget;
     for (const auto& child : node->children)
         if (budget > 0)
-            visit(child, budget);
+            budget = visit(child, budget);
+    return budget;
 }
 
 void AtspiTreeReader::enqueue(const NodePtr& node) {
-    if (isOver || node->isQueued || node->asked > 0)
+    if (state == State::draining || node->fetch.isQueued || node->fetch.inFlight > 0)
         return;
-    node->isQueued = true;
+    node->fetch.isQueued = true;
     queue.push({node->position, node});
 }
 
 void AtspiTreeReader::resume() {
-    if (!done)
+    if (state == State::idle)
         return;
-    if (isEnough()) { // what is in flight is taken, and nothing follows it
-        isOver = true;
+    if (isBudgetUsedUp()) {
+        state = State::draining;
         clearQueue();
     }
     while (!queue.empty() && maySend()) {
@@ -114,201 +59,200 @@ void AtspiTreeReader::resume() {
         queue.pop();
         if (!node || node->isDropped)
             continue;
-        node->isQueued = false;
+        node->fetch.isQueued = false;
         advance(node);
     }
-    if (queue.empty() && asked == 0)
+    if (queue.empty() && inFlight == 0)
         finish();
 }
 
-/// What is asked while others are awaited lies further on in the walk. A tree that is wide at every
-/// depth would grow there without end, so in a crowd there is one at a time.
+/// Calls that are sent while others are in flight concern elements further on in the walk. A tree
+/// that is wide at every depth would grow there without end, so one that has outgrown its budget by
+/// far is read with one call at a time.
 bool AtspiTreeReader::maySend() const {
-    constexpr std::size_t crowd = 8; // times what is asked for
-    const bool isCrowded =
-        nodesOfPath.size() > crowd * static_cast<std::size_t>(extent.maxElements);
-    return calls.room() > 0 && (asked == 0 || !isCrowded);
+    constexpr std::size_t manyTimes = 8;
+    const bool hasOutgrown =
+        tree.size() > manyTimes * static_cast<std::size_t>(tree.extent().maxElements);
+    return calls.room() > 0 && (inFlight == 0 || !hasOutgrown);
 }
 
 void AtspiTreeReader::clearQueue() {
     for (; !queue.empty(); queue.pop())
         if (const auto node = queue.top().node.lock())
-            node->isQueued = false;
+            node->fetch.isQueued = false;
 }
 
 void AtspiTreeReader::finish() {
-    isComplete = true;
-    settleDocuments();
-    const auto call = std::exchange(done, nullptr);
+    state = State::idle;
+    tree.settleDocuments();
+    const auto call = std::exchange(done, nullptr); // may end the reader
     call();
 }
 
-/// The documents that say that they are shown are those of the window. Where none does, the window
-/// is minimised, and those shown before still are its content.
-void AtspiTreeReader::settleDocuments() {
-    if (!showsDocument())
-        return;
-    for (const auto& [path, node] : nodesOfPath)
-        if (node->isDocument() && node->hasState && node->isShown != node->isShowing) {
-            node->isShown = node->isShowing;
-            node->hasChanged();
-        }
-}
-
-/// Whether the walk would end, for its budget, within what has been read. That costs a walk, so it
-/// is looked at from time to time.
-bool AtspiTreeReader::isEnough() {
+/// Checked from time to time, because it costs a walk.
+bool AtspiTreeReader::isBudgetUsedUp() {
     constexpr int interval = 256;
-    if (readSinceLook < interval || static_cast<int>(nodesOfPath.size()) < extent.maxElements)
+    if (readSinceCheck < interval || static_cast<int>(tree.size()) < tree.extent().maxElements)
         return false;
-    readSinceLook = 0;
-    int budget = extent.maxElements;
-    return isPrefixRead(*top, budget) && budget <= 0;
+    readSinceCheck = 0;
+    return tree.isFull();
 }
 
-bool AtspiTreeReader::isPrefixRead(const Node& node, int& budget) const {
-    if (budget <= 0)
-        return true;
-    if (!node.hasRole)
-        return false;
-    if (!isPart(node) || node.depth >= extent.maxDepth)
-        return true;
-    if (!isKnown(node))
-        return false;
-    --budget;
-    return std::all_of(node.children.begin(), node.children.end(),
-                       [&](const NodePtr& child) { return isPrefixRead(*child, budget); });
-}
-
-bool AtspiTreeReader::descends(const Node& node) const {
-    return node.parent == nullptr || extent.descends == nullptr ||
-           extent.descends(node.parent->content.role, node.content.role, node.parent->depth);
-}
-
-bool AtspiTreeReader::isPart(const Node& node) const {
-    if (!node.hasRole || !descends(node))
-        return false;
-    return node.parent == nullptr || !node.isDocument() || !node.hasState || node.isShown;
-}
-
-bool AtspiTreeReader::isKnown(const Node& node) const {
-    return node.hasRole && node.hasDetails && (node.hasState || !wantsState(node)) &&
-           (node.hasText || !wantsText(node)) && (node.hasChildren || !wantsChildren(node));
-}
-
-void AtspiTreeReader::forget() {
-    for (const auto& [path, node] : nodesOfPath)
-        node->forget();
-}
-
-/// Not every program tells when it shows another document in the place of one.
-void AtspiTreeReader::forgetWayToDocuments() {
-    for (const auto& [path, node] : nodesOfPath) {
-        if (!node->isDocument() || !node->isShown || isWithinDocument(*node))
-            continue;
-        node->hasState = false;
-        for (auto* above = node->parent; above != nullptr; above = above->parent)
-            above->forgetChildren();
-    }
-}
-
-void AtspiTreeReader::forgetDocuments() {
-    for (const auto& [path, node] : nodesOfPath)
+/// Asks for the next unknown parts of an element. The number of children decides how to ask for
+/// them, and the state of a document whether to ask for them at all.
+void AtspiTreeReader::advance(const NodePtr& node) {
+    if (!node->hasRole)
+        return ask(node, atspi::accessible, "GetRole", &AtspiTreeReader::handleRole);
+    if (!tree.isInScope(*node))
+        return;
+    if (!node->hasDetails)
+        return askDetails(node);
+    if (tree.lacksState(*node)) {
+        ask(node, atspi::accessible, "GetState", &AtspiTreeReader::handleState);
         if (node->isDocument())
-            node->hasState = false;
-}
-
-bool AtspiTreeReader::isWithinDocument(const Node& node) {
-    for (const auto* above = node.parent; above != nullptr; above = above->parent)
-        if (above->isDocument())
-            return true;
-    return false;
-}
-
-bool AtspiTreeReader::showsDocument() const {
-    return std::any_of(nodesOfPath.begin(), nodesOfPath.end(), [](const auto& entry) {
-        return entry.second->isDocument() && entry.second->hasState && entry.second->isShowing;
-    });
-}
-
-bool AtspiTreeReader::hasDocument() const {
-    return std::any_of(nodesOfPath.begin(), nodesOfPath.end(), [](const auto& entry) {
-        const auto& node = *entry.second;
-        return node.isDocument() && node.isShown && node.childCount != 0;
-    });
-}
-
-bool AtspiTreeReader::note(const AtspiEvent& event) {
-    bool matters = false;
-    const auto [first, last] = nodesOfPath.equal_range(event.path);
-    for (auto entry = first; entry != last; ++entry)
-        matters = noteAt(*entry->second, event.change) || matters;
-    if (matters && event.change == AtspiChange::document)
-        forget();
-    return matters;
-}
-
-bool AtspiTreeReader::noteAt(Node& node, AtspiChange change) {
-    if (change == AtspiChange::visibility && node.isDocument()) {
-        node.hasState = false;
-        return true;
+            askDocument(node);
+    } else if (tree.lacksChildren(*node)) {
+        askChildren(node);
     }
-    if (!isPart(node))
-        return false;
-    switch (change) {
-    case AtspiChange::children:
-        node.forgetChildren();
-        return true;
-    case AtspiChange::name:
-        node.hasDetails = false;
-        return true;
-    case AtspiChange::text:
-        node.hasText = false;
-        return wantsText(node);
-    case AtspiChange::gone:
-        return node.parent != nullptr && noteAt(*node.parent, AtspiChange::children);
-    case AtspiChange::document:
-        return true;
-    case AtspiChange::visibility:
-    case AtspiChange::windows:
-    case AtspiChange::none:
-        break;
+    // To the end: Firefox returns nothing for a range that is longer than the text.
+    if (tree.lacksText(*node))
+        ask(node, atspi::text, "GetText", &AtspiTreeReader::handleText, {}, {0, -1});
+    if (tree.texts() == AtspiTree::Texts::all)
+        askRoleName(*node);
+    settle(node);
+}
+
+/// Queues an element again, or marks it as read, once all calls about it have been answered.
+void AtspiTreeReader::settle(const NodePtr& node) {
+    if (node->fetch.inFlight > 0 || !tree.isInScope(*node))
+        return;
+    if (!tree.isKnown(*node))
+        return enqueue(node);
+    ++readSinceCheck;
+    node->markRead();
+}
+
+void AtspiTreeReader::ask(const NodePtr& node, const char* interface, const char* method,
+                          Handler handler, std::initializer_list<const char*> texts,
+                          std::initializer_list<std::int32_t> numbers) {
+    ++inFlight;
+    ++node->fetch.inFlight;
+    calls.send({node->reference, interface, method, texts, numbers},
+               lifetime.guard([this, handler, weak = std::weak_ptr(node)](GVariant* reply) {
+                   --inFlight;
+                   if (const auto asked = weak.lock(); asked && !asked->isDropped) {
+                       --asked->fetch.inFlight;
+                       (this->*handler)(*asked, reply);
+                       settle(asked);
+                   }
+                   resume();
+               }));
+}
+
+void AtspiTreeReader::askProperty(const NodePtr& node, const char* name, Handler handler) {
+    ask(node, atspi::properties, "Get", handler, {atspi::accessible, name});
+}
+
+/// All properties at once from toolkits known to support that: some programs crash at it.
+void AtspiTreeReader::askDetails(const NodePtr& node) {
+    if (traits.toolkit != AtspiToolkit::unknown)
+        return ask(node, atspi::properties, "GetAll", &AtspiTreeReader::handleDetails,
+                   {atspi::accessible});
+    askProperty(node, "Name", &AtspiTreeReader::handleName);
+    askProperty(node, "Description", &AtspiTreeReader::handleDescription);
+    askProperty(node, "ChildCount", &AtspiTreeReader::handleCount);
+}
+
+/// Each program has its document's address under one of two keys, and "" under the other.
+void AtspiTreeReader::askDocument(const NodePtr& node) {
+    for (const char* const key : {"DocURL", "URI"}) {
+        const bool isOthers = std::string_view(key) == "URI"
+                                  ? traits.toolkit == AtspiToolkit::gecko
+                                  : traits.toolkit == AtspiToolkit::chromium;
+        if (!isOthers)
+            ask(node, atspi::document, "GetAttributeValue", &AtspiTreeReader::handleAddress, {key});
     }
-    return false;
 }
 
-std::vector<std::pair<AtspiReference, std::string>> AtspiTreeReader::listChildren() const {
-    std::vector<std::pair<AtspiReference, std::string>> children;
-    for (const auto& child : top->children)
-        children.emplace_back(child->reference, child->content.title);
-    return children;
+/// The name of a role is asked for once, of the first element that has it.
+void AtspiTreeReader::askRoleName(const Node& node) {
+    if (!traits.roleNames.try_emplace(node.atspiRole).second)
+        return;
+    ++inFlight;
+    calls.send({node.reference, atspi::accessible, "GetLocalizedRoleName"},
+               lifetime.guard([this, role = node.atspiRole](GVariant* reply) {
+                   --inFlight;
+                   traits.roleNames[role] = decodeText(reply).value_or("");
+                   resume();
+               }));
 }
 
-AccessibleElementPtr AtspiTreeReader::tree() {
-    if (!isComplete)
-        return nullptr;
-    const auto all = publish(*top);
-    if (all != everything) {
-        everything = all;
-        int budget = extent.maxElements;
-        withinBudget = firstOf(all, budget);
+/// All at once, but one by one up to the budget where there are very many.
+void AtspiTreeReader::askChildren(const NodePtr& node) {
+    constexpr int batch = 32;
+    const int most = tree.extent().maxElements;
+    if (node->childCount <= most || !node->hasManyChildren())
+        return ask(node, atspi::accessible, "GetChildren", &AtspiTreeReader::handleChildren);
+    if (node->nextChild >= most) {
+        node->nextChild = 0;
+        return adoptChildren(*node, std::exchange(node->listed, {}));
     }
-    return withinBudget;
+    const auto end = std::min(node->nextChild + batch, most);
+    while (node->nextChild < end)
+        ask(node, atspi::accessible, "GetChildAtIndex", &AtspiTreeReader::handleChild, {},
+            {node->nextChild++});
 }
 
-/// Shares what has not changed with what was given out before.
-AccessibleElementPtr AtspiTreeReader::publish(Node& node) {
-    if (node.published)
-        return node.published;
-    auto element = std::make_shared<AccessibleElement>(node.content);
-    if (const auto name = traits.roleNames.find(node.atspiRole); name != traits.roleNames.end())
-        element->roleDescription = name->second;
+void AtspiTreeReader::handleRole(Node& node, GVariant* reply) {
+    node.setRole(decodeNumber(reply));
+}
+
+void AtspiTreeReader::handleDetails(Node& node, GVariant* reply) {
+    node.setDetails(decodeDetails(reply).value_or(AtspiDetails{{}, {}, {}, 0}));
+}
+
+void AtspiTreeReader::handleName(Node& node, GVariant* reply) {
+    node.setTitle(decodeTextProperty(reply).value_or(""));
+}
+
+void AtspiTreeReader::handleDescription(Node& node, GVariant* reply) {
+    node.setDescription(decodeTextProperty(reply).value_or(""));
+}
+
+void AtspiTreeReader::handleCount(Node& node, GVariant* reply) {
+    node.setChildCount(decodeCountProperty(reply).value_or(0));
+}
+
+void AtspiTreeReader::handleState(Node& node, GVariant* reply) {
+    node.setState(hasState(reply, AtspiState::showing),
+                  hasState(reply, AtspiState::managesDescendants));
+}
+
+void AtspiTreeReader::handleAddress(Node& node, GVariant* reply) {
+    if (auto address = decodeText(reply); address && !address->empty())
+        node.setAddress(std::move(*address));
+}
+
+void AtspiTreeReader::handleText(Node& node, GVariant* reply) {
+    node.setText(decodeText(reply).value_or(""));
+}
+
+void AtspiTreeReader::handleChildren(Node& node, GVariant* reply) {
+    const auto most = static_cast<std::size_t>(tree.extent().maxElements);
+    adoptChildren(
+        node,
+        decodeReferences(reply, node.reference.bus, most).value_or(std::vector<AtspiReference>()));
+}
+
+void AtspiTreeReader::handleChild(Node& node, GVariant* reply) {
+    if (auto child = decodeReference(reply, node.reference.bus))
+        node.listed.push_back(std::move(*child));
+}
+
+void AtspiTreeReader::adoptChildren(Node& node, std::vector<AtspiReference> references) {
+    tree.setChildren(node, std::move(references));
     for (const auto& child : node.children)
-        if (isPart(*child) && child->depth < extent.maxDepth && child->wasRead)
-            element->children.push_back(publish(*child));
-    if (traits.toolkit == AtspiToolkit::chromium && element->value.empty())
-        element->value = joinedTexts(*element);
-    return node.published = std::move(element);
+        (void)visit(child, tree.extent().maxElements);
 }
 
 } // namespace quorva

@@ -1,0 +1,281 @@
+#include "platform/linux/accessibility/AtspiTree.h"
+
+#include <algorithm>
+#include <string_view>
+
+namespace quorva {
+namespace {
+
+std::shared_ptr<AtspiNode> makeNode(AtspiReference reference, AtspiNode* parent,
+                                    std::uint32_t index) {
+    auto node = std::make_shared<AtspiNode>();
+    node->reference = std::move(reference);
+    node->parent = parent;
+    if (parent != nullptr) {
+        node->depth = parent->depth + 1;
+        node->position = parent->position;
+        node->position.push_back(index);
+    }
+    return node;
+}
+
+struct Cut {
+    AccessibleElementPtr tree;
+    int budget; ///< that is left
+};
+
+/// The elements that a walk meets within its budget; a reading goes a little beyond.
+Cut cutToBudget(const AccessibleElementPtr& tree, int budget) {
+    --budget;
+    for (auto child = tree->children.begin(); child != tree->children.end(); ++child) {
+        const auto cut = budget > 0 ? cutToBudget(*child, budget) : Cut{nullptr, budget};
+        budget = cut.budget;
+        if (cut.tree == *child)
+            continue;
+        auto shorter = std::make_shared<AccessibleElement>(*tree);
+        shorter->children.assign(tree->children.begin(), child);
+        if (cut.tree)
+            shorter->children.push_back(cut.tree);
+        return {std::move(shorter), budget};
+    }
+    return {tree, budget};
+}
+
+} // namespace
+
+AtspiTree::AtspiTree(const AtspiApplicationTraits& traits_, AtspiReference root)
+    : traits(traits_), top(makeNode(std::move(root), nullptr, 0)) {
+    add(*top);
+}
+
+void AtspiTree::add(AtspiNode& node) {
+    nodesOfPath.emplace(node.reference.path, &node);
+}
+
+void AtspiTree::drop(AtspiNode& node) {
+    node.isDropped = true;
+    const auto [first, last] = nodesOfPath.equal_range(node.reference.path);
+    const auto found =
+        std::find_if(first, last, [&](const auto& entry) { return entry.second == &node; });
+    if (found != last)
+        nodesOfPath.erase(found);
+    for (const auto& child : node.children)
+        drop(*child);
+}
+
+void AtspiTree::setScope(const TreeExtent& extent, Texts texts) {
+    if (extent != scope) // other elements may be part of the tree now
+        for (const auto& [path, node] : nodesOfPath)
+            node->published.reset();
+    scope = extent;
+    scopeOfTexts = texts;
+}
+
+bool AtspiTree::isPart(const AtspiNode& node) const {
+    if (!node.hasRole)
+        return false;
+    if (node.parent == nullptr)
+        return true;
+    const bool isReached =
+        scope.descends == nullptr ||
+        scope.descends(node.parent->content.role, node.content.role, node.parent->depth);
+    return isReached && (!node.isDocument() || !node.hasState || node.isShown);
+}
+
+bool AtspiTree::isInScope(const AtspiNode& node) const {
+    return isPart(node) && node.depth < scope.maxDepth;
+}
+
+bool AtspiTree::isKnown(const AtspiNode& node) const {
+    return node.hasRole && node.hasDetails && !lacksState(node) && !lacksText(node) &&
+           !lacksChildren(node);
+}
+
+bool AtspiTree::lacksState(const AtspiNode& node) const {
+    return !node.hasState && (node.isDocument() || node.hasManyChildren());
+}
+
+bool AtspiTree::lacksText(const AtspiNode& node) const {
+    return !node.hasText && wantsText(node);
+}
+
+/// Chromium repeats the texts of an element in the static texts below it.
+bool AtspiTree::wantsText(const AtspiNode& node) const {
+    const bool mayHaveText =
+        traits.toolkit == AtspiToolkit::chromium ? node.isEditable() : node.mayHaveText();
+    return scopeOfTexts == Texts::all && mayHaveText;
+}
+
+bool AtspiTree::lacksChildren(const AtspiNode& node) const {
+    const bool isEndless = node.managesDescendants && node.hasManyChildren();
+    const bool isHiddenDocument = node.parent != nullptr && node.isDocument() && !node.isShown;
+    return !node.hasChildren && node.depth + 1 < scope.maxDepth && node.childCount != 0 &&
+           !isEndless && !isHiddenDocument;
+}
+
+bool AtspiTree::isFull() const {
+    const auto budget = budgetAfter(*top, scope.maxElements);
+    return budget && *budget <= 0;
+}
+
+/// What is left of a walk's budget after an element and those below it; nothing when the walk meets
+/// an element that is not known.
+std::optional<int> AtspiTree::budgetAfter(const AtspiNode& node, int budget) const {
+    if (budget <= 0)
+        return budget;
+    if (!node.hasRole)
+        return std::nullopt;
+    if (!isInScope(node))
+        return budget;
+    if (!isKnown(node))
+        return std::nullopt;
+    --budget;
+    for (const auto& child : node.children) {
+        const auto left = budgetAfter(*child, budget);
+        if (!left)
+            return std::nullopt;
+        budget = *left;
+    }
+    return budget;
+}
+
+void AtspiTree::setChildren(AtspiNode& node, std::vector<AtspiReference> references) {
+    node.hasChildren = true;
+    const auto former = std::exchange(node.children, {});
+    std::unordered_multimap<std::string_view, NodePtr> known;
+    for (const auto& child : former)
+        known.emplace(child->reference.path, child);
+    for (std::uint32_t index = 0; index < references.size(); ++index) {
+        auto& reference = references[index];
+        const auto found = known.find(reference.path);
+        if (found != known.end() && found->second->reference == reference) {
+            node.children.push_back(found->second);
+            known.erase(found);
+            node.children.back()->moveTo(index);
+        } else {
+            node.children.push_back(makeNode(std::move(reference), &node, index));
+            add(*node.children.back());
+        }
+    }
+    for (const auto& [path, child] : known)
+        drop(*child);
+    if (node.children != former)
+        node.markChanged();
+}
+
+/// The documents that claim to be shown are those of the window. Where none does, the window is
+/// minimised, and the documents shown before are still its content.
+void AtspiTree::settleDocuments() {
+    if (!showsDocument())
+        return;
+    for (const auto& [path, node] : nodesOfPath)
+        if (node->isDocument() && node->hasState)
+            node->setShown(node->isShowing);
+}
+
+void AtspiTree::invalidate() {
+    for (const auto& [path, node] : nodesOfPath)
+        node->invalidate();
+}
+
+/// Not every program signals that it shows another document in place of one.
+void AtspiTree::invalidatePathsToDocuments() {
+    for (const auto& [path, node] : nodesOfPath) {
+        if (!node->isDocument() || !node->isShown || node->isWithinDocument())
+            continue;
+        node->hasState = false;
+        for (auto* above = node->parent; above != nullptr; above = above->parent)
+            above->invalidateChildren();
+    }
+}
+
+void AtspiTree::invalidateDocuments() {
+    for (const auto& [path, node] : nodesOfPath)
+        if (node->isDocument())
+            node->hasState = false;
+}
+
+bool AtspiTree::invalidate(const AtspiEvent& event) {
+    bool isPartOfTree = false;
+    const auto [first, last] = nodesOfPath.equal_range(event.path);
+    for (auto entry = first; entry != last; ++entry)
+        isPartOfTree = invalidate(*entry->second, event.change) || isPartOfTree;
+    if (isPartOfTree && event.change == AtspiChange::document)
+        invalidate();
+    return isPartOfTree;
+}
+
+bool AtspiTree::invalidate(AtspiNode& node, AtspiChange change) {
+    if (change == AtspiChange::visibility && node.isDocument()) {
+        node.hasState = false;
+        return true;
+    }
+    if (!isPart(node))
+        return false;
+    switch (change) {
+    case AtspiChange::children:
+        node.invalidateChildren();
+        return true;
+    case AtspiChange::name:
+        node.hasDetails = false;
+        return true;
+    case AtspiChange::text:
+        node.hasText = false;
+        return wantsText(node);
+    case AtspiChange::gone:
+        return node.parent != nullptr && invalidate(*node.parent, AtspiChange::children);
+    case AtspiChange::document:
+        return true;
+    case AtspiChange::visibility:
+    case AtspiChange::windows:
+    case AtspiChange::none:
+        break;
+    }
+    return false;
+}
+
+std::vector<std::pair<AtspiReference, std::string>> AtspiTree::children() const {
+    std::vector<std::pair<AtspiReference, std::string>> listed;
+    for (const auto& child : top->children)
+        listed.emplace_back(child->reference, child->content.title);
+    return listed;
+}
+
+bool AtspiTree::showsDocument() const {
+    return std::any_of(nodesOfPath.begin(), nodesOfPath.end(), [](const auto& entry) {
+        return entry.second->isDocument() && entry.second->hasState && entry.second->isShowing;
+    });
+}
+
+bool AtspiTree::hasDocument() const {
+    return std::any_of(nodesOfPath.begin(), nodesOfPath.end(), [](const auto& entry) {
+        const auto& node = *entry.second;
+        return node.isDocument() && node.isShown && node.childCount != 0;
+    });
+}
+
+AccessibleElementPtr AtspiTree::snapshot() {
+    const auto all = publish(*top);
+    if (all != everything) {
+        everything = all;
+        withinBudget = cutToBudget(all, scope.maxElements).tree;
+    }
+    return withinBudget;
+}
+
+AccessibleElementPtr AtspiTree::publish(AtspiNode& node) {
+    if (node.published)
+        return node.published;
+    auto element = std::make_shared<AccessibleElement>(node.content);
+    if (const auto name = traits.roleNames.find(node.atspiRole); name != traits.roleNames.end())
+        element->roleDescription = name->second;
+    for (const auto& child : node.children)
+        if (isInScope(*child) && child->wasRead)
+            element->children.push_back(publish(*child));
+    if (traits.toolkit == AtspiToolkit::chromium && element->value.empty())
+        element->value = joinedTexts(*element);
+    node.published = std::move(element);
+    return node.published;
+}
+
+} // namespace quorva

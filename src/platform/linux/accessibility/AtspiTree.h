@@ -1,0 +1,108 @@
+// The tree of one window as it is known from the accessibility bus: its elements, which of them are
+// out of date, and the snapshots made of them. AtspiTreeReader fetches what is not known.
+// Belongs to the thread that made it.
+#pragma once
+
+#include "platform/AccessibilityTree.h"
+#include "platform/linux/accessibility/AtspiNode.h"
+#include "platform/linux/accessibility/AtspiProtocol.h"
+
+#include <cstddef>
+#include <memory>
+#include <optional>
+#include <string>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+namespace quorva {
+
+/// What all windows of an application have in common.
+struct AtspiApplicationTraits {
+    AtspiToolkit toolkit = AtspiToolkit::notAsked;
+    /// The names of roles in the user's language, by number: asked for once each.
+    std::unordered_map<std::uint32_t, std::string> roleNames;
+};
+
+class AtspiTree {
+public:
+    using NodePtr = std::shared_ptr<AtspiNode>;
+    enum class Texts { none, all };
+
+    /// Of the root alone, of which nothing is known. `traits` must outlive the tree.
+    AtspiTree(const AtspiApplicationTraits& traits, AtspiReference root);
+
+    AtspiTree(const AtspiTree&) = delete;
+    AtspiTree& operator=(const AtspiTree&) = delete;
+
+    /// Sets how much of the window is read and shown: nothing at first.
+    void setScope(const TreeExtent& extent, Texts texts);
+    [[nodiscard]] const TreeExtent& extent() const { return scope; }
+    [[nodiscard]] Texts texts() const { return scopeOfTexts; }
+
+    /// Invalidates everything; an element that turns out to be the same stays the same object.
+    void invalidate();
+
+    /// Invalidates the documents that are shown, and the elements above them.
+    void invalidatePathsToDocuments();
+
+    /// Invalidates whether any document is shown.
+    void invalidateDocuments();
+
+    /// Invalidates what a signal reports as changed. Returns whether that is part of this tree.
+    bool invalidate(const AtspiEvent& event);
+
+    /// A snapshot of what is known within the scope. It shares what has not changed with earlier
+    /// ones, and is the same object when nothing has.
+    [[nodiscard]] AccessibleElementPtr snapshot();
+
+    /// The root's children with their titles.
+    [[nodiscard]] std::vector<std::pair<AtspiReference, std::string>> children() const;
+
+    /// Whether a document claims to be shown.
+    [[nodiscard]] bool showsDocument() const;
+
+    /// Whether a document that counts as part of the window is not empty.
+    [[nodiscard]] bool hasDocument() const;
+
+    // For the reader:
+
+    [[nodiscard]] const NodePtr& root() const { return top; }
+    [[nodiscard]] std::size_t size() const { return nodesOfPath.size(); } ///< of elements
+    [[nodiscard]] bool isInScope(const AtspiNode& node) const;
+
+    /// Whether nothing of an element in scope is left to be read, its children's parts aside.
+    [[nodiscard]] bool isKnown(const AtspiNode& node) const;
+    [[nodiscard]] bool lacksState(const AtspiNode& node) const;
+    [[nodiscard]] bool lacksText(const AtspiNode& node) const;
+    [[nodiscard]] bool lacksChildren(const AtspiNode& node) const;
+
+    /// Whether the scope's number of elements is known, in the order of the walk and without gaps.
+    /// Costs a walk.
+    [[nodiscard]] bool isFull() const;
+
+    /// Sets the children of an element, and keeps what is known of those that it already had.
+    void setChildren(AtspiNode& node, std::vector<AtspiReference> references);
+
+    /// Settles which documents are part of the window, after all of them have been read.
+    void settleDocuments();
+
+private:
+    void add(AtspiNode& node);
+    void drop(AtspiNode& node);
+    bool invalidate(AtspiNode& node, AtspiChange change);
+    [[nodiscard]] bool isPart(const AtspiNode& node) const;
+    [[nodiscard]] bool wantsText(const AtspiNode& node) const;
+    [[nodiscard]] std::optional<int> budgetAfter(const AtspiNode& node, int budget) const;
+    AccessibleElementPtr publish(AtspiNode& node);
+
+    const AtspiApplicationTraits& traits;
+    TreeExtent scope;
+    Texts scopeOfTexts = Texts::none;
+    const NodePtr top;
+    std::unordered_multimap<std::string, AtspiNode*> nodesOfPath;
+    AccessibleElementPtr everything;   ///< that was published last, and
+    AccessibleElementPtr withinBudget; ///< the part of it that is within the scope's budget
+};
+
+} // namespace quorva
