@@ -1,5 +1,5 @@
-// Windows of applications in memory. What a reading plan did not ask for is not there to be seen,
-// and what has been asked for is there when the reader has got round to it.
+// Windows of applications in memory. Shows of them what a reading plan asks for, as if a reader had
+// just read it.
 #pragma once
 
 #include "base/MainLoop.h"
@@ -20,8 +20,8 @@ public:
         std::string title;
         AccessibleElementPtr tree;
         std::string problem = {}; ///< not empty: it cannot be read
-        bool isAnswering = true;  ///< false: it is being read for ever
-        bool isReadWholly = true; ///< false: of it only what is read first has been read
+        bool isAnswering = true;  ///< false: it is being read forever
+        bool isReadWholly = true; ///< false: only its outline has been read
     };
     struct Application {
         std::vector<Window> windows;
@@ -57,8 +57,7 @@ public:
         return enableError;
     }
 
-    /// The reader keeps up with what has been requested; those who follow it are told when it has
-    /// begun.
+    /// Whatever is requested has been read at once; `onRead` follows for processes that are new.
     void request(std::vector<ReadingRequest> requests) override {
         std::map<ProcessIdentifier, Readings> kept;
         bool isNew = false;
@@ -84,7 +83,7 @@ public:
     }
 
 private:
-    /// A reading is the same object as long as what it was made of is.
+    /// Read once, so that the same source gives the same object.
     struct Reading {
         AccessibleElementPtr source;
         TreeExtent extent;
@@ -149,7 +148,8 @@ private:
         copy->children.clear();
         if (depth + 1 < extent.maxDepth)
             for (const auto& child : element.children)
-                if (budget > 0 && extent.descends(element.role, child->role, depth))
+                if (budget > 0 && (extent.descends == nullptr ||
+                                   extent.descends(element.role, child->role, depth)))
                     copy->children.push_back(cut(*child, extent, depth + 1, budget));
         return copy;
     }
