@@ -1,5 +1,5 @@
-// Any bytes in place of the replies and signals of applications on the accessibility bus. What is
-// understood of them keeps to the limits; what the one library has sent, the other reads the same.
+// Feeds any bytes to the decoders of replies and signals on the accessibility bus. Decoded values
+// stay within the limits, and a message made from a value is read back as the same value.
 #include "Expect.h"
 #include "platform/linux/accessibility/AtspiConnection.h"
 #include "platform/linux/accessibility/AtspiProtocol.h"
@@ -48,7 +48,7 @@ void decode(GVariant* value) {
     }
 }
 
-/// A connection that nobody answers: messages can be made for it.
+/// A connection without a peer, for which messages can be made.
 sd_bus* aBus() {
     static sd_bus* const bus = [] {
         std::array<int, 2> ends{};
@@ -113,15 +113,14 @@ bool append(sd_bus_message* message, GVariant* value) {
     }
 }
 
-/// Also where the library holds the same value in different bytes, as it does with nothing but
-/// empty arrays.
+/// GLib may hold the same value in different bytes, for example arrays that are all empty.
 bool isSame(GVariant* one, GVariant* other) {
     const auto written = [](GVariant* value) { return GCharsPtr(g_variant_print(value, TRUE)); };
     return g_variant_equal(one, other) != FALSE ||
            std::string_view(written(one).get()) == written(other).get();
 }
 
-/// Sends the tuple, and reads it as replies are read.
+/// Makes a message of the tuple, and reads it as replies are read.
 void sendAndRead(GVariant* tuple) {
     sd_bus_message* made = nullptr;
     expect(sd_bus_message_new_signal(aBus(), &made, "/e", "e.e", "E") >= 0);
@@ -146,7 +145,7 @@ void decodeAs(const char* type, const std::uint8_t* data, std::size_t size) {
         sendAndRead(normal.get());
 }
 
-/// A value as people write it.
+/// A value in GVariant's text format.
 void decodeWritten(const char* text) {
     GError* error = nullptr;
     const GVariantPtr value(g_variant_parse(nullptr, text, nullptr, nullptr, &error));
@@ -173,9 +172,8 @@ void decodeMessage(const std::uint8_t* data, std::size_t size) {
 
 } // namespace
 
-/// The first byte says what the others are: bytes of a value of an expected type (0-8), a value as
-/// people write it ('('), a type in a line of its own and bytes of a value of it ('t'), or a
-/// message.
+/// The first byte says what follows: the bytes of a value of an expected type (0-8), a value in
+/// text format ('('), a line with a type and the bytes of such a value ('t'), or a message.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     if (size == 0)
         return 0;

@@ -1,6 +1,6 @@
-// What other programs' windows show to a screen reader: titles, and the trees of elements within
-// them. Reading takes the other programs' time and may take long, so it is done elsewhere: whoever
-// looks says what shall be read, and looks at the newest complete snapshot of it.
+// What the windows of other programs show to a screen reader: titles, and the trees of elements
+// within them. Reading them takes those programs' time and can take long, so it is done in the
+// background: callers say what to read, and look at the newest complete snapshot of it.
 #pragma once
 
 #include "base/Subscription.h"
@@ -14,9 +14,9 @@
 
 namespace quorva {
 
-/// What an element is, as far as that matters for looking for texts.
+/// The kind of an element, as far as it matters for finding texts.
 enum class AccessibilityRole {
-    unreadable, ///< it did not say
+    unreadable, ///< it did not answer
     other,      ///< any role that is not listed here
     button,
     colorWell,
@@ -42,8 +42,8 @@ enum class AccessibilityRole {
 struct AccessibleElement;
 using AccessibleElementPtr = std::shared_ptr<const AccessibleElement>;
 
-/// One element as it was when it was read. Texts are UTF-8; empty when the element has none. Never
-/// changes: a later snapshot shares the elements that are still the same with the one before.
+/// One element as it was when it was read. Texts are UTF-8; empty when the element has none. It
+/// never changes: a later snapshot shares the elements that are still the same with the one before.
 struct AccessibleElement {
     AccessibilityRole role = AccessibilityRole::unreadable;
     std::string value; ///< what an entry holds, or what a paragraph says; never a password
@@ -55,30 +55,31 @@ struct AccessibleElement {
     std::vector<AccessibleElementPtr> children;
 };
 
-/// Whether something could be looked at. "Nothing there" is `read`.
+/// Whether something could be read. "Read, and nothing is there" is `read`.
 enum class ReadState {
-    notReadYet,     ///< not asked for before, or being read
+    notReadYet,     ///< not requested before, or being read
     couldNotBeRead, ///< it did not answer as it should
     read,
 };
 
-/// How much of a window's tree is read: the elements that a walk meets which starts at the window
-/// (depth 0), takes children in their order before siblings, and ends where the budget does.
+/// How much of a window's tree is read. A walk starts at the window (depth 0), visits children in
+/// their order before siblings, and ends when its budget is used up; the elements it meets are
+/// read.
 struct TreeExtent {
     int maxDepth = 0;    ///< elements at this depth and below are left out
     int maxElements = 0; ///< the walk ends after that many
-    /// Whether the walk goes from an element at `depth` into a child. A function without state, for
-    /// it is called on the reader's thread.
+    /// Whether the walk goes from an element at `depth` into a child; null for always. A function
+    /// without state, because it is called on the reader's thread.
     bool (*descends)(AccessibilityRole parent, AccessibilityRole child, int depth) = nullptr;
 
     bool operator==(const TreeExtent&) const = default;
 };
 
-/// A window of an application. Documents of tabs that are not shown are no part of it.
+/// A window of an application, without the documents of tabs that are not shown.
 struct AccessibleWindow {
     std::string title;
     ReadState state = ReadState::notReadYet; ///< of the tree
-    std::string problem;                     ///< why it could not be read; for the log and people
+    std::string problem;                     ///< why it could not be read, in English
     TreeExtent extent;                       ///< how much of it was read
     AccessibleElementPtr tree;               ///< null unless read; then the newest complete reading
 };
@@ -90,10 +91,11 @@ struct AccessibleWindows {
     std::vector<AccessibleWindow> windows;
 };
 
-/// What shall be read of a window, decided step by step so that as little is read as possible.
-/// Functions without state, called on the reader's thread; an extent with no elements is none.
+/// Decides what to read of a window, step by step, to read as little as possible. The functions are
+/// without state and called on the reader's thread; an extent of no elements reads nothing.
 struct ReadingPlan {
-    /// By the title. With `isFinal` unset, the tree read to this extent is shown to `byTree`.
+    /// Decided by the title. Unless `isFinal`, the tree read to this extent is passed to `byTree`,
+    /// which decides what is read in its place; with no elements there, this reading stands.
     struct First {
         TreeExtent extent;
         bool isFinal = true;
@@ -102,13 +104,13 @@ struct ReadingPlan {
     std::function<TreeExtent(std::string_view title, const AccessibleElement& tree)> byTree;
 };
 
-/// An application whose windows shall be read.
+/// An application whose windows are to be read.
 struct ReadingRequest {
     ProcessIdentifier process = 0; ///< its main process
     std::shared_ptr<const ReadingPlan> plan;
 };
 
-/// What switches an application's tree on where it is off until somebody asks.
+/// The switch of an application that exposes its tree only when asked to.
 enum class AccessibilitySwitch { manualAccessibility, enhancedUserInterface };
 
 /// Main thread only; no operation waits for another program.
@@ -116,31 +118,33 @@ class AccessibilityTree {
 public:
     virtual ~AccessibilityTree() = default;
 
-    /// Whether this program may read what applications show: the session's accessibility is
-    /// switched on.
+    /// Whether this program may read what applications show, which is when the session's
+    /// accessibility is switched on.
     [[nodiscard]] virtual bool isTrusted() const = 0;
 
-    /// Calls `callback` on the main loop after that has changed.
+    /// Calls `callback` on the main loop after `isTrusted` has changed.
     [[nodiscard]] virtual Subscription onTrustChange(Task callback) = 0;
 
-    /// Switches the session's accessibility on, at the user's wish, and calls `done` once, on the
-    /// main loop or within this call, with whether it is on then.
+    /// Switches the session's accessibility on, as the user wishes. Calls `done` once, on the main
+    /// loop or within this call, with whether it is on now.
     virtual void requestTrust(std::function<void(bool isTrusted)> done) = 0;
 
-    /// Asks an application to expose its whole tree. 0 when it has been asked, now or before; else
-    /// why not, as a number of errno: EINPROGRESS while that is being found out, ESRCH when it
-    /// exposes nothing, ETIMEDOUT when it does not answer.
+    /// Asks an application to expose its whole tree, with the next request that names it. Returns 0
+    /// when it has been asked, now or before; otherwise an errno number: EINPROGRESS until it has
+    /// been asked, ESRCH when it exposes nothing, ENOTSUP when it refuses, ETIMEDOUT when it does
+    /// not answer, ECONNREFUSED when no application can be reached.
     virtual int enable(ProcessIdentifier process, AccessibilitySwitch which) = 0;
 
-    /// The windows of an application, as they were last read completely.
+    /// The windows of an application, as they were last read completely; `notReadYet` for one that
+    /// has not been requested. `couldNotBeRead` when it shows nothing or does not answer.
     [[nodiscard]] virtual AccessibleWindows windows(ProcessIdentifier process) const = 0;
 
-    /// Says what shall be read from now on, until the next call; reading starts, or goes on with
-    /// what has changed. What is not named any more is forgotten.
+    /// Sets what is read from now on, until the next call. Reads what has not been read yet, or has
+    /// changed, and drops what is known of applications that are not named any more.
     virtual void request(std::vector<ReadingRequest> requests) = 0;
 
-    /// Calls `callback` on the main loop after an application's windows have been read, or could
-    /// not be.
+    /// Calls `callback` on the main loop, never within a call to this object, after a reading of an
+    /// application's windows has succeeded or failed.
     [[nodiscard]] virtual Subscription onRead(Task callback) = 0;
 };
 

@@ -1,4 +1,4 @@
-// Trees of elements as windows show them, in few words.
+// Short ways to make the trees of elements that windows show.
 #pragma once
 
 #include "platform/AccessibilityTree.h"

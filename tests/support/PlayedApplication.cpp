@@ -89,7 +89,7 @@ PlayedApplication::PlayedApplication(Script script_, std::string toolkit_, Treat
         callNow(bus.get(), atspi::registryName, atspi::rootPath, "org.a11y.atspi.Socket", "Embed",
                 g_variant_new("(@(so))", referenceTo("root")));
     if (!embedded)
-        throw std::runtime_error("the registry does not take the application");
+        throw std::runtime_error("the registry does not accept the application");
 }
 
 PlayedApplication::~PlayedApplication() {
@@ -135,7 +135,7 @@ int PlayedApplication::questions(const std::string& element, const std::string& 
     return count;
 }
 
-void PlayedApplication::forgetQuestions() {
+void PlayedApplication::clearQuestions() {
     const std::lock_guard lock(mutex);
     counts.clear();
 }

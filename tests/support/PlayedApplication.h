@@ -1,4 +1,4 @@
-// An application on the accessibility bus that a test plays: it answers from a script, on a thread
+// An application on the accessibility bus, played by a test: it answers from a script, on a thread
 // of its own, as well or as badly as the script says.
 #pragma once
 
@@ -45,29 +45,29 @@ private:
         std::make_shared<const std::vector<std::string>>();
 };
 
-/// An element as it shows itself. Its identifier is the last part of its object path.
+/// An element as it is shown. Its identifier is the last part of its object path.
 struct PlayedElement {
     std::uint32_t role = played::panel;
     std::string name = {};
     std::string text = {};
     std::string url = {}; ///< of the application: the address of its own socket
     PlayedChildren children = {};
-    std::optional<std::int32_t> childCount = {}; ///< where it lies about its children
+    std::optional<std::int32_t> childCount = {}; ///< if it lies about its children
     bool isShowing = true;
     bool managesDescendants = false;
 };
 
-/// A method call that has come.
+/// A method call that has arrived.
 struct PlayedQuestion {
     std::string element;
     std::string method; ///< of a property: its name, or "GetAll"
 };
 
-/// What an application does about a question instead of answering by the script.
+/// What the application does with a question instead of answering from the script.
 struct PlayedTreatment {
     enum class Kind { answer, swallow, vanished, reply };
     Kind kind = Kind::answer;
-    GVariant* reply = nullptr; ///< floating: what it says instead
+    GVariant* reply = nullptr; ///< floating: what it answers instead
     int delay = 0;             ///< milliseconds; it does nothing else meanwhile
 };
 
@@ -88,23 +88,24 @@ public:
     PlayedApplication(const PlayedApplication&) = delete;
     PlayedApplication& operator=(const PlayedApplication&) = delete;
 
-    /// What it does about questions from now on.
+    /// Sets what it does with questions from now on.
     void treat(Treat treat);
 
-    /// From now on it plays by another script.
+    /// Sets the script from now on.
     void play(Script script);
 
-    /// Sends a signal of an element: "Object", "ChildrenChanged", and what the signal tells first.
-    /// `other` is the element that it tells of, if any.
+    /// Sends a signal of an element. For example, `kind` is "Object" and `member`
+    /// "ChildrenChanged"; `detail` is the first parameter, and `other` the element that it
+    /// concerns, if any.
     void tell(const std::string& element, const std::string& kind, const std::string& member,
               const std::string& detail, const std::string& other = {});
 
-    /// How often an element was asked anything, or all of them with "".
+    /// How many questions an element was asked, or all of them with "".
     [[nodiscard]] int questions(const std::string& element = {}) const;
 
-    /// How often an element was asked one thing, or all of them with "".
+    /// The same for one method, or all of them with "".
     [[nodiscard]] int questions(const std::string& element, const std::string& method) const;
-    void forgetQuestions();
+    void clearQuestions();
 
 private:
     void serve(GDBusMessage* message);
@@ -120,7 +121,7 @@ private:
     GObjectPtr<GDBusConnection> bus;
     guint filter = 0;
 
-    mutable std::mutex mutex; ///< of what follows
+    mutable std::mutex mutex; ///< guards the three below
     Script script;
     Treat treatment;
     std::map<std::pair<std::string, std::string>, int> counts;
@@ -128,8 +129,8 @@ private:
     std::thread thread;
 };
 
-/// The address of the session's accessibility bus, which is started by the question; empty when
-/// there is none.
+/// The address of the session's accessibility bus, which is started if necessary; empty when there
+/// is none.
 [[nodiscard]] std::string accessibilityBusAddress();
 
 } // namespace quorva

@@ -10,7 +10,7 @@
 namespace quorva {
 namespace {
 
-constexpr std::chrono::milliseconds longestStart{2000};
+constexpr std::chrono::milliseconds startTimeout{2000};
 
 } // namespace
 
@@ -18,10 +18,10 @@ AtspiAccessibilityTree::AtspiAccessibilityTree()
     : context(g_main_context_new()), loop(g_main_loop_new(context.get(), FALSE)) {
     const auto first = std::make_shared<std::promise<bool>>();
     auto firstTrust = first->get_future();
-    const auto onTrust = lifetime.guard([this](bool isTrusted) { takeTrust(isTrusted); });
+    const auto onTrust = lifetime.guard([this](bool isTrusted) { handleTrust(isTrusted); });
     const auto onAnswer =
         lifetime.guard([this](ProcessIdentifier process, const AtspiAnswer& answer) {
-            takeAnswer(process, answer);
+            handleAnswer(process, answer);
         });
     worker = std::make_unique<AtspiWorker>(
         AtspiWorker::Reports{[onTrust, first, isFirst = true](bool isTrusted) mutable {
@@ -43,7 +43,7 @@ AtspiAccessibilityTree::AtspiAccessibilityTree()
         }
         g_main_context_pop_thread_default(context.get());
     });
-    if (firstTrust.wait_for(longestStart) == std::future_status::ready)
+    if (firstTrust.wait_for(startTimeout) == std::future_status::ready)
         trusted = firstTrust.get();
 }
 
@@ -63,7 +63,7 @@ Subscription AtspiAccessibilityTree::onTrustChange(Task callback) {
 void AtspiAccessibilityTree::requestTrust(std::function<void(bool)> done) {
     const auto answer = lifetime.guard([this, done = std::move(done)](bool isSwitchedOn) {
         if (isSwitchedOn)
-            takeTrust(true);
+            handleTrust(true);
         done(trusted);
     });
     postTo(context.get(), G_PRIORITY_DEFAULT, [this, answer] {
@@ -109,7 +109,7 @@ Subscription AtspiAccessibilityTree::onRead(Task callback) {
     return readCallbacks.add(std::move(callback));
 }
 
-void AtspiAccessibilityTree::takeTrust(bool isTrusted) {
+void AtspiAccessibilityTree::handleTrust(bool isTrusted) {
     if (std::exchange(trusted, isTrusted) == isTrusted)
         return;
     if (!isTrusted)
@@ -118,8 +118,8 @@ void AtspiAccessibilityTree::takeTrust(bool isTrusted) {
     trustCallbacks.call();
 }
 
-/// Answers to requests of before are dropped.
-void AtspiAccessibilityTree::takeAnswer(ProcessIdentifier process, AtspiAnswer answer) {
+/// Drops answers to earlier requests.
+void AtspiAccessibilityTree::handleAnswer(ProcessIdentifier process, AtspiAnswer answer) {
     const auto known = answers.find(process);
     if (known == answers.end())
         return;

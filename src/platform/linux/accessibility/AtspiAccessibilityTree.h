@@ -1,5 +1,5 @@
-// The accessibility tree of the Linux desktop: AT-SPI 2 (org.a11y.atspi) on the accessibility bus
-// that org.a11y.Bus tells of. Reading is done on a thread of its own, which waits for nobody.
+// The accessibility tree of the Linux desktop: AT-SPI 2 (org.a11y.atspi) on the accessibility bus,
+// whose address org.a11y.Bus knows. Reading is done on a thread of its own, without blocking calls.
 #pragma once
 
 #include "base/Lifetime.h"
@@ -16,8 +16,8 @@ namespace quorva {
 
 class AtspiAccessibilityTree final : public AccessibilityTree {
 public:
-    /// Finds out whether accessibility is switched on, and waits for that for two seconds at
-    /// most: an answer that comes later is told as a change.
+    /// Finds out whether accessibility is switched on, and waits at most two seconds for the
+    /// answer; a later one is reported as a change.
     AtspiAccessibilityTree();
     ~AtspiAccessibilityTree() override;
 
@@ -26,8 +26,8 @@ public:
 
     [[nodiscard]] bool isTrusted() const override;
     [[nodiscard]] Subscription onTrustChange(Task callback) override;
-    /// The accessibility launcher (org.a11y.Bus) keeps the answer in the desktop's settings. It is
-    /// started where it is not running, and given the usual 25 seconds of D-Bus.
+    /// The accessibility launcher (org.a11y.Bus) stores this in the desktop's settings. It is
+    /// started where it is not running. The timeout is D-Bus's usual 25 seconds.
     void requestTrust(std::function<void(bool isTrusted)> done) override;
     int enable(ProcessIdentifier process, AccessibilitySwitch which) override;
     [[nodiscard]] AccessibleWindows windows(ProcessIdentifier process) const override;
@@ -35,18 +35,18 @@ public:
     [[nodiscard]] Subscription onRead(Task callback) override;
 
 private:
-    void takeTrust(bool isTrusted);
-    void takeAnswer(ProcessIdentifier process, AtspiAnswer answer);
+    void handleTrust(bool isTrusted);
+    void handleAnswer(ProcessIdentifier process, AtspiAnswer answer);
 
     bool trusted = false;
-    std::map<ProcessIdentifier, AtspiAnswer> answers; ///< of those requested
+    std::map<ProcessIdentifier, AtspiAnswer> answers; ///< of the last request
     std::set<ProcessIdentifier> enabling;             ///< since the last request
     CallbackList<> trustCallbacks;
     CallbackList<> readCallbacks;
 
     GMainContextPtr context;
     GMainLoopPtr loop;
-    std::unique_ptr<AtspiWorker> worker; ///< touched on its thread only
+    std::unique_ptr<AtspiWorker> worker; ///< used on its thread only
     std::thread thread;
     Lifetime lifetime;
 };

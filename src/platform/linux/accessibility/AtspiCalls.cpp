@@ -9,9 +9,10 @@
 namespace quorva {
 namespace {
 
-constexpr int maxInFlight = 48;     // more does not make it faster
-constexpr guint lookInterval = 250; // milliseconds
-constexpr int patience = 6;         // looks: time in which this thread was busy is not the others'
+constexpr int maxInFlight = 48;
+constexpr guint checkInterval = 250; // milliseconds
+/// Checks, not milliseconds: the time in which this thread was busy does not count.
+constexpr int checksUntilHang = 6;
 
 using MessagePtr = std::unique_ptr<sd_bus_message, Release<sd_bus_message_unref>>;
 using SlotPtr = std::unique_ptr<sd_bus_slot, Release<sd_bus_slot_unref>>;
@@ -37,8 +38,8 @@ MessagePtr messageOf(const AtspiConnection& connection, const AtspiCall& call) {
 struct AtspiCalls::Pending {
     std::weak_ptr<State> state;
     Reply reply;
-    SlotPtr slot;   ///< dropping it gives the call up
-    GSourcePtr end; ///< of a call that could not be sent
+    SlotPtr slot;   ///< dropping it cancels the call
+    GSourcePtr end; ///< fails a call that could not be sent
 };
 
 struct AtspiCalls::State {
@@ -50,10 +51,10 @@ struct AtspiCalls::State {
     GMainContextPtr context{g_main_context_ref_thread_default()};
     GSourcePtr watch;
     std::list<Pending> inFlight;
-    int looks = 0; ///< since the last answer
+    int checks = 0; ///< since the last answer
     bool isOver = false;
     AtspiConnection* peer = nullptr;
-    std::string owner; ///< of the peer
+    std::string owner; ///< of the peer: its name on the bus
 
     [[nodiscard]] AtspiConnection& connectionFor(const AtspiCall& call) const {
         return peer != nullptr && call.object.bus == owner ? *peer : connection;
@@ -77,9 +78,9 @@ void AtspiCalls::send(const AtspiCall& call, Reply reply) {
     if (state->isOver)
         return;
     if (state->inFlight.empty()) {
-        state->looks = 0;
-        state->watch.reset(g_timeout_source_new(lookInterval));
-        g_source_set_callback(state->watch.get(), look, state.get(), nullptr);
+        state->checks = 0;
+        state->watch.reset(g_timeout_source_new(checkInterval));
+        g_source_set_callback(state->watch.get(), check, state.get(), nullptr);
         g_source_attach(state->watch.get(), state->context.get());
     }
     auto& pending =
@@ -92,7 +93,7 @@ void AtspiCalls::send(const AtspiCall& call, Reply reply) {
         pending.slot.reset(slot);
     else if (bus != nullptr && sd_bus_is_open(bus) > 0)
         pending.end = contextTimer(0, [&pending] { finish(pending, nullptr); });
-    // Else it is not answered: the connection is lost, and its owner is told.
+    // Otherwise the connection is lost, which its owner is told.
 }
 
 void AtspiCalls::use(AtspiConnection& peer, std::string owner) {
@@ -111,7 +112,7 @@ int AtspiCalls::room() const {
 
 int AtspiCalls::receive(sd_bus_message* message, void* answered, sd_bus_error*) {
     if (sd_bus_is_open(sd_bus_message_get_bus(message)) <= 0)
-        return 0; // nobody has answered: that is how a lost connection ends its calls
+        return 0; // not an answer: a lost connection ends its calls like this
     const auto body =
         sd_bus_message_is_method_error(message, nullptr) > 0 ? nullptr : bodyOf(message);
     finish(*static_cast<Pending*>(answered), body.get());
@@ -124,19 +125,19 @@ void AtspiCalls::finish(Pending& pending, GVariant* body) {
         return;
     const auto found = std::find_if(state->inFlight.begin(), state->inFlight.end(),
                                     [&](const Pending& each) { return &each == &pending; });
-    std::list<Pending> done; // kept until the end: it is the callback's own
+    std::list<Pending> done; // keeps the callback alive while it runs
     done.splice(done.end(), state->inFlight, found);
-    state->looks = 0;
+    state->checks = 0;
     if (state->inFlight.empty())
         state->watch.reset();
     done.front().reply(body);
 }
 
-gboolean AtspiCalls::look(gpointer watched) {
+gboolean AtspiCalls::check(gpointer watched) {
     auto& state = *static_cast<State*>(watched);
-    if (++state.looks < patience)
+    if (++state.checks < checksUntilHang)
         return G_SOURCE_CONTINUE;
-    const auto onHang = state.onHang; // may end the owner, and with it the state
+    const auto onHang = state.onHang; // may destroy the owner, and with it the state
     state.isOver = true;
     state.inFlight.clear();
     onHang();

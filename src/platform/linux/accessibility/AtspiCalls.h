@@ -1,5 +1,5 @@
-// Calls to one application on the accessibility bus: many in flight at once, and a watch that
-// notices when the application does not answer any more.
+// Calls to one application on the accessibility bus: many in flight at once, and a watchdog that
+// notices when the application stops answering.
 // Belongs to the thread, and to the thread-default main context, that made it.
 #pragma once
 
@@ -15,7 +15,7 @@
 
 namespace quorva {
 
-/// One method call, whose parameters are texts, then numbers.
+/// One method call. Its parameters are texts, followed by numbers.
 struct AtspiCall {
     const AtspiReference& object;
     const char* interface;
@@ -26,38 +26,37 @@ struct AtspiCall {
 
 class AtspiCalls {
 public:
-    /// Gets the parameters of the reply, null for any failure; these live as long as the call.
+    /// Receives the parameters of the reply, valid during the call; null for any failure.
     using Reply = std::function<void(GVariant* reply)>;
 
-    /// `connection` must outlive the object. `onHang` is called once when calls are in flight and
-    /// none has been answered for a second and a half: all of them are given up then, without a
-    /// reply, and so are those made later.
+    /// `connection` must outlive the object. `onHang` is called once, when calls are in flight and
+    /// none has been answered for a second and a half: they, and all later calls, are dropped
+    /// without a reply. It may destroy the object.
     AtspiCalls(AtspiConnection& connection, Task onHang);
 
-    /// Gives up what is in flight, without replies.
+    /// Drops what is in flight, without replies.
     ~AtspiCalls();
 
     AtspiCalls(const AtspiCalls&) = delete;
     AtspiCalls& operator=(const AtspiCalls&) = delete;
 
-    /// Sends what is for `owner` over its own connection from now on, which must outlive the object
-    /// too.
+    /// From now on, sends calls to `owner` over its own connection, which must outlive the object.
     void use(AtspiConnection& peer, std::string owner);
 
-    /// The reply comes later, never within this call.
+    /// Calls `reply` once, never within this call; not at all when the connection is lost.
     void send(const AtspiCall& call, Reply reply);
 
-    /// As send, for the value of a property.
+    /// The same, for the value of a property.
     void get(const AtspiReference& object, const char* interface, const char* property,
              Reply reply);
 
-    /// How many more calls should be sent now.
+    /// The number of calls that may be sent now; more would not make it faster.
     [[nodiscard]] int room() const;
 
 private:
     struct State;
     struct Pending;
-    static gboolean look(gpointer watched);
+    static gboolean check(gpointer watched);
     static int receive(sd_bus_message* message, void* answered, sd_bus_error*);
     static void finish(Pending& pending, GVariant* body);
 

@@ -18,7 +18,7 @@ struct AtspiConnection::Source {
 
 namespace {
 
-bool isPathOfSocket(std::string_view address) {
+bool isSocketPath(std::string_view address) {
     constexpr std::string_view start = "unix:path=/";
     constexpr std::string_view rest =
         "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789"
@@ -38,7 +38,7 @@ bool isPathOfSocket(std::string_view address) {
 
 AtspiConnection::AtspiConnection(const std::string& address, Kind kind, Task onLost_)
     : ofKind(kind), onLost(std::move(onLost_)) {
-    if (kind == Kind::peer && !isPathOfSocket(address))
+    if (kind == Kind::peer && !isSocketPath(address))
         return;
     sd_bus* made = nullptr;
     if (sd_bus_new(&made) < 0)
@@ -74,16 +74,16 @@ gboolean AtspiConnection::check(GSource* source) {
     return reinterpret_cast<Source*>(source)->poll.revents != 0 ? TRUE : FALSE;
 }
 
-/// A turn deals with many messages, but lets others have theirs.
+/// Handles several messages a turn, but leaves time for other sources.
 gboolean AtspiConnection::dispatch(GSource* source, GSourceFunc, gpointer) {
-    constexpr int atOnce = 64;
+    constexpr int batch = 64;
     auto* const owner = reinterpret_cast<Source*>(source)->owner;
-    for (int i = 0; i < atOnce; ++i) {
+    for (int i = 0; i < batch; ++i) {
         const int result = sd_bus_process(owner->bus(), nullptr);
         if (g_source_is_destroyed(source) != FALSE)
             return G_SOURCE_REMOVE;
         if (result < 0) {
-            const auto call = owner->onLost; // may end the owner
+            const auto call = owner->onLost; // may destroy the owner
             call();
             return G_SOURCE_REMOVE;
         }
@@ -95,22 +95,22 @@ gboolean AtspiConnection::dispatch(GSource* source, GSourceFunc, gpointer) {
 
 namespace {
 
-constexpr int deepest = 16;
-constexpr int mostValues = 100'000;
+constexpr int maxNesting = 16;
+constexpr int maxValues = 100'000;
 
 GVariantPtr sunk(GVariant* value) {
     return GVariantPtr(value != nullptr ? g_variant_ref_sink(value) : nullptr);
 }
 
-/// How much more may be read of a message. What is beyond takes the time of others.
+/// How much more may be read of a message.
 struct Allowance {
-    int depth = deepest;
+    int depth = maxNesting;
     int& values;
 };
 
 GVariantPtr valueOf(sd_bus_message* message, Allowance allowance);
 
-/// The values up to the end of the message or of the container that it stands in.
+/// Adds the values up to the end of the message, or of the container that has been entered.
 bool addRest(sd_bus_message* message, GVariantBuilder* builder, Allowance allowance) {
     while (sd_bus_message_at_end(message, 0) == 0) {
         const auto value = valueOf(message, allowance);
@@ -130,7 +130,7 @@ GVariantPtr containerOf(sd_bus_message* message, char type, const char* contents
                                   : type == 'v' ? "v"
                                   : type == 'e' ? "{" + inner + "}"
                                                 : "(" + inner + ")";
-    const bool isOutermostList = type == SD_BUS_TYPE_ARRAY && allowance.depth == deepest;
+    const bool isOutermostList = type == SD_BUS_TYPE_ARRAY && allowance.depth == maxNesting;
     if (--allowance.depth < 0 || sd_bus_message_enter_container(message, type, inner.c_str()) <= 0)
         return nullptr;
     GVariantBuilder builder;
@@ -206,8 +206,8 @@ GVariantPtr valueOf(sd_bus_message* message, Allowance allowance) {
 GVariantPtr bodyOf(sd_bus_message* message) {
     GVariantBuilder builder;
     g_variant_builder_init(&builder, G_VARIANT_TYPE_TUPLE);
-    int values = mostValues;
-    if (addRest(message, &builder, {deepest, values}))
+    int values = maxValues;
+    if (addRest(message, &builder, {maxNesting, values}))
         return sunk(g_variant_builder_end(&builder));
     g_variant_builder_clear(&builder);
     return nullptr;

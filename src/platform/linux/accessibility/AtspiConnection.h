@@ -1,6 +1,6 @@
-// The connection to the accessibility bus over which elements are asked for: thousands of calls a
-// second at times, which is why it is systemd's client library, that needs a third of the time of
-// GLib's. Signals come over another connection.
+// The connection over which elements are read: thousands of calls a second at times. It uses
+// systemd's client library because that needs a third of the time of GLib's. Signals come over
+// another connection.
 // Belongs to the thread, and to the thread-default main context, that made it.
 #pragma once
 
@@ -16,13 +16,13 @@ namespace quorva {
 
 class AtspiConnection {
 public:
-    /// To a message bus, or to one program that answers by itself.
+    /// A message bus, or one program that answers by itself.
     enum class Kind { bus, peer };
 
-    /// Connects to this address, without waiting for it. `onLost` is called when the connection
-    /// could not be made or has ended, never within a call. A peer's address comes from the peer:
-    /// nothing but the path of a local socket is taken for one, as addresses can also name programs
-    /// to be started and other computers.
+    /// Starts to connect to this address, without waiting for it. `onLost` is called when the
+    /// connection has failed or ended, never within a call to this object; it may destroy the
+    /// object. A peer's address comes from the peer, and addresses can also name programs to be
+    /// started and other computers: only the path of a local socket is accepted.
     AtspiConnection(const std::string& address, Kind kind, Task onLost);
     ~AtspiConnection();
 
@@ -31,7 +31,7 @@ public:
 
     [[nodiscard]] Kind kind() const { return ofKind; }
 
-    /// Null where the connection could not even be begun.
+    /// Null when the address is not acceptable or connecting could not even be started.
     [[nodiscard]] sd_bus* bus() const { return connection.get(); }
 
 private:
@@ -46,9 +46,9 @@ private:
     GSourcePtr source;
 };
 
-/// The body of a message as one tuple; null when it can't be read, or holds what no reply of the
-/// accessibility bus does: file descriptors, or containers in containers without end. Of a list of
-/// more values than anybody wants there is only the beginning.
+/// The body of a message as one tuple. Null when it can't be read, or holds what replies on the
+/// accessibility bus never do: file descriptors, or containers nested more than 16 deep. A list of
+/// more than 100,000 values is cut off.
 [[nodiscard]] GVariantPtr bodyOf(sd_bus_message* message);
 
 } // namespace quorva

@@ -16,7 +16,7 @@ namespace quorva {
 namespace {
 
 constexpr double timeToJoin = 15.0; // seconds
-constexpr int longestLineage = 64;
+constexpr int maxGenerations = 64;
 
 std::optional<std::string> contentOf(const std::filesystem::path& path) {
     const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
@@ -30,7 +30,7 @@ std::optional<std::string> contentOf(const std::filesystem::path& path) {
     return count == 0 ? std::optional(std::move(content)) : std::nullopt;
 }
 
-/// The control group that systemd made for the application of a process; empty for none.
+/// The systemd control group of the process's Flatpak application; empty for none.
 std::string applicationGroup(const std::filesystem::path& process) {
     const auto groups = contentOf(process / "cgroup").value_or("");
     const auto start = groups.find("/app-flatpak-");
@@ -43,7 +43,7 @@ AtspiProcesses::AtspiProcesses(std::filesystem::path proc_) : proc(std::move(pro
 
 bool AtspiProcesses::speaksFor(ProcessIdentifier onBus, ProcessIdentifier main) const {
     auto process = onBus;
-    for (int generation = 0; generation < longestLineage && process > 1; ++generation) {
+    for (int generation = 0; generation < maxGenerations && process > 1; ++generation) {
         if (process == main)
             return true;
         const auto stat = contentOf(proc / std::to_string(process) / "stat");

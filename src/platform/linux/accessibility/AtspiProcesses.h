@@ -1,5 +1,5 @@
-// Which process of an application speaks on the accessibility bus: its main process, one that this
-// has started, or the proxy that stands between a Flatpak application and the bus.
+// Matches processes on the accessibility bus with applications. The one on the bus is the main
+// process, one that this has started, or the proxy between a Flatpak application and the bus.
 #pragma once
 
 #include "platform/ProcessTable.h"
@@ -20,7 +20,8 @@ public:
     /// interpreters, which run many programs.
     [[nodiscard]] bool runTheSame(ProcessIdentifier one, ProcessIdentifier other) const;
 
-    /// Whether a process has run for long enough to have joined the bus, had it wanted to.
+    /// Whether a process has run for so long (15 seconds) that it would have joined the bus by now.
+    /// True also when it has gone.
     [[nodiscard]] bool isSettled(ProcessIdentifier process) const;
 
 private:

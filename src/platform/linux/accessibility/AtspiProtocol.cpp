@@ -17,7 +17,7 @@ bool isOfType(GVariant* value, const char* type) {
     return value != nullptr && g_variant_is_of_type(value, G_VARIANT_TYPE(type)) != FALSE;
 }
 
-/// The text of a string value, cut to what is kept.
+/// The text of a string value, cut to `maxAtspiText`.
 std::string textOf(GVariant* value) {
     gsize length = 0;
     const gchar* const bytes = g_variant_get_string(value, &length);
@@ -31,7 +31,7 @@ std::string textOf(GVariant* value) {
     return validUtf8(text);
 }
 
-/// The value within the variant of a property's reply; null when it is of another type.
+/// The value within a property's reply; null when it is of another type.
 GVariantPtr propertyOf(GVariant* reply, const char* type) {
     if (!isOfType(reply, "(v)"))
         return nullptr;
@@ -66,8 +66,8 @@ AtspiChange objectChange(std::string_view member, std::string_view detail) {
     return AtspiChange::none;
 }
 
-/// The first text of a signal's parameters, which says what has changed; and the reference that the
-/// fourth may hold.
+/// A signal's first parameter, which says what has changed, and the reference that the fourth may
+/// contain.
 struct EventDetails {
     std::string kind;
     std::optional<AtspiReference> other;
@@ -226,7 +226,7 @@ bool hasState(GVariant* reply, AtspiState state) {
     return ((first >> static_cast<unsigned>(state)) & 1U) != 0;
 }
 
-/// An element that gets a parent is a child of that: some toolkits tell of a new row only so.
+/// A new parent of an element has one child more: some toolkits signal a new row only like this.
 AtspiEvent decodeEvent(std::string_view path, std::string_view interface, std::string_view member,
                        GVariant* parameters) {
     AtspiEvent event{std::string(path), AtspiChange::none};

@@ -1,5 +1,5 @@
-// The replies and signals of the accessibility bus, read from untrusted messages: no I/O here. Pure
-// functions, callable from any thread; a value of another type than expected counts as absent.
+// Decoders of the replies and signals of the accessibility bus, which are untrusted. Pure
+// functions, callable from any thread, without I/O; a value of an unexpected type counts as absent.
 // Protocol: AT-SPI 2 (org.a11y.atspi), as at-spi2-core 2.46 describes it.
 #pragma once
 
@@ -27,7 +27,7 @@ inline constexpr const char* document = "org.a11y.atspi.Document";
 inline constexpr const char* properties = "org.freedesktop.DBus.Properties";
 } // namespace atspi
 
-/// Where an element lives: its application's name on the bus, and its object path.
+/// The address of an element: its application's name on the bus, and its object path.
 struct AtspiReference {
     std::string bus;
     std::string path;
@@ -35,7 +35,7 @@ struct AtspiReference {
     bool operator==(const AtspiReference&) const = default;
 };
 
-/// The numbers of AtspiRole that are needed by themselves.
+/// The numbers of those AT-SPI roles that are needed individually.
 enum class AtspiRole : std::uint32_t {
     checkBox = 7,
     comboBox = 11,
@@ -70,14 +70,14 @@ enum class AtspiToolkit {
     chromium,
 };
 
-/// What AT-SPI calls a role, as one that looking for texts knows.
+/// Maps the number of an AT-SPI role.
 [[nodiscard]] AccessibilityRole roleOf(std::uint32_t atspiRole);
 
-/// Of "ToolkitName".
+/// Maps the value of the property "ToolkitName".
 [[nodiscard]] AtspiToolkit toolkitOf(std::string_view name);
 
-/// The properties of org.a11y.atspi.Accessible that are needed. Absent ones are empty; an unknown
-/// number of children is -1.
+/// The properties of org.a11y.atspi.Accessible that are needed. Absent ones are empty; the number
+/// of children is -1 when it is unknown.
 struct AtspiDetails {
     std::string name;
     std::string description;
@@ -87,10 +87,10 @@ struct AtspiDetails {
     bool operator==(const AtspiDetails&) const = default;
 };
 
-/// The longest text that is kept, in bytes: those beyond are cut at the end of a character.
+/// The longest text that is kept, in bytes. A longer one is cut at the end of a character.
 inline constexpr std::size_t maxAtspiText = 4096;
 
-/// The decoders of replies take the whole parameters of a message; null is a failed call.
+/// Each decodes all parameters of a reply; null stands for a failed call.
 [[nodiscard]] std::optional<std::uint32_t> decodeNumber(GVariant* reply);       ///< (u)
 [[nodiscard]] std::optional<std::string> decodeText(GVariant* reply);           ///< (s)
 [[nodiscard]] std::optional<std::string> decodeTextProperty(GVariant* reply);   ///< (v) of s
@@ -98,31 +98,31 @@ inline constexpr std::size_t maxAtspiText = 4096;
 [[nodiscard]] std::optional<bool> decodeTruth(GVariant* reply);                 ///< (v) of b
 [[nodiscard]] std::optional<AtspiDetails> decodeDetails(GVariant* reply);       ///< (a{sv})
 
-/// (a(so)): at most `most` of them. What is no element is left out, and one without an owner is
-/// `owner`'s.
+/// (a(so)): the first `most` references. Invalid ones among them are left out; one without a name
+/// on the bus belongs to `owner`.
 [[nodiscard]] std::optional<std::vector<AtspiReference>>
 decodeReferences(GVariant* reply, const std::string& owner, std::size_t most);
 
-/// ((so)), as above.
+/// ((so)), likewise.
 [[nodiscard]] std::optional<AtspiReference> decodeReference(GVariant* reply,
                                                             const std::string& owner);
 
-/// (au): whether a set of states holds one.
+/// (au): whether a set of states contains one.
 [[nodiscard]] bool hasState(GVariant* reply, AtspiState state);
 
-/// What a signal tells of an element.
+/// What a signal reports about an element.
 enum class AtspiChange {
-    none, ///< nothing that matters here
+    none, ///< nothing of interest here
     children,
     name, ///< or description
     text,
-    visibility, ///< it is shown now, or not any more
+    visibility, ///< it is shown or hidden now
     document,   ///< another document has been loaded
     gone,
-    windows, ///< a window has come or gone
+    windows, ///< a window has been opened or closed
 };
 
-/// A signal's element and what it tells of that.
+/// A decoded signal: the element, and what is reported about it.
 struct AtspiEvent {
     std::string path;
     AtspiChange change = AtspiChange::none;
@@ -130,7 +130,7 @@ struct AtspiEvent {
     bool operator==(const AtspiEvent&) const = default;
 };
 
-/// Of a signal's sender's path, interface, member and parameters; the last may be null.
+/// Decodes a signal. `parameters` may be null.
 [[nodiscard]] AtspiEvent decodeEvent(std::string_view path, std::string_view interface,
                                      std::string_view member, GVariant* parameters);
 

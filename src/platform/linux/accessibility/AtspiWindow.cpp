@@ -5,7 +5,7 @@
 namespace quorva {
 namespace {
 
-constexpr gint64 longestTrust = 55'000'000; // microseconds
+constexpr gint64 maxAge = 55'000'000; // microseconds
 
 /// Whether the page itself has any text, leaving aside pages within it.
 bool hasTexts(const AccessibleElement& element) {
@@ -35,7 +35,7 @@ void AtspiWindow::prepare(AtspiCalls& calls, AtspiApplicationTraits& traits,
     if (!content) {
         content = std::make_unique<AtspiReadTree>(calls, traits, reference);
         content->tree.setScope(outline, AtspiTree::Texts::none);
-    } else if (now - lastInvalidated >= longestTrust) {
+    } else if (now - lastInvalidated >= maxAge) {
         content->tree.invalidate();
     } else {
         return;
@@ -44,7 +44,7 @@ void AtspiWindow::prepare(AtspiCalls& calls, AtspiApplicationTraits& traits,
 }
 
 void AtspiWindow::expire() {
-    lastInvalidated = g_get_monotonic_time() - longestTrust;
+    lastInvalidated = g_get_monotonic_time() - maxAge;
 }
 
 /// Firefox has no texts for the first client that asks for them, and does not signal when it has.

@@ -19,7 +19,7 @@ AtspiEvent objectEvent(const char* member, const char* parameters) {
 
 } // namespace
 
-TEST(AtspiProtocolTest, takesValuesOfOtherTypesForAbsent) {
+TEST(AtspiProtocolTest, treatsValuesOfOtherTypesAsAbsent) {
     for (const char* const reply :
          {"()", "(@x 1,)", "(@ay [],)", "(1.5,)", "(@u 1, 'two')", "(<@x 1>,)", "(<@ay []>,)",
           "(<<'text'>>,)", "([('a', 'b')],)", "(('a', 'b'),)", "'text'", "@u 1"}) {
@@ -43,13 +43,13 @@ TEST(AtspiProtocolTest, takesValuesOfOtherTypesForAbsent) {
     EXPECT_FALSE(hasState(nullptr, AtspiState::showing));
 }
 
-TEST(AtspiProtocolTest, takesWhatIsRightOfDetails) {
+TEST(AtspiProtocolTest, keepsTheValidPartsOfDetails) {
     const auto reply = parsed("({'Name': <'Ben'>, 'Description': <7>, 'ChildCount': <'many'>,"
                               " 'HelpText': <'help'>, 'Parent': <(':1.1', objectpath '/a')>},)");
     EXPECT_EQ(decodeDetails(reply.get()), (AtspiDetails{"Ben", "", "help", -1}));
 }
 
-TEST(AtspiProtocolTest, leavesOutWhatIsNoElement) {
+TEST(AtspiProtocolTest, leavesOutInvalidReferences) {
     const auto reply =
         parsed("([(':1.9', objectpath '/a'), ('', '/b'), ('', '/org/a11y/atspi/null'),"
                " ('no name', '/c'), ('org.example.App', '/d'), (':1.9', '/e')],)");
@@ -89,7 +89,7 @@ TEST(AtspiProtocolTest, findsStatesInTheFirstWordOnly) {
     EXPECT_TRUE(hasState(states({1U << 31U}).get(), AtspiState::managesDescendants));
 }
 
-TEST(AtspiProtocolTest, tellsWhatSignalsMeanWhateverTheyCarry) {
+TEST(AtspiProtocolTest, decodesSignalsWhateverTheyCarry) {
     EXPECT_EQ(objectEvent("ChildrenChanged", "('add', 0, 0, <(':1.1', objectpath '/new')>)"),
               (AtspiEvent{"/e", AtspiChange::children}));
     EXPECT_EQ(objectEvent("PropertyChange", "('accessible-parent', 0, 0, <('', objectpath '/p')>)"),

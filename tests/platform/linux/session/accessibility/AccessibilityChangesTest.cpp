@@ -1,5 +1,5 @@
-// What happens while an application is followed: its changes, its end and its return, and those of
-// the bus and of accessibility itself.
+// Following an application: its changes, its end and its return, and those of the bus and of
+// accessibility itself.
 #include "AccessibilityTest.h"
 
 #include <atomic>
@@ -40,7 +40,7 @@ private:
     std::map<std::string, PlayedElement> elements;
 };
 
-/// Half a window: a page in the tab that is shown, and one in another.
+/// A window with two tabs, each with a page. One of them is shown.
 PlayedApplication::Script browser(const std::shared_ptr<std::atomic<int>>& shownTab) {
     return [shownTab](const std::string& identifier) -> std::optional<PlayedElement> {
         if (identifier == "root")
@@ -65,10 +65,10 @@ protected:
         request({self});
         ASSERT_TRUE(comesTo([&] { return readingOf(self) != nullptr; }));
         ASSERT_TRUE(comesTo([&] { return isQuiet(application); }));
-        application.forgetQuestions();
+        application.clearQuestions();
     }
 
-    /// Whether nothing was asked for 300 ms.
+    /// Whether the application has not been asked anything for 300 ms.
     [[nodiscard]] bool isQuiet(const PlayedApplication& application) {
         const auto present = g_get_monotonic_time();
         if (const int count = application.questions(); std::exchange(lastCount, count) != count)
@@ -95,13 +95,13 @@ TEST_F(AccessibilityChangesTest, asksOnlyForWhatASignalNames) {
     EXPECT_EQ(application.questions("ann") + application.questions("list"), 0);
     EXPECT_EQ(find(readingOf(self), "ann"), find(before, "ann")) << "is the same object still";
 
-    application.forgetQuestions();
+    application.clearQuestions();
     meeting.change("cem", [](auto& cem) { cem.text = "recording"; });
     application.tell("cem", "Object", "TextChanged", "insert");
     ASSERT_TRUE(comesTo([&] { return find(readingOf(self), "cem")->value == "recording"; }));
     EXPECT_EQ(application.questions("cem"), 1);
 
-    application.forgetQuestions();
+    application.clearQuestions();
     meeting.change("list", [](auto& list) { list.children = {"dag", "ann", "cem"}; });
     application.tell("list", "Object", "ChildrenChanged", "add", "dag");
     ASSERT_TRUE(comesTo([&] { return find(readingOf(self), "dag") != nullptr; }));
@@ -114,8 +114,8 @@ TEST_F(AccessibilityChangesTest, asksOnlyForWhatASignalNames) {
     EXPECT_EQ(people[1].get(), find(before, "ann"));
 }
 
-TEST_F(AccessibilityChangesTest, bearsASwarmOfSignalsBesideAnotherApplication) {
-    // Every element is everywhere, so that each signal touches all of the tree.
+TEST_F(AccessibilityChangesTest, copesWithASwarmOfSignalsBesideAnotherApplication) {
+    // The tree consists of one element over and over, so that each signal concerns all of it.
     PlayedApplication swarm(
         [](const std::string& identifier) {
             const bool isWindow = identifier == "window";
@@ -139,7 +139,7 @@ TEST_F(AccessibilityChangesTest, bearsASwarmOfSignalsBesideAnotherApplication) {
         {self, other.identifier()}, [&] { return readingOf(other.identifier()) != nullptr; },
         Seconds(5)));
     ASSERT_TRUE(comesTo([&] { return told > 20'000; }));
-    EXPECT_LE(swarm.questions(), 4 * 5 * maxElements); // readings rest in between
+    EXPECT_LE(swarm.questions(), 4 * 5 * maxElements); // there are pauses between readings
     other.kill();
     EXPECT_TRUE(comesToAsking(
         {self, other.identifier()},
@@ -164,7 +164,7 @@ TEST_F(AccessibilityChangesTest, leavesOutDocumentsThatAreNotShown) {
 
     *shown = 2; // none: the window is minimised
     application.tell("page1", "Object", "StateChanged", "showing");
-    application.forgetQuestions();
+    application.clearQuestions();
     ASSERT_TRUE(comesTo([&] { return application.questions("page1", "GetState") > 0; }));
     ASSERT_TRUE(comesTo([&] { return isQuiet(application); }));
     EXPECT_NE(find(readingOf(self), "text1"), nullptr);
@@ -210,7 +210,7 @@ TEST_F(AccessibilityChangesTest, findsTheBusThatFollowsOneThatEnds) {
         const auto present = ownerOf("org.freedesktop.DBus", accessibilityBusAddress());
         return present != 0 && present != bus;
     }));
-    ASSERT_TRUE(switchAccessibility(true)); // the launcher that follows does not remember
+    ASSERT_TRUE(switchAccessibility(true)); // the new launcher does not remember
     application = std::make_unique<PlayedApplication>(meeting.script(), "gtk");
     EXPECT_TRUE(comesToAsking({self}, [&] { return readingOf(self) != nullptr; }));
 }

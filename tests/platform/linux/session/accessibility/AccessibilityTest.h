@@ -1,5 +1,5 @@
-// What tests of reading from the accessibility bus share: the bus and its registry are those of the
-// desktop, in a session of the test's own; the applications on it are played.
+// The fixture of tests that read from the accessibility bus. The bus and its registry are those of
+// the desktop, in a session of the test's own; the applications on it are played.
 #pragma once
 
 #include "platform/linux/accessibility/AtspiAccessibilityTree.h"
@@ -24,7 +24,7 @@
 
 namespace quorva {
 
-/// An application in a process of its own: its window lists so many people.
+/// An application in a process of its own. Its window lists `people` persons.
 class PlayedMeeting {
 public:
     explicit PlayedMeeting(const std::string& title, int people = 50, int delay = 0) {
@@ -120,8 +120,8 @@ protected:
             nullptr, nullptr, nullptr));
     }
 
-    /// The process that owns a name on the bus at an address; 0 for none. Starts what has the name
-    /// where that does not run.
+    /// The process that owns a name on the bus at an address; 0 for none. Starts the service of
+    /// that name if it is not running.
     static ProcessIdentifier ownerOf(const char* name, const std::string& address) {
         const auto bus = joinBus(address);
         const auto ask = [&](const char* method, GVariant* parameters) {
@@ -156,7 +156,7 @@ protected:
         tree.request(std::move(requests));
     }
 
-    /// Turns the main loop until `condition` holds; false when it does not come to that in time.
+    /// Turns the main loop until `condition` holds; false when that takes too long.
     template <typename Condition>
     [[nodiscard]] bool comesTo(Condition condition, Seconds within = Seconds(20)) {
         const auto start = std::chrono::steady_clock::now();
@@ -170,7 +170,7 @@ protected:
         return condition();
     }
 
-    /// As comesTo, with requests in between as a monitor's passes make them.
+    /// The same, repeating the request meanwhile as a monitor does.
     template <typename Condition>
     [[nodiscard]] bool comesToAsking(const std::vector<ProcessIdentifier>& processes,
                                      Condition condition, Seconds within = Seconds(20)) {
@@ -194,7 +194,7 @@ protected:
     const ProcessIdentifier self = ::getpid();
     gint64 largestGap = 0; ///< microseconds between two turns of the main loop
 
-    /// The same for a thread that has nothing to do, on a machine that may be busy.
+    /// The same for a thread that has nothing to do: the machine may be busy.
     std::atomic<gint64> machinesGap = 0;
     std::atomic<bool> isOver = false;
     std::thread bystander{[this] {

@@ -1,5 +1,5 @@
-// Registering for signals with the desktop's registry, whatever becomes of the registry and of
-// those who want to be told.
+// Registration for signals with the desktop's registry, while followers come and go and the
+// registry hangs or ends.
 #include "platform/linux/accessibility/AtspiEvents.h"
 
 #include "AccessibilityTest.h"
@@ -9,13 +9,13 @@ namespace {
 
 class AtspiEventsTest : public AccessibilityTest {
 protected:
-    /// What is sent to nobody in particular.
+    /// Follows a name that no application has.
     [[nodiscard]] Subscription follow() {
         return events.follow(
             ":1.0", [](const AtspiEvent&) {}, [this] { ++followed; });
     }
 
-    /// How many registrations the registry knows of.
+    /// The number of registrations that the registry knows of.
     [[nodiscard]] gsize registrations() const {
         const GVariantPtr reply(g_dbus_connection_call_sync(
             bus.get(), atspi::registryName, atspi::registryPath, atspi::registryInterface,
@@ -43,7 +43,7 @@ TEST_F(AtspiEventsTest, registersForThoseWhoComeAfterOneWhoLeftAtOnce) {
     ASSERT_EQ(registrations(), 0U); // which starts the registry
     follow().reset();
     wait(Seconds(0.3));
-    EXPECT_EQ(followed, 0) << "nobody waits any more";
+    EXPECT_EQ(followed, 0) << "the follower has left";
     auto subscription = follow();
     ASSERT_TRUE(comesTo([&] { return followed == 1; }));
     EXPECT_GT(registrations(), 10U);

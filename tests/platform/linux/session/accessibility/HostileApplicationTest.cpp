@@ -1,5 +1,5 @@
-// Applications that show themselves as no application should. Whatever they say, the reading ends,
-// keeps to what was asked for, costs few questions, and the application beside is read in time.
+// Applications that misbehave. Whatever they answer, the reading ends, stays within the requested
+// extent and costs few questions, and another application is read in time.
 #include "AccessibilityTest.h"
 #include "support/TemporaryFolder.h"
 
@@ -16,8 +16,8 @@ namespace {
 using Script = PlayedApplication::Script;
 using Treat = PlayedApplication::Treat;
 
-/// An application with one window, "Meeting", whose content the rest of the script is: "top" and
-/// what is below.
+/// An application with one window, "Meeting", whose content comes from another script: "top" and
+/// the elements below it.
 Script inWindow(Script content) {
     return [content](const std::string& identifier) -> std::optional<PlayedElement> {
         if (identifier == "root")
@@ -39,7 +39,7 @@ PlayedChildren numbers(int count) {
     return all;
 }
 
-/// "top" with children, which have none.
+/// "top" with children that have none.
 Script aList(const PlayedChildren& children, std::optional<std::int32_t> count = {},
              bool managesDescendants = false) {
     return inWindow([=](const std::string& identifier) {
@@ -51,11 +51,10 @@ Script aList(const PlayedChildren& children, std::optional<std::int32_t> count =
     });
 }
 
-/// Makes a treatment, when it comes to that: some take time to be made.
+/// Makes a treatment when it is needed: some take time to make.
 using Prepare = std::function<Treat()>;
 
-/// Questions of one kind, or all with "", for the window's content are answered with something
-/// else.
+/// Answers one kind of questions about the window's content, or all with "", with something else.
 Prepare answering(const std::string& method, const std::function<GVariant*()>& make) {
     return [=]() -> Treat {
         const std::shared_ptr<GVariant> reply(g_variant_ref_sink(make()), g_variant_unref);
@@ -73,7 +72,7 @@ Prepare answering(const std::string& method, const char* reply) {
     return answering(method, [reply] { return g_variant_new_parsed(reply); });
 }
 
-/// So many children, whatever their number is said to be.
+/// More children than their number promises.
 GVariant* crowd(int children) {
     GVariantBuilder all;
     g_variant_builder_init(&all, G_VARIANT_TYPE("a(so)"));
@@ -83,14 +82,14 @@ GVariant* crowd(int children) {
     return g_variant_new("(a(so))", &all);
 }
 
-/// So many bytes in place of a text.
+/// Bytes in place of a text.
 GVariant* bytes(std::size_t count) {
     const std::vector<char> zeros(count);
     return g_variant_new("(@ay)",
                          g_variant_new_fixed_array(G_VARIANT_TYPE_BYTE, zeros.data(), count, 1));
 }
 
-/// Every third question is for something that has just gone.
+/// Every third question is about an element that has just gone.
 Treat vanishing() {
     return [asked = std::make_shared<int>(0)](const PlayedQuestion& question) -> PlayedTreatment {
         const bool isContent = question.element != "root" && question.element != "window";
@@ -216,10 +215,10 @@ TEST_P(HostileApplicationTest, endsItsReadingAndLeavesTimeForOthers) {
     const int first = application.questions();
     EXPECT_LE(first, 5 * (maxElements + 400));
 
-    application.forgetQuestions();
+    application.clearQuestions();
     (void)comesToAsking(
         processes, [] { return false; }, Seconds(1.2));
-    EXPECT_LE(application.questions(), 30); // the windows' titles in each of two passes
+    EXPECT_LE(application.questions(), 30); // the titles of the windows in each of two passes
     EXPECT_EQ(readingOf(self), read);
     RecordProperty("questions", first);
 }
