@@ -1,5 +1,6 @@
 #include "platform/linux/desktop/ScanProgramTest.h"
 
+#include "platform/linux/glib/AsyncCall.h"
 #include "platform/linux/glib/Handles.h"
 #include "platform/linux/glib/MainContext.h"
 #include "platform/linux/glib/Utf8.h"
@@ -19,27 +20,25 @@ struct Trial : std::enable_shared_from_this<Trial> {
     GObjectPtr<GSubprocess> process;
     GObjectPtr<GDataInputStream> output;
 
-    /// Hands `Method` the result of a wait, unless the trial has been cancelled meanwhile.
-    template <auto method>
-    static void resume(GObject*, GAsyncResult* result, gpointer waiting) {
-        const std::unique_ptr<std::shared_ptr<Trial>> trial(
-            static_cast<std::shared_ptr<Trial>*>(waiting));
-        if (g_cancellable_is_cancelled((*trial)->cancellable.get()) == FALSE)
-            (**trial.*method)(result);
+    /// Hands the result of a wait to `method`, unless the trial has been cancelled meanwhile.
+    [[nodiscard]] gpointer resumeWith(void (Trial::*method)(GAsyncResult*)) {
+        return asyncData([self = shared_from_this(), method](GObject*, GAsyncResult* result) {
+            if (g_cancellable_is_cancelled(self->cancellable.get()) == FALSE)
+                (*self.*method)(result);
+        });
     }
-    gpointer wait() { return new std::shared_ptr<Trial>(shared_from_this()); }
 
     void readLine() {
         g_data_input_stream_read_line_async(output.get(), G_PRIORITY_DEFAULT, cancellable.get(),
-                                            resume<&Trial::takeLine>, wait());
+                                            asyncCallback, resumeWith(&Trial::takeLine));
     }
     void takeLine(GAsyncResult* result) {
         gsize length = 0;
         const GCharsPtr line(
             g_data_input_stream_read_line_finish(output.get(), result, &length, nullptr));
         if (!line) { // its end
-            g_subprocess_wait_async(process.get(), cancellable.get(), resume<&Trial::takeEnd>,
-                                    wait());
+            g_subprocess_wait_async(process.get(), cancellable.get(), asyncCallback,
+                                    resumeWith(&Trial::takeEnd));
             return;
         }
         onLine(validUtf8({line.get(), length}));

@@ -2,6 +2,7 @@
 // pool and comes back as a value.
 #pragma once
 
+#include "platform/linux/glib/AsyncCall.h"
 #include "platform/linux/glib/Handles.h"
 
 #include <functional>
@@ -19,12 +20,10 @@ template <typename Result>
 void runBlocking(GCancellable* cancellable, std::function<Result(GCancellable*)> work,
                  std::function<void(std::optional<Result>)> done) {
     using Work = std::function<Result(GCancellable*)>;
-    using Done = std::function<void(std::optional<Result>)>;
-    const auto finish = +[](GObject*, GAsyncResult* result, gpointer owned) {
-        const std::unique_ptr<Done> call(static_cast<Done*>(owned));
+    auto finish = [done = std::move(done)](GObject*, GAsyncResult* result) {
         const std::unique_ptr<Result> value(
             static_cast<Result*>(g_task_propagate_pointer(G_TASK(result), nullptr)));
-        (*call)(value ? std::optional<Result>(std::move(*value)) : std::nullopt);
+        done(value ? std::optional<Result>(std::move(*value)) : std::nullopt);
     };
     const auto run = +[](GTask* task, gpointer, gpointer data, GCancellable* cancellation) {
         g_task_return_pointer(task, new Result((*static_cast<Work*>(data))(cancellation)),
@@ -32,7 +31,7 @@ void runBlocking(GCancellable* cancellable, std::function<Result(GCancellable*)>
     };
 
     const GObjectPtr<GTask> task(
-        g_task_new(nullptr, cancellable, finish, new Done(std::move(done))));
+        g_task_new(nullptr, cancellable, asyncCallback, asyncData(std::move(finish))));
     g_task_set_task_data(task.get(), new Work(std::move(work)),
                          [](gpointer data) { delete static_cast<Work*>(data); });
     g_task_set_return_on_cancel(task.get(), TRUE);

@@ -1,6 +1,7 @@
-// Calls over D-Bus that come back as a call.
+// Asynchronous method calls over D-Bus.
 #pragma once
 
+#include "platform/linux/glib/AsyncCall.h"
 #include "platform/linux/glib/Handles.h"
 #include "platform/linux/glib/MainContext.h"
 
@@ -23,10 +24,11 @@ struct BusCall {
     GCancellable* cancellable = nullptr;
 };
 
-/// Gets the parameters of the reply, or why there is none; both live as long as the call.
+/// Gets the parameters of the reply, or the reason why there is none; one of the two is null, and
+/// both live as long as the call.
 using BusOutcome = std::function<void(GVariant* reply, const GError* failure)>;
 
-/// Gets the parameters of the reply, null for any failure; these live as long as the call.
+/// Gets the parameters of the reply, null after any failure; they live as long as the call.
 using BusReply = std::function<void(GVariant* reply)>;
 
 /// Sends the call, and calls `done` once in the thread-default main context, never within this
@@ -34,54 +36,44 @@ using BusReply = std::function<void(GVariant* reply)>;
 inline void callBusForOutcome(GDBusConnection* bus, const BusCall& call, BusOutcome done) {
     g_dbus_connection_call(
         bus, call.destination, call.path, call.interface, call.method, call.parameters, nullptr,
-        call.flags, call.timeout, call.cancellable,
-        [](GObject* source, GAsyncResult* result, gpointer owned) {
-            const std::unique_ptr<BusOutcome> outcome(static_cast<BusOutcome*>(owned));
+        call.flags, call.timeout, call.cancellable, asyncCallback,
+        asyncData([done = std::move(done)](GObject* source, GAsyncResult* result) {
             GError* error = nullptr;
             const GVariantPtr value(
                 g_dbus_connection_call_finish(G_DBUS_CONNECTION(source), result, &error));
             const GErrorPtr failure(error);
-            (*outcome)(value.get(), failure.get());
-        },
-        new BusOutcome(std::move(done)));
+            done(value.get(), failure.get());
+        }));
 }
 
-/// The same for those to whom all failures are one.
+/// The same, for callers that do not care why it failed.
 inline void callBus(GDBusConnection* bus, const BusCall& call, BusReply done) {
     callBusForOutcome(bus, call,
                       [done = std::move(done)](GVariant* reply, const GError*) { done(reply); });
 }
 
-/// Opens a connection to a message bus, and calls `done` once with it, null for any failure, in the
-/// thread-default main context, never within this call. A bus that hangs is given five seconds.
+/// Opens a connection to the message bus at `address`. Calls `done` once with the connection, null
+/// after any failure, in the thread-default main context, never within this call. Opening fails
+/// after five seconds.
 inline void openBus(const std::string& address,
                     std::function<void(GObjectPtr<GDBusConnection>&)> done) {
-    constexpr guint longestOpening = 5000; // milliseconds
-    struct Opening {
-        std::function<void(GObjectPtr<GDBusConnection>&)> done;
-        GObjectPtr<GCancellable> cancellable{g_cancellable_new()};
-        GSourcePtr limit;
-    };
-    auto opening = std::make_unique<Opening>();
-    opening->done = std::move(done);
-    auto* const cancellable = opening->cancellable.get();
-    opening->limit =
-        contextTimer(longestOpening, [cancellable] { g_cancellable_cancel(cancellable); });
+    constexpr guint openingTimeout = 5000; // milliseconds
+    const std::shared_ptr<GCancellable> cancellable(g_cancellable_new(), g_object_unref);
+    const std::shared_ptr<GSource> timeout(
+        contextTimer(openingTimeout, [cancellable] { g_cancellable_cancel(cancellable.get()); }));
     g_dbus_connection_new_for_address(
         address.c_str(),
         static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
                                           G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION),
-        nullptr, cancellable,
-        [](GObject*, GAsyncResult* result, gpointer owned) {
-            const std::unique_ptr<Opening> ended(static_cast<Opening*>(owned));
+        nullptr, cancellable.get(), asyncCallback,
+        asyncData([timeout, done = std::move(done)](GObject*, GAsyncResult* result) {
+            g_source_destroy(timeout.get());
             GError* error = nullptr;
             GObjectPtr<GDBusConnection> bus(
                 g_dbus_connection_new_for_address_finish(result, &error));
             const GErrorPtr failure(error);
-            ended->limit.reset();
-            ended->done(bus);
-        },
-        opening.release());
+            done(bus);
+        }));
 }
 
 } // namespace quorva
