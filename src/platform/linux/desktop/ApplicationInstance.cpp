@@ -1,12 +1,11 @@
 #include "platform/linux/desktop/ApplicationInstance.h"
 
+#include "platform/linux/glib/AsyncCall.h"
+#include "platform/linux/glib/BusSignals.h"
+#include "platform/linux/glib/MainContext.h"
 #include "platform/linux/glib/Utf8.h"
 
-#include <chrono>
-#include <condition_variable>
 #include <cstdlib>
-#include <mutex>
-#include <thread>
 #include <utility>
 
 namespace quorva {
@@ -90,48 +89,27 @@ std::string tokenOf(GVariant* data) {
     return {};
 }
 
-/// Cancels after a time, unless it is gone by then.
-class Deadline {
-public:
-    explicit Deadline(int milliseconds)
-        : thread([this, milliseconds] {
-              std::unique_lock lock(mutex);
-              if (!changed.wait_for(lock, std::chrono::milliseconds(milliseconds),
-                                    [this] { return isOver; }))
-                  g_cancellable_cancel(cancellable.get());
-          }) {}
-    ~Deadline() {
-        {
-            const std::lock_guard lock(mutex);
-            isOver = true;
-        }
-        changed.notify_all();
-        thread.join();
-    }
-    Deadline(const Deadline&) = delete;
-    Deadline& operator=(const Deadline&) = delete;
-
-    const GObjectPtr<GCancellable> cancellable{g_cancellable_new()};
-
-private:
-    std::mutex mutex;
-    std::condition_variable changed;
-    bool isOver = false;
-    std::thread thread; // last: it uses the members above
-};
-
 } // namespace
 
 GObjectPtr<GDBusConnection> ApplicationInstance::openSessionBus(std::string& reason) {
-    const Deadline deadline(busTimeout);
-    GError* error = nullptr;
-    GObjectPtr<GDBusConnection> bus(
-        g_bus_get_sync(G_BUS_TYPE_SESSION, deadline.cancellable.get(), &error));
-    const GErrorPtr failure(error);
+    const GObjectPtr<GCancellable> cancellable(g_cancellable_new());
+    const auto timeout =
+        contextTimer(busTimeout, [&cancellable] { g_cancellable_cancel(cancellable.get()); });
+    GObjectPtr<GDBusConnection> bus;
+    bool hasEnded = false;
+    g_bus_get(G_BUS_TYPE_SESSION, cancellable.get(), asyncCallback,
+              asyncData([&](GObject*, GAsyncResult* result) {
+                  GError* error = nullptr;
+                  bus.reset(g_bus_get_finish(result, &error));
+                  const GErrorPtr failure(error);
+                  if (failure)
+                      reason = "The session bus can't be reached: " + validUtf8(failure->message);
+                  hasEnded = true;
+              }));
+    while (!hasEnded)
+        g_main_context_iteration(nullptr, TRUE);
     if (bus)
         g_dbus_connection_set_exit_on_close(bus.get(), FALSE);
-    else
-        reason = "The session bus can't be reached: " + validUtf8(failure->message);
     return bus;
 }
 
@@ -179,11 +157,13 @@ ApplicationInstance::ApplicationInstance(GObjectPtr<GDBusConnection> bus_, Callb
     const NodePtr node(g_dbus_node_info_new_for_xml(description, nullptr));
     object = g_dbus_connection_register_object(bus.get(), path, node->interfaces[0], &methods, this,
                                                nullptr, nullptr);
-    lossSignal = g_dbus_connection_signal_subscribe(
-        bus.get(), dbusName, dbusName, "NameLost", dbusPath, name, G_DBUS_SIGNAL_FLAGS_NONE,
-        [](GDBusConnection*, const gchar*, const gchar*, const gchar*, const gchar*, GVariant*,
-           gpointer self) { static_cast<ApplicationInstance*>(self)->lose(); },
-        this, nullptr);
+    nameLost = subscribeToSignals(bus.get(),
+                                  {.sender = dbusName,
+                                   .interface = dbusName,
+                                   .member = "NameLost",
+                                   .path = dbusPath,
+                                   .firstArgument = name},
+                                  [this](const BusSignal&) { lose(); });
     const auto whenClosed = +[](GDBusConnection*, gboolean, GError*, gpointer self) {
         static_cast<ApplicationInstance*>(self)->lose();
     };
@@ -192,7 +172,6 @@ ApplicationInstance::ApplicationInstance(GObjectPtr<GDBusConnection> bus_, Callb
 
 ApplicationInstance::~ApplicationInstance() {
     g_signal_handler_disconnect(bus.get(), closing);
-    g_dbus_connection_signal_unsubscribe(bus.get(), lossSignal);
     if (object != 0)
         g_dbus_connection_unregister_object(bus.get(), object);
     if (isOwner && !isLost) // nobody waits for the answer

@@ -37,7 +37,8 @@ public:
     [[nodiscard]] static Claim claim(GObjectPtr<GDBusConnection> bus, Callbacks callbacks);
 
     /// The session bus; null with `reason` set when there is none, or it does not answer within
-    /// three seconds. The program outlives it: exit-on-close is off.
+    /// three seconds. The program outlives it: exit-on-close is off. For the beginning of the
+    /// program: waits for the bus, and runs GLib's default main context meanwhile.
     [[nodiscard]] static GObjectPtr<GDBusConnection> openSessionBus(std::string& reason);
 
     ~ApplicationInstance();
@@ -52,7 +53,7 @@ private:
     const GObjectPtr<GDBusConnection> bus;
     const Callbacks callbacks;
     guint object = 0;
-    guint lossSignal = 0;
+    Subscription nameLost;
     gulong closing = 0;
     bool isLost = false;
     bool isOwner = false;

@@ -3,6 +3,7 @@
 #include "base/Lifetime.h"
 #include "platform/linux/desktop/PackageKitProtocol.h"
 #include "platform/linux/glib/BusCall.h"
+#include "platform/linux/glib/BusSignals.h"
 #include "platform/linux/glib/Utf8.h"
 
 #include <fmt/format.h>
@@ -41,10 +42,9 @@ public:
     using Done = std::function<void(const UpdateAnswer&)>;
 
     Check(MainLoop& loop, Seconds limit, Done done_) : done(std::move(done_)) {
-        patience = loop.after(
+        timeout = loop.after(
             limit, [this] { finish(unknown("The package service did not answer in time.")); });
     }
-    ~Check() { endTransaction(); }
     Check(const Check&) = delete;
     Check& operator=(const Check&) = delete;
 
@@ -123,20 +123,10 @@ private:
     }
 
     void follow(const char* path, Next next_) {
-        endTransaction();
         next = next_;
-        signals = g_dbus_connection_signal_subscribe(
-            bus.get(), serviceName, transactionInterface, nullptr, path, nullptr,
-            G_DBUS_SIGNAL_FLAGS_NONE,
-            [](GDBusConnection*, const gchar*, const gchar*, const gchar*, const gchar* signal,
-               GVariant* parameters,
-               gpointer self) { static_cast<Check*>(self)->receive(signal, parameters); },
-            this, nullptr);
-    }
-
-    void endTransaction() {
-        if (const auto subscribed = std::exchange(signals, 0); subscribed != 0)
-            g_dbus_connection_signal_unsubscribe(bus.get(), subscribed);
+        signals = subscribeToSignals(
+            bus.get(), {.sender = serviceName, .interface = transactionInterface, .path = path},
+            [this](const BusSignal& signal) { receive(signal.member, signal.parameters); });
     }
 
     void receive(std::string_view signal, GVariant* parameters) {
@@ -146,7 +136,7 @@ private:
         } else if (const auto* const told = std::get_if<packageKit::Fault>(&said)) {
             fault = told->text;
         } else if (const auto* const end = std::get_if<packageKit::End>(&said)) {
-            endTransaction();
+            signals.reset();
             if (end->isSuccess)
                 (this->*next)();
             else
@@ -155,19 +145,19 @@ private:
     }
 
     void finish(const UpdateAnswer& answer) {
-        endTransaction();
-        patience.reset();
+        signals.reset();
+        timeout.reset();
         if (const auto callback = std::exchange(done, nullptr))
             callback(answer); // may end this object
     }
 
     Done done;
     GObjectPtr<GDBusConnection> bus;
-    guint signals = 0;
+    Subscription signals; ///< of the present transaction
     Next next = nullptr;
     std::optional<std::string> version; ///< found by the present transaction
     std::string fault;
-    Timer patience;
+    Timer timeout;
     Lifetime lifetime; // last: answers that come later do nothing
 };
 

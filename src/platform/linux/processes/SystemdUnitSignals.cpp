@@ -1,5 +1,6 @@
 #include "platform/linux/processes/SystemdUnitSignals.h"
 
+#include "platform/linux/glib/BusSignals.h"
 #include "platform/linux/processes/ProcFormats.h"
 
 namespace quorva {
@@ -9,8 +10,8 @@ constexpr const char* managerName = "org.freedesktop.systemd1";
 constexpr const char* managerPath = "/org/freedesktop/systemd1";
 constexpr const char* managerInterface = "org.freedesktop.systemd1.Manager";
 
-/// The manager sends its signals only while somebody has asked for them.
-void askForSignals(GDBusConnection* bus, const gchar*, const gchar* owner, gpointer) {
+/// The manager sends signals only while a client has subscribed.
+void subscribeAtManager(GDBusConnection* bus, const gchar*, const gchar* owner, gpointer) {
     g_dbus_connection_call(bus, owner, managerPath, managerInterface, "Subscribe", nullptr, nullptr,
                            G_DBUS_CALL_FLAGS_NO_AUTO_START, -1, nullptr, nullptr, nullptr);
 }
@@ -30,21 +31,16 @@ std::string unitOf(const std::string& signal, GVariant* parameters) {
 SystemdUnitSignals::SystemdUnitSignals(GObjectPtr<GDBusConnection> bus_, Task onStarted_,
                                        Task onEnded_)
     : bus(std::move(bus_)), onStarted(std::move(onStarted_)), onEnded(std::move(onEnded_)) {
-    signals = g_dbus_connection_signal_subscribe(
-        bus.get(), managerName, managerInterface, nullptr, managerPath, nullptr,
-        G_DBUS_SIGNAL_FLAGS_NONE,
-        [](GDBusConnection*, const gchar*, const gchar*, const gchar*, const gchar* signal,
-           GVariant* parameters,
-           gpointer self) { static_cast<SystemdUnitSignals*>(self)->receive(signal, parameters); },
-        this, nullptr);
+    signals = subscribeToSignals(
+        bus.get(), {.sender = managerName, .interface = managerInterface, .path = managerPath},
+        [this](const BusSignal& signal) { receive(signal.member, signal.parameters); });
     nameWatch =
         g_bus_watch_name_on_connection(bus.get(), managerName, G_BUS_NAME_WATCHER_FLAGS_NONE,
-                                       askForSignals, nullptr, nullptr, nullptr);
+                                       subscribeAtManager, nullptr, nullptr, nullptr);
 }
 
 SystemdUnitSignals::~SystemdUnitSignals() {
     g_bus_unwatch_name(nameWatch);
-    g_dbus_connection_signal_unsubscribe(bus.get(), signals);
 }
 
 void SystemdUnitSignals::receive(const std::string& signal, GVariant* parameters) const {

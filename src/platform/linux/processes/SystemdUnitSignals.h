@@ -1,8 +1,7 @@
-// Tells when the systemd user manager starts or ends an application's scope or service
+// Reports when the systemd user manager starts or ends an application's scope or service
 // (org.freedesktop.systemd1.Manager: UnitNew, JobRemoved, UnitRemoved).
 #pragma once
 
-#include "base/Lifetime.h"
 #include "base/Subscription.h"
 #include "platform/linux/glib/Handles.h"
 
@@ -10,11 +9,11 @@
 
 namespace quorva {
 
-/// Main thread only; callbacks come on the main loop. Silent where no user manager is on the bus;
-/// follows it when it comes, goes and comes back. Never waits for it.
+/// Main thread only; callbacks come on the main loop. Reports nothing while no user manager is on
+/// the bus, and follows one that starts or restarts later. Never waits for it.
 class SystemdUnitSignals {
 public:
-    /// `bus` is the session bus; the callbacks may be called several times for one unit.
+    /// `bus` is the session bus. The callbacks may be called several times for one unit.
     SystemdUnitSignals(GObjectPtr<GDBusConnection> bus, Task onStarted, Task onEnded);
     ~SystemdUnitSignals();
 
@@ -27,7 +26,7 @@ private:
     GObjectPtr<GDBusConnection> bus;
     const Task onStarted;
     const Task onEnded;
-    guint signals = 0;
+    Subscription signals;
     guint nameWatch = 0;
 };
 
