@@ -1,55 +1,84 @@
 #include "base/SerialQueue.h"
 
+#include <atomic>
+#include <condition_variable>
+#include <mutex>
+#include <vector>
+
 namespace quorva {
 
-SerialQueue::SerialQueue(std::size_t capacity_) : capacity(capacity_), thread([this] { run(); }) {}
+struct SerialQueue::State {
+    std::mutex mutex; // guards all but `isAbandoned`
+    std::condition_variable changed;
+    std::condition_variable idle;
+    std::vector<Task> waiting;
+    bool isRunningBatch = false;
+    bool isEnding = false;
+    bool hasEnded = false;
+    std::atomic<bool> isAbandoned = false; ///< the tasks that have not begun are dropped
+};
+
+SerialQueue::SerialQueue(std::size_t capacity_, std::optional<Seconds> shutdownTimeout_)
+    : capacity(capacity_),
+      shutdownTimeout(shutdownTimeout_),
+      state(std::make_shared<State>()),
+      thread([held = state] { run(*held); }) {}
 
 SerialQueue::~SerialQueue() {
     {
-        const std::lock_guard lock(mutex);
-        isEnding = true;
+        std::unique_lock lock(state->mutex);
+        state->isEnding = true;
+        state->changed.notify_one();
+        if (shutdownTimeout)
+            state->isAbandoned =
+                !state->idle.wait_for(lock, *shutdownTimeout, [this] { return state->hasEnded; });
     }
-    changed.notify_one();
-    thread.join();
+    if (state->isAbandoned)
+        thread.detach();
+    else
+        thread.join();
 }
 
 bool SerialQueue::post(Task task) {
     bool wasEmpty = false;
     {
-        const std::lock_guard lock(mutex);
-        if (waiting.size() >= capacity)
+        const std::lock_guard lock(state->mutex);
+        if (state->waiting.size() >= capacity)
             return false;
-        wasEmpty = waiting.empty();
-        waiting.push_back(std::move(task));
+        wasEmpty = state->waiting.empty();
+        state->waiting.push_back(std::move(task));
     }
     if (wasEmpty)
-        changed.notify_one();
+        state->changed.notify_one();
     return true;
 }
 
 void SerialQueue::drain() {
-    std::unique_lock lock(mutex);
-    idle.wait(lock, [this] { return waiting.empty() && !isRunningBatch; });
+    std::unique_lock lock(state->mutex);
+    state->idle.wait(lock, [this] { return state->waiting.empty() && !state->isRunningBatch; });
 }
 
-void SerialQueue::run() {
+void SerialQueue::run(State& state) {
     std::vector<Task> batch;
-    std::unique_lock lock(mutex);
+    std::unique_lock lock(state.mutex);
     while (true) {
-        changed.wait(lock, [this] { return !waiting.empty() || isEnding; });
-        if (waiting.empty())
-            return;
-        batch.swap(waiting);
-        isRunningBatch = true;
+        state.changed.wait(lock, [&] { return !state.waiting.empty() || state.isEnding; });
+        if (state.waiting.empty())
+            break;
+        batch.swap(state.waiting);
+        state.isRunningBatch = true;
         lock.unlock();
         for (const auto& task : batch)
-            task();
+            if (!state.isAbandoned)
+                task();
         batch.clear();
         lock.lock();
-        isRunningBatch = false;
-        if (waiting.empty())
-            idle.notify_all();
+        state.isRunningBatch = false;
+        if (state.waiting.empty())
+            state.idle.notify_all();
     }
+    state.hasEnded = true;
+    state.idle.notify_all();
 }
 
 } // namespace quorva

@@ -1,21 +1,30 @@
-// A thread that runs tasks one after the other, in the order in which they were posted.
+// The one kind of worker thread: runs tasks one after the other, in the order in which they were
+// posted.
 #pragma once
 
 #include "base/Subscription.h"
+#include "base/Time.h"
 
-#include <condition_variable>
-#include <mutex>
+#include <cstddef>
+#include <memory>
+#include <optional>
 #include <thread>
-#include <vector>
 
 namespace quorva {
 
 class SerialQueue {
 public:
-    /// Holds at most `capacity` waiting tasks.
-    explicit SerialQueue(std::size_t capacity);
+    /// The capacity of a queue whose tasks are never dropped.
+    static constexpr std::size_t unlimited = static_cast<std::size_t>(-1);
 
-    /// Runs what is still waiting, then ends the thread.
+    /// Holds at most `capacity` waiting tasks. With a `shutdownTimeout` (>= 0), the destructor
+    /// waits no longer than that, and a task may then outlive the queue: it must own all that it
+    /// touches.
+    explicit SerialQueue(std::size_t capacity, std::optional<Seconds> shutdownTimeout = {});
+
+    /// Runs the tasks that are still waiting and ends the thread. When the shutdown timeout expires
+    /// first (a disk that hangs), drops the tasks that have not begun, and leaves the thread to end
+    /// by itself after the running one.
     ~SerialQueue();
 
     SerialQueue(const SerialQueue&) = delete;
@@ -29,16 +38,13 @@ public:
     void drain();
 
 private:
-    void run();
+    struct State;
+    static void run(State& state);
 
     const std::size_t capacity;
-    std::mutex mutex;
-    std::condition_variable changed;
-    std::condition_variable idle;
-    std::vector<Task> waiting;
-    bool isRunningBatch = false;
-    bool isEnding = false;
-    std::thread thread; // last: it uses the members above
+    const std::optional<Seconds> shutdownTimeout;
+    const std::shared_ptr<State> state; ///< shared with the thread, which may outlive the queue
+    std::thread thread;
 };
 
 } // namespace quorva

@@ -1,98 +1,83 @@
 #include "platform/linux/calendars/EdsRegistry.h"
 
 #include "platform/linux/glib/Handles.h"
-#include "platform/linux/glib/MainContext.h"
 
 #include <array>
 #include <libedataserver/libedataserver.h>
 #include <string_view>
-#include <thread>
 #include <utility>
 
 namespace quorva {
 
-/// The thread's side. It owns itself while the thread runs, so that an owner who goes does not have
-/// to wait for a service that hangs.
+/// The thread's side. Its tasks own it, so that it may outlive an owner who does not wait for a
+/// service that hangs.
 class EdsRegistry::Worker : public std::enable_shared_from_this<Worker> {
 public:
     using Report = std::function<void(News)>;
 
     explicit Worker(Report report_)
-        : report(std::move(report_)),
-          context(g_main_context_new()),
-          loop(g_main_loop_new(context.get(), FALSE)),
-          cancellable(g_cancellable_new()) {}
+        : report(std::move(report_)), cancellable(g_cancellable_new()) {}
 
+    /// On the thread.
     void start() {
-        std::thread([self = shared_from_this()] { self->run(); }).detach();
+        if (connect())
+            follow();
     }
 
-    /// Ends the thread soon. Callable from any thread.
-    void stop() {
-        g_cancellable_cancel(cancellable.get());
-        invoke([](Worker& self) { g_main_loop_quit(self.loop.get()); });
+    /// Cancels what can be cancelled. Callable from any thread.
+    void cancel() { g_cancellable_cancel(cancellable.get()); }
+
+    /// On the thread, last.
+    void end() {
+        if (registry)
+            g_signal_handlers_disconnect_by_data(registry.get(), this);
+        registry.reset();
     }
 
 private:
-    struct ContextRelease {
-        void operator()(GMainContext* owned) const { g_main_context_unref(owned); }
-    };
-
-    void run() {
-        g_main_context_push_thread_default(context.get());
-        if (const auto bus = connect())
-            follow(bus.get());
-        g_main_context_pop_thread_default(context.get());
-    }
-
-    GObjectPtr<GDBusConnection> connect() {
+    bool connect() {
         GError* error = nullptr;
-        GObjectPtr<GDBusConnection> bus(
-            g_bus_get_sync(G_BUS_TYPE_SESSION, cancellable.get(), &error));
+        bus.reset(g_bus_get_sync(G_BUS_TYPE_SESSION, cancellable.get(), &error));
         if (bus)
             g_dbus_connection_set_exit_on_close(bus.get(), FALSE);
         else
             tell({.state = State::absent, .problem = messageOf(error)});
-        return bus;
+        return bus != nullptr;
     }
 
-    void follow(GDBusConnection* bus) {
+    void follow() {
         GError* error = nullptr;
-        const GObjectPtr<ESourceRegistry> owned(
-            e_source_registry_new_sync(cancellable.get(), &error));
-        if (!owned)
+        registry.reset(e_source_registry_new_sync(cancellable.get(), &error));
+        if (!registry)
             return tell({.state = State::failed, .problem = messageOf(error)});
-        registry = owned.get();
-        if (!knowsSources())
-            return tell(isServiceKnown(bus)
+        if (!knowsSources()) {
+            registry.reset();
+            return tell(isServiceKnown()
                             ? News{.state = State::failed, .problem = "it told of no calendars"}
                             : News{.state = State::absent,
                                    .problem = "Evolution Data Server is not installed"});
+        }
         tellSources();
         listen();
-        // The loop's end is a task of the loop, so that an early one is not missed.
-        g_main_loop_run(loop.get());
-        g_signal_handlers_disconnect_by_data(registry, this);
-        registry = nullptr;
     }
 
     /// The service has built-in sources, and the library takes a service that does not exist for
     /// one without any.
     [[nodiscard]] bool knowsSources() const {
-        auto* const list = e_source_registry_list_sources(registry, nullptr);
+        auto* const list = e_source_registry_list_sources(registry.get(), nullptr);
         const bool known = list != nullptr;
         g_list_free_full(list, g_object_unref);
         return known;
     }
 
     /// Whether the service runs on the bus, or could be started there.
-    [[nodiscard]] bool isServiceKnown(GDBusConnection* bus) const {
+    [[nodiscard]] bool isServiceKnown() const {
         constexpr std::string_view service = "org.gnome.evolution.dataserver.Sources5";
-        constexpr int patience = 5000; // ms
+        constexpr int timeout = 5000; // milliseconds
         for (const auto* const list : {"ListNames", "ListActivatableNames"}) {
             const GVariantPtr reply(g_dbus_connection_call_sync(
-                bus, "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", list,
-                nullptr, G_VARIANT_TYPE("(as)"), G_DBUS_CALL_FLAGS_NONE, patience,
+                bus.get(), "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
+                list, nullptr, G_VARIANT_TYPE("(as)"), G_DBUS_CALL_FLAGS_NONE, timeout,
                 cancellable.get(), nullptr));
             if (!reply)
                 return true; // not known to be absent
@@ -114,17 +99,20 @@ private:
             static_cast<Worker*>(self)->noteChange();
         };
         for (const auto* signal : signals)
-            g_signal_connect(registry, signal, G_CALLBACK(note), this);
+            g_signal_connect(registry.get(), signal, G_CALLBACK(note), this);
     }
 
-    /// A source that changes does so in many steps: they are told of as one.
+    /// A source changes in many steps, which are reported as one: when the thread has nothing else
+    /// to do. The task must not keep the worker, and with it the registry, alive.
     void noteChange() {
         if (std::exchange(isNoted, true))
             return;
-        invoke([](Worker& self) {
-            self.isNoted = false;
-            if (self.registry)
-                self.tellSources();
+        postTo(g_main_context_get_thread_default(), G_PRIORITY_LOW, [weak = weak_from_this()] {
+            if (const auto self = weak.lock()) {
+                self->isNoted = false;
+                if (self->registry)
+                    self->tellSources();
+            }
         });
     }
 
@@ -141,19 +129,10 @@ private:
         return owned ? owned->message : "unknown error";
     }
 
-    /// Later, on the thread. The context belongs to this, so the task must not keep this alive.
-    void invoke(void (*step)(Worker&)) {
-        postTo(context.get(), G_PRIORITY_LOW, [weak = weak_from_this(), step] {
-            if (const auto self = weak.lock())
-                step(*self);
-        });
-    }
-
     const Report report;
-    const std::unique_ptr<GMainContext, ContextRelease> context;
-    const GMainLoopPtr loop;
     const GObjectPtr<GCancellable> cancellable;
-    ESourceRegistry* registry = nullptr;
+    GObjectPtr<GDBusConnection> bus;      ///< never left to end the program
+    GObjectPtr<ESourceRegistry> registry; ///< while the sources are followed
     bool isNoted = false;
 };
 
@@ -161,20 +140,29 @@ EdsRegistry::EdsRegistry(Task onChange_, Task onAnswer_)
     : onChange(std::move(onChange_)), onAnswer(std::move(onAnswer_)) {}
 
 EdsRegistry::~EdsRegistry() {
-    if (worker)
-        worker->stop();
+    stop();
 }
 
 void EdsRegistry::start() {
     if (worker)
         return;
-    worker = std::make_shared<Worker>(lifetime.guard([this](News news) { take(std::move(news)); }));
-    worker->start();
+    worker =
+        std::make_shared<Worker>(lifetime.guard([this](News news) { adopt(std::move(news)); }));
+    thread = std::make_unique<ContextThread>(Seconds(0));
+    thread->post([held = worker] { held->start(); });
 }
 
-void EdsRegistry::take(News news) {
+void EdsRegistry::stop() {
+    if (!worker)
+        return;
+    worker->cancel();
+    thread->post([held = std::move(worker)] { held->end(); });
+    thread.reset();
+}
+
+void EdsRegistry::adopt(News news) {
     if (news.state != State::present)
-        worker.reset(); // its thread has ended
+        stop();
     if (std::exchange(present, std::move(news)) != present)
         onChange();
     onAnswer();

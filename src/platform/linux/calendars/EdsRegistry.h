@@ -4,6 +4,7 @@
 
 #include "base/Lifetime.h"
 #include "platform/linux/calendars/EdsSources.h"
+#include "platform/linux/glib/ContextThread.h"
 
 #include <functional>
 #include <memory>
@@ -49,11 +50,13 @@ private:
 
         bool operator==(const News&) const = default;
     };
-    void take(News news);
+    void adopt(News news);
+    void stop();
 
     const Task onChange;
     const Task onAnswer;
-    std::shared_ptr<Worker> worker;
+    std::shared_ptr<Worker> worker; ///< together with its thread
+    std::unique_ptr<ContextThread> thread;
     News present;
     Lifetime lifetime;
 };

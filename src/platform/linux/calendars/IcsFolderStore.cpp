@@ -71,11 +71,12 @@ Subscription IcsFolderStore::fetchEvents(Time start, Time end,
     auto request = std::make_shared<Request>(Request{.done = std::move(done)});
     const std::weak_ptr<Request> weak = request;
     request->timer = loop.after(deadline, lifetime.guard([this, weak] { giveUp(weak); }));
-    thread.post([start, end, hints = takeHints(), held = folders, box = outbox,
-                 back = std::make_shared<std::function<void(IcsFolders::Findings)>>(lifetime.guard(
-                     [this, weak](const IcsFolders::Findings& found) { answer(weak, found); }))] {
-        box->post([back, found = held->look(start, end, hints)] { (*back)(found); });
-    });
+    (void)thread.post(
+        [start, end, hints = takeHints(), held = folders, box = outbox,
+         back = std::make_shared<std::function<void(IcsFolders::Findings)>>(lifetime.guard(
+             [this, weak](const IcsFolders::Findings& found) { answer(weak, found); }))] {
+            box->post([back, found = held->look(start, end, hints)] { (*back)(found); });
+        });
     return Subscription([held = std::move(request)]() mutable { held.reset(); });
 }
 
@@ -104,11 +105,11 @@ void IcsFolderStore::giveUp(const std::weak_ptr<Request>& request) {
 }
 
 void IcsFolderStore::listFolders() {
-    thread.post([held = folders, box = outbox,
-                 back = std::make_shared<std::function<void(IcsFolders::Findings)>>(
-                     lifetime.guard([this](const IcsFolders::Findings& found) { learn(found); }))] {
-        box->post([back, found = held->list()] { (*back)(found); });
-    });
+    (void)thread.post([held = folders, box = outbox,
+                       back = std::make_shared<std::function<void(IcsFolders::Findings)>>(
+                           lifetime.guard([this](const IcsFolders::Findings& found) {
+                               learn(found);
+                           }))] { box->post([back, found = held->list()] { (*back)(found); }); });
 }
 
 void IcsFolderStore::learn(const IcsFolders::Findings& findings) {

@@ -3,9 +3,9 @@
 
 #include "base/Lifetime.h"
 #include "base/MainLoop.h"
+#include "base/SerialQueue.h"
 #include "platform/CalendarStore.h"
 #include "platform/linux/calendars/IcsFolders.h"
-#include "platform/linux/glib/BackgroundThread.h"
 #include "platform/linux/storage/FolderWatch.h"
 
 #include <functional>
@@ -72,7 +72,7 @@ private:
     FolderWatch watch;
     Timer announcement;
     Timer secondLook;
-    BackgroundThread thread;
+    SerialQueue thread{SerialQueue::unlimited, Seconds(2)}; // its tasks own what they touch
     Lifetime lifetime;
 };
 
