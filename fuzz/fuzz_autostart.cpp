@@ -1,7 +1,7 @@
-// Any bytes in place of an autostart entry, and of the path of a program. After switching on, the
-// entry starts that program and nothing else; what else was in it is kept.
+// Any bytes in place of an autostart entry, and of the path of a program. Once enabled, the
+// entry starts that program and nothing else; the rest of it is kept.
 #include "Expect.h"
-#include "platform/linux/desktop/AutostartLoginItem.h"
+#include "platform/linux/desktop/AutostartEntry.h"
 #include "platform/linux/drill/DrillFolder.h"
 #include "platform/linux/glib/Handles.h"
 
@@ -79,22 +79,22 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const auto lineEnd = std::min(bytes.find('\n'), bytes.size());
     const auto program = "/" + bytes.substr(0, std::min(lineEnd, bytes.find('\0')));
     const auto stored = bytes.substr(std::min(lineEnd + 1, bytes.size()));
-    expect(programOf(AutostartLoginItem::execOf(program)) == program);
+    expect(programOf(AutostartEntry::execOf(program)) == program);
 
     std::filesystem::remove_all(file.parent_path());
     std::filesystem::create_directories(file.parent_path());
     std::ofstream(file, std::ios::binary) << stored;
-    AutostartLoginItem item(folder.path(), program);
-    const auto status = item.status();
+    const AutostartEntry entry(folder.path(), program);
+    const auto status = entry.status();
     expect(status != LoginItemStatus::requiresApproval);
     const bool isEntry = status != LoginItemStatus::notFound;
     const bool isUtf8 = g_utf8_validate(program.c_str(), -1, nullptr) != FALSE;
 
-    if (const auto problem = item.registerItem()) {
+    if (const auto problem = entry.enable()) {
         expect(!isUtf8 || !isEntry);
         return 0;
     }
-    expect(item.status() == LoginItemStatus::enabled);
+    expect(entry.status() == LoginItemStatus::enabled);
     const auto written = entryIn(contentOf(file));
     expect(written != nullptr);
     const GCharsPtr exec(g_key_file_get_string(written.get(), G_KEY_FILE_DESKTOP_GROUP,
@@ -108,6 +108,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const auto isAside = [&](const auto& each) { return contentOf(each.path()) == stored; };
     if (!isEntry && !stored.empty())
         expect(std::any_of(begin(files), end(files), isAside));
-    expect(!item.unregisterItem() && item.status() == LoginItemStatus::notRegistered);
+    expect(!entry.remove() && entry.status() == LoginItemStatus::notRegistered);
     return 0;
 }

@@ -38,11 +38,9 @@ void Settings::load() {
     stampVolume = volume == 0.0 ? keys::stampVolume.byDefault : volume;
 
     launchAtLogin = read(preferences, keys::launchAtLogin);
-    const auto status = loginItem.status();
-    if (status == LoginItemStatus::enabled)
-        launchAtLogin = true;
-    else if (launchAtLogin && status == LoginItemStatus::notRegistered)
-        applyLaunchAtLogin();
+    isLoginItemOn = launchAtLogin; // until it is known
+    firstStatus =
+        loginItem.fetchStatus(lifetime.guard([this](LoginItemStatus status) { adopt(status); }));
 
     for (const auto key : keys::removed)
         preferences.remove(key);
@@ -67,13 +65,28 @@ void Settings::save() {
         preferences.set(key.name, (this->*field).get());
     preferences.set(keys::stampIntervalSeconds.name, stampIntervalSeconds.get());
     preferences.set(keys::stampVolume.name, stampVolume.get());
-    applyLaunchAtLogin();
+    if (isLoginItemOn != launchAtLogin)
+        applyLaunchAtLogin();
+}
+
+void Settings::adopt(LoginItemStatus status) {
+    isLoginItemOn = status == LoginItemStatus::enabled;
+    if (isLoginItemOn == true)
+        launchAtLogin = true;
+    else if (launchAtLogin && status == LoginItemStatus::notRegistered)
+        applyLaunchAtLogin();
 }
 
 void Settings::applyLaunchAtLogin() {
-    const auto error = launchAtLogin ? loginItem.registerItem() : loginItem.unregisterItem();
-    if (error)
-        log.error("SMAppService error: " + *error, logCategory::appState);
+    firstStatus.reset(); // it is out of date
+    isLoginItemOn = launchAtLogin;
+    loginItem.setEnabled(launchAtLogin,
+                         lifetime.guard([this](const std::optional<std::string>& failure) {
+                             if (!failure)
+                                 return;
+                             isLoginItemOn.reset();
+                             log.error("SMAppService error: " + *failure, logCategory::appState);
+                         }));
 }
 
 } // namespace quorva

@@ -1,12 +1,14 @@
 // The user's settings, stored in the preferences.
 #pragma once
 
+#include "base/Lifetime.h"
 #include "base/Published.h"
 #include "platform/Log.h"
 #include "platform/LoginItem.h"
 #include "platform/Preferences.h"
 
 #include <cstdint>
+#include <optional>
 #include <string_view>
 
 namespace quorva {
@@ -34,19 +36,24 @@ public:
     [[nodiscard]] bool isOn(std::string_view key) const;
 
     /// Reads all settings, and removes the keys of earlier versions that have no use any more. The
-    /// login item, when it is there, has the last word on whether the program starts at login.
+    /// login item has the last word on whether the program starts at login: `launchAtLogin` follows
+    /// when it has answered, unless it was changed before.
     void load();
 
-    /// Stores all settings, and registers or unregisters the login item.
+    /// Stores all settings, and sets the login item if `launchAtLogin` has changed. A failure of
+    /// that is logged, and the next save tries again.
     void save();
 
-    /// Registers or unregisters the login item, as `launchAtLogin` says. A failure is logged.
+private:
+    void adopt(LoginItemStatus status);
     void applyLaunchAtLogin();
 
-private:
     Preferences& preferences;
     LoginItem& loginItem;
     Log& log;
+    std::optional<bool> isLoginItemOn; ///< as found, or as set last; nothing after a failure
+    Subscription firstStatus;
+    Lifetime lifetime; // last: goes first
 };
 
 } // namespace quorva

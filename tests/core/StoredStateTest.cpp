@@ -88,9 +88,11 @@ TEST_F(StoredStateTest, keepsAHistoryOfAnotherVersionsShape) {
 TEST_F(StoredStateTest, followsTheLoginItem) {
     computer.loginItem.state = LoginItemStatus::enabled;
     EXPECT_TRUE(start().settings.launchAtLogin);
-    state->settings.set(&Settings::launchAtLogin, false);
+    state->settings.set(&Settings::showNotifications, false);
+    EXPECT_EQ(computer.loginItem.changes, 0) << "nothing of it has changed";
     computer.loginItem.error = "no space left";
-    state->saveSettings();
+    state->settings.set(&Settings::launchAtLogin, false);
+    computer.loop.runPosted();
     EXPECT_EQ(computer.log.count("SMAppService error: no space left"), 1U);
     computer.loginItem.error.reset();
     state->saveSettings();
@@ -99,6 +101,18 @@ TEST_F(StoredStateTest, followsTheLoginItem) {
     computer.preferences.values["launchAtLogin"] = true; // of an earlier version
     start();
     EXPECT_EQ(computer.loginItem.state, LoginItemStatus::enabled);
+}
+
+TEST_F(StoredStateTest, prefersTheUsersChoiceToALateAnswerOfTheLoginItem) {
+    computer.loginItem.state = LoginItemStatus::enabled;
+    auto& app = state.emplace(computer.services);
+    app.settings.set(&Settings::showNotifications, false);
+    EXPECT_EQ(computer.loginItem.state, LoginItemStatus::enabled) << "it has not answered yet";
+    app.settings.set(&Settings::launchAtLogin, true);
+    app.settings.set(&Settings::launchAtLogin, false);
+    computer.loop.runPosted();
+    EXPECT_FALSE(app.settings.launchAtLogin);
+    EXPECT_EQ(computer.loginItem.state, LoginItemStatus::notRegistered);
 }
 
 } // namespace

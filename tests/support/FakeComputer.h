@@ -26,7 +26,7 @@ struct FakeComputer {
     FakeSpeechSynthesizer speech;
     FakeAudioDevices audioDevices;
     FakeClipboard clipboard;
-    FakeLoginItem loginItem;
+    FakeLoginItem loginItem{loop};
     FakeSystemSettings systemSettings;
     FakeDetectionTest detectionTest;
     Platform platform{loop,      log,           processTable, applications,

@@ -1,6 +1,8 @@
 // The rest of a desktop in memory: clipboard, speech, sound devices, login item, settings, updates.
 #pragma once
 
+#include "base/Lifetime.h"
+#include "base/MainLoop.h"
 #include "platform/AudioDevices.h"
 #include "platform/Clipboard.h"
 #include "platform/DetectionTest.h"
@@ -54,25 +56,29 @@ public:
     }
 };
 
+/// Answers with the next turn of the main loop.
 class FakeLoginItem final : public LoginItem {
 public:
+    explicit FakeLoginItem(MainLoop& loop_) : loop(loop_) {}
+
     LoginItemStatus state = LoginItemStatus::notRegistered;
     std::optional<std::string> error;
     int changes = 0;
 
-    [[nodiscard]] LoginItemStatus status() const override { return state; }
-    std::optional<std::string> registerItem() override { return become(LoginItemStatus::enabled); }
-    std::optional<std::string> unregisterItem() override {
-        return become(LoginItemStatus::notRegistered);
+    [[nodiscard]] Subscription fetchStatus(std::function<void(LoginItemStatus)> done) override {
+        auto request = std::make_shared<Lifetime>();
+        loop.post(request->guard([this, done = std::move(done)] { done(state); }));
+        return Subscription([request]() mutable { request.reset(); });
+    }
+    void setEnabled(bool isEnabled, Done done) override {
+        ++changes;
+        if (!error)
+            state = isEnabled ? LoginItemStatus::enabled : LoginItemStatus::notRegistered;
+        loop.post([done = std::move(done), result = error] { done(result); });
     }
 
 private:
-    std::optional<std::string> become(LoginItemStatus next) {
-        ++changes;
-        if (!error)
-            state = next;
-        return error;
-    }
+    MainLoop& loop;
 };
 
 class FakeSystemSettings final : public SystemSettings {
