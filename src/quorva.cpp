@@ -13,7 +13,7 @@
 #include "platform/linux/desktop/LinuxPanelWatch.h"
 #include "platform/linux/desktop/PackageKitUpdates.h"
 #include "platform/linux/desktop/PulseAudioDevices.h"
-#include "platform/linux/desktop/ScanProgramTest.h"
+#include "platform/linux/desktop/ScanProgramTrial.h"
 #include "platform/linux/glib/GLibMainLoop.h"
 #include "platform/linux/notifications/DBusNotificationCenter.h"
 #include "platform/linux/processes/DesktopEntries.h"
@@ -114,7 +114,7 @@ struct LinuxServices {
     AutostartLoginItem loginItem;
     DesktopSettings systemSettings;
     PackageKitUpdates updateService{loop};
-    ScanProgramTest detectionTest;
+    ScanProgramTrial detectionTest;
     SystemdUnitSignals units;
     LinuxPanelWatch panels;
     AppServices services{platform,  preferences, notifications,  speech,       audioDevices,

@@ -1,5 +1,5 @@
 // The trial of detection over programs that stand for quorva-scan, well or badly.
-#include "platform/linux/desktop/ScanProgramTest.h"
+#include "platform/linux/desktop/ScanProgramTrial.h"
 
 #include "support/TemporaryFolder.h"
 #include "support/TurningMainLoop.h"
@@ -14,7 +14,7 @@ namespace {
 using testing::ElementsAre;
 using testing::HasSubstr;
 
-class ScanProgramTestTest : public testing::Test, protected TurningMainLoop {
+class ScanProgramTrialTest : public testing::Test, protected TurningMainLoop {
 protected:
     void runScript(const std::string& script) {
         folder.write("scan", "#!/bin/sh\n" + script);
@@ -24,7 +24,7 @@ protected:
     void run(const std::filesystem::path& program) {
         lines.clear();
         works.reset();
-        ScanProgramTest trial(program);
+        ScanProgramTrial trial(program);
         subscription = trial.run([this](const std::string& line) { lines.push_back(line); },
                                  [this](bool outcome) { works = outcome; });
     }
@@ -40,7 +40,7 @@ protected:
 
 } // namespace
 
-TEST_F(ScanProgramTestTest, handsOnWhatIsPrintedAndHowItEnds) {
+TEST_F(ScanProgramTrialTest, handsOnWhatIsPrintedAndHowItEnds) {
     runScript("echo $1; printf 'caf\\351'");
     ASSERT_TRUE(ends());
     EXPECT_THAT(lines, ElementsAre("--self-test", "caf\uFFFD"));
@@ -56,7 +56,7 @@ TEST_F(ScanProgramTestTest, handsOnWhatIsPrintedAndHowItEnds) {
     EXPECT_THAT(lines, ElementsAre(HasSubstr("The trial can't be made: ")));
 }
 
-TEST_F(ScanProgramTestTest, endsTheProgramThatNobodyWaitsFor) {
+TEST_F(ScanProgramTrialTest, endsTheProgramThatNobodyWaitsFor) {
     runScript("trap 'echo ended >" + (folder.path / "ended").string() +
               "; exit' TERM\necho ready\nwhile :; do sleep 0.02; done");
     ASSERT_TRUE(comesTo([this] { return !lines.empty(); }));
