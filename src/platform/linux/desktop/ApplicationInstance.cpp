@@ -67,7 +67,7 @@ NameOutcome requestName(GDBusConnection* bus, std::string& reason) {
     return outcome == exists ? NameOutcome::taken : NameOutcome::failed;
 }
 
-/// What the desktop gave this process so that its window may take the focus.
+/// The tokens that the desktop gave this process so that its window may get the focus.
 GVariant* platformData() {
     GVariantBuilder data;
     g_variant_builder_init(&data, G_VARIANT_TYPE_VARDICT);
@@ -117,7 +117,7 @@ ApplicationInstance::Claim ApplicationInstance::claim(GObjectPtr<GDBusConnection
                                                       Callbacks callbacks) {
     if (!bus)
         return {.reason = "There is no session bus."};
-    // Before it has the name, so that nobody who knows the name finds it without the object.
+    // The object is there before the name, so that no caller of the name finds it missing.
     std::unique_ptr<ApplicationInstance> instance(
         new ApplicationInstance(std::move(bus), std::move(callbacks)));
     auto* const connection = instance->bus.get();
@@ -127,7 +127,7 @@ ApplicationInstance::Claim ApplicationInstance::claim(GObjectPtr<GDBusConnection
         if (outcome == NameOutcome::failed)
             return {.reason = "The session bus does not answer as it should: " + reason};
         if (outcome == NameOutcome::owned) {
-            instance->isOwner = true;
+            instance->nameState = Name::owned;
             return {.kind = Claim::Kind::first, .instance = std::move(instance)};
         }
         const auto reply =
@@ -138,7 +138,7 @@ ApplicationInstance::Claim ApplicationInstance::claim(GObjectPtr<GDBusConnection
         const auto owner = callNow(connection, dbusName, dbusPath, dbusName, "GetNameOwner",
                                    g_variant_new("(s)", name), busTimeout);
         if (owner)
-            break; // it is there and hangs; else it has just ended, and the name is free
+            break; // it hangs; without an owner it has just ended, and the name is free
     }
     return {.kind = Claim::Kind::second, .reason = "The running Quorva does not answer: " + reason};
 }
@@ -149,7 +149,7 @@ ApplicationInstance::ApplicationInstance(GObjectPtr<GDBusConnection> bus_, Callb
         [](GDBusConnection*, const gchar*, const gchar*, const gchar*, const gchar* method,
            GVariant* parameters, GDBusMethodInvocation* invocation, gpointer self) {
             g_dbus_method_invocation_return_value(invocation, nullptr);
-            static_cast<const ApplicationInstance*>(self)->receive(method, parameters);
+            static_cast<const ApplicationInstance*>(self)->handleCall(method, parameters);
         },
         nullptr,
         nullptr,
@@ -163,9 +163,9 @@ ApplicationInstance::ApplicationInstance(GObjectPtr<GDBusConnection> bus_, Callb
                                    .member = "NameLost",
                                    .path = dbusPath,
                                    .firstArgument = name},
-                                  [this](const BusSignal&) { lose(); });
+                                  [this](const BusSignal&) { noteLoss(); });
     const auto whenClosed = +[](GDBusConnection*, gboolean, GError*, gpointer self) {
-        static_cast<ApplicationInstance*>(self)->lose();
+        static_cast<ApplicationInstance*>(self)->noteLoss();
     };
     closing = g_signal_connect(bus.get(), "closed", G_CALLBACK(whenClosed), this);
 }
@@ -174,13 +174,13 @@ ApplicationInstance::~ApplicationInstance() {
     g_signal_handler_disconnect(bus.get(), closing);
     if (object != 0)
         g_dbus_connection_unregister_object(bus.get(), object);
-    if (isOwner && !isLost) // nobody waits for the answer
+    if (nameState == Name::owned) // without waiting for the answer
         g_dbus_connection_call(bus.get(), dbusName, dbusPath, dbusName, "ReleaseName",
                                g_variant_new("(s)", name), nullptr, G_DBUS_CALL_FLAGS_NONE, -1,
                                nullptr, nullptr, nullptr);
 }
 
-void ApplicationInstance::receive(const std::string& method, GVariant* parameters) const {
+void ApplicationInstance::handleCall(const std::string& method, GVariant* parameters) const {
     const auto last = g_variant_n_children(parameters) - 1;
     const GVariantPtr data(g_variant_get_child_value(parameters, last));
     Activation activation{.token = tokenOf(data.get())};
@@ -193,9 +193,10 @@ void ApplicationInstance::receive(const std::string& method, GVariant* parameter
         callbacks.onActivate(activation);
 }
 
-void ApplicationInstance::lose() {
-    if (!isOwner || std::exchange(isLost, true))
+void ApplicationInstance::noteLoss() {
+    if (nameState != Name::owned)
         return;
+    nameState = Name::lost;
     if (callbacks.onLost)
         callbacks.onLost();
 }

@@ -1,5 +1,5 @@
-// One Quorva in a session: the first one owns the bus name com.veltran.QuorvaApp and is called when
-// the program is started again (interface org.freedesktop.Application of the Desktop Entry
+// One Quorva in a session: the first one owns the bus name com.veltran.QuorvaApp and is activated
+// when the program is started again (interface org.freedesktop.Application of the Desktop Entry
 // Specification 1.5, "D-Bus Activation").
 #pragma once
 
@@ -12,7 +12,7 @@
 
 namespace quorva {
 
-/// How the program was asked to show itself.
+/// A request to show the program.
 struct Activation {
     std::string action; ///< of the desktop entry; empty for none
     std::string token;  ///< lets a window take the focus (xdg-activation, startup notification)
@@ -25,15 +25,15 @@ class ApplicationInstance {
 public:
     struct Callbacks {
         std::function<void(const Activation&)> onActivate;
-        Task onLost; ///< the bus, and with it the name, is gone
+        Task onLost; ///< the name was lost, alone or with the bus
     };
 
     struct Claim;
 
-    /// Claims the name on `bus` (null: there is none) and returns what that has come to. Where
-    /// another one has the name, it is asked to show itself and given 700 ms to answer. Callbacks
+    /// Claims the name on `bus` (null: there is none) and returns the outcome. When another
+    /// instance owns the name, that one is asked to show itself and has 700 ms to answer. Callbacks
     /// come on the main loop, never within this call. For the beginning of the program: waits for
-    /// the bus, at most three seconds.
+    /// the bus, at most three seconds a call.
     [[nodiscard]] static Claim claim(GObjectPtr<GDBusConnection> bus, Callbacks callbacks);
 
     /// The session bus; null with `reason` set when there is none, or it does not answer within
@@ -47,27 +47,27 @@ public:
 
 private:
     ApplicationInstance(GObjectPtr<GDBusConnection> bus, Callbacks callbacks);
-    void receive(const std::string& method, GVariant* parameters) const;
-    void lose();
+    void handleCall(const std::string& method, GVariant* parameters) const;
+    void noteLoss();
 
     const GObjectPtr<GDBusConnection> bus;
     const Callbacks callbacks;
     guint object = 0;
     Subscription nameLost;
     gulong closing = 0;
-    bool isLost = false;
-    bool isOwner = false;
+    enum class Name { notOwned, owned, lost };
+    Name nameState = Name::notOwned;
 };
 
 struct ApplicationInstance::Claim {
     enum class Kind {
         first,  ///< this is the session's instance; `instance` is set
-        second, ///< another one is there
-        noBus,  ///< there is no telling: `reason` says why
+        second, ///< another instance owns the name
+        noBus,  ///< could not be found out: `reason` says why
     };
     Kind kind = Kind::noBus;
     std::unique_ptr<ApplicationInstance> instance;
-    bool hasAnswered = false; ///< the other one has been reached
+    bool hasAnswered = false; ///< the other instance was asked and has answered
     std::string reason;       ///< for people
 };
 

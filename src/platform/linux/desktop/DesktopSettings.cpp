@@ -64,8 +64,8 @@ bool isConfined() {
     return ::prctl(PR_GET_NO_NEW_PRIVS, 0, 0, 0, 0) == 1 && std::getenv("INVOCATION_ID") != nullptr;
 }
 
-/// A browser or a settings program would inherit the limits of this one, such as having no network,
-/// and would end with it. The user's service manager starts it without.
+/// A browser or a settings program would inherit the limits of this service, such as having no
+/// network, and would end with it. Started by the user's service manager, it does neither.
 Command unconfined(Command command) {
     Command outside{"systemd-run", "--user", "--quiet", "--collect", "--property=ExitType=cgroup",
                     "--"};
@@ -78,7 +78,7 @@ bool start(Command command) {
         command = unconfined(std::move(command));
     std::vector<gchar*> words;
     for (const auto& word : command)
-        words.push_back(const_cast<gchar*>(word.c_str())); // which are not written to
+        words.push_back(const_cast<gchar*>(word.c_str())); // GLib does not write to them
     words.push_back(nullptr);
     const auto flags = static_cast<GSpawnFlags>(G_SPAWN_SEARCH_PATH | G_SPAWN_STDOUT_TO_DEV_NULL |
                                                 G_SPAWN_STDERR_TO_DEV_NULL);

@@ -1,4 +1,4 @@
-// The settings panels of the desktops, and the programs that open addresses.
+// Opens the settings panels of desktops, and addresses.
 #pragma once
 
 #include "platform/SystemSettings.h"
@@ -9,9 +9,9 @@
 
 namespace quorva {
 
-/// Main thread only. What is started lives on without this program: in a session of its own, with
-/// no shell in between. Where this program is a confined service of systemd, the user's service
-/// manager starts it, free of what confines this one.
+/// Main thread only. Programs are started without a shell, in sessions of their own, and outlive
+/// this one. Where this program is a confined service of systemd, the user's service manager starts
+/// them, so that they are not confined.
 class DesktopSettings final : public SystemSettings {
 public:
     using Command = std::vector<std::string>;
@@ -19,7 +19,7 @@ public:
     /// `desktop` is a list as in XDG_CURRENT_DESKTOP, most specific first: "ubuntu:GNOME".
     explicit DesktopSettings(std::string desktop);
 
-    /// The present desktop.
+    /// For the desktop of this session.
     DesktopSettings();
 
     bool open(SettingsPane pane) override;
@@ -27,10 +27,10 @@ public:
     /// Opens addresses of the schemes https and appstream only.
     bool openAddress(const std::string& address) override;
 
-    /// What opens a pane, in the order of preference; the first that is installed is used.
+    /// The commands that open a pane, in order of preference; the first one installed is used.
     [[nodiscard]] static std::vector<Command> commands(std::string_view desktop, SettingsPane pane);
 
-    /// Whether an address is one that may be opened.
+    /// Whether `address` is valid and has one of those schemes. Pure function.
     [[nodiscard]] static bool mayBeOpened(const std::string& address);
 
 private:

@@ -19,8 +19,7 @@ using XcbConnectionPtr = std::unique_ptr<xcb_connection_t, Release<xcb_disconnec
 template <typename T>
 using XcbReplyPtr = std::unique_ptr<T, Release<std::free>>;
 
-/// Whether somebody manages the icons of the X screen that this session shows. The X server is on
-/// this computer and answers before anything of the desktop runs.
+/// Whether a panel manages the tray icons of this session's X screen.
 bool hasSelectionOwner() {
     if (std::getenv("DISPLAY") == nullptr)
         return false;
@@ -54,10 +53,10 @@ LinuxPanelWatch::LinuxPanelWatch(MainLoop& loop_, GObjectPtr<GDBusConnection> bu
         watch = g_bus_watch_name_on_connection(
             bus.get(), watcherName, G_BUS_NAME_WATCHER_FLAGS_NONE,
             [](GDBusConnection*, const gchar*, const gchar*, gpointer self) {
-                static_cast<LinuxPanelWatch*>(self)->takeWatcher(true);
+                static_cast<LinuxPanelWatch*>(self)->setHasWatcher(true);
             },
             [](GDBusConnection*, const gchar*, gpointer self) {
-                static_cast<LinuxPanelWatch*>(self)->takeWatcher(false);
+                static_cast<LinuxPanelWatch*>(self)->setHasWatcher(false);
             },
             this, nullptr);
     else
@@ -69,7 +68,7 @@ LinuxPanelWatch::~LinuxPanelWatch() {
         g_bus_unwatch_name(watch);
 }
 
-void LinuxPanelWatch::takeWatcher(bool isThere) {
+void LinuxPanelWatch::setHasWatcher(bool isThere) {
     hasWatcher = isThere;
     managerTimer.reset();
     if (!isThere)
@@ -77,7 +76,7 @@ void LinuxPanelWatch::takeWatcher(bool isThere) {
     changes.call();
 }
 
-/// An X panel that has taken the icon is found again by whoever shows the icon: it is not followed.
+/// An X panel is not watched once it is found: whoever shows the icon finds its successor.
 void LinuxPanelWatch::lookForManager() {
     if (hasManager || hasWatcher)
         return;

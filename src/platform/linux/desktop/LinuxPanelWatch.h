@@ -1,5 +1,5 @@
-// Panels that take icons: those that own org.kde.StatusNotifierWatcher on the session bus, and on
-// X11 those that own the selection _NET_SYSTEM_TRAY_Sn (the System Tray Protocol).
+// Watches for panels that show tray icons: the owner of org.kde.StatusNotifierWatcher on the
+// session bus, and on X11 the owner of the selection _NET_SYSTEM_TRAY_Sn (System Tray Protocol).
 #pragma once
 
 #include "base/Lifetime.h"
@@ -9,18 +9,19 @@
 
 namespace quorva {
 
+/// Main thread only. The X server is the one thing that is waited for: it is on this computer, and
+/// answers before anything of the desktop runs.
 class LinuxPanelWatch final : public PanelWatch {
 public:
     /// `bus` is the session bus, or null. The loop must outlive the watch. The X server is asked
-    /// over a connection of its own, now and every 15 seconds while there is no panel.
+    /// over a separate connection, at once and every 15 seconds while there is no panel.
     LinuxPanelWatch(MainLoop& loop, GObjectPtr<GDBusConnection> bus);
     ~LinuxPanelWatch() override;
 
     LinuxPanelWatch(const LinuxPanelWatch&) = delete;
     LinuxPanelWatch& operator=(const LinuxPanelWatch&) = delete;
 
-    /// Whether there is a display to show anything on: an X server that takes the connection, or a
-    /// Wayland session.
+    /// Whether there is a display: an X server that accepts a connection, or a Wayland session.
     [[nodiscard]] static bool hasDisplay();
 
     [[nodiscard]] bool hasPanel() const override { return hasWatcher || hasManager; }
@@ -29,7 +30,7 @@ public:
     }
 
 private:
-    void takeWatcher(bool isThere);
+    void setHasWatcher(bool isThere);
     void lookForManager();
 
     MainLoop& loop;

@@ -30,7 +30,7 @@ std::optional<std::string> decodeTransaction(GVariant* reply) {
     return path;
 }
 
-Said decodeSignal(std::string_view signal, GVariant* parameters) {
+TransactionSignal decodeSignal(std::string_view signal, GVariant* parameters) {
     if (signal == "Package" && isOfType(parameters, "(uss)")) {
         if (auto version = versionOf(textAt(parameters, 1)))
             return OwnPackage{std::move(*version)};

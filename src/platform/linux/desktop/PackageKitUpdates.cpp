@@ -28,22 +28,22 @@ UpdateAnswer unknown(std::string reason) {
     return {.kind = UpdateAnswer::Kind::unknown, .reason = std::move(reason)};
 }
 
-void openSystemBus(PackageKitUpdates::TakeBus done) {
+void openSystemBus(PackageKitUpdates::BusOpened done) {
     const GCharsPtr address(g_dbus_address_get_for_bus_sync(G_BUS_TYPE_SYSTEM, nullptr, nullptr));
     openBus(address ? address.get() : "", std::move(done));
 }
 
 } // namespace
 
-/// One question: whether the program is installed as a package, and then whether that has an
-/// update. Each is a transaction of the service's, which answers by signals.
+/// One check: whether the program is installed as a package, and then whether that has an update.
+/// Each is a transaction of the service, which answers by signals.
 class PackageKitUpdates::Check {
 public:
     using Done = std::function<void(const UpdateAnswer&)>;
 
-    Check(MainLoop& loop, Seconds limit, Done done_) : done(std::move(done_)) {
-        timeout = loop.after(
-            limit, [this] { finish(unknown("The package service did not answer in time.")); });
+    Check(MainLoop& loop, Seconds timeout, Done done_) : done(std::move(done_)) {
+        deadline = loop.after(
+            timeout, [this] { finish(unknown("The package service did not answer in time.")); });
     }
     Check(const Check&) = delete;
     Check& operator=(const Check&) = delete;
@@ -80,7 +80,7 @@ private:
             finish({.kind = UpdateAnswer::Kind::upToDate});
     }
 
-    /// Begins a transaction that calls `method`; `then` is called once it has come to its end.
+    /// Begins a transaction that calls `method`. Calls `then` when it has finished.
     void begin(const char* method, GVariant* parameters, Next then) {
         version.reset();
         fault.clear();
@@ -104,7 +104,7 @@ private:
              .interface = interface,
              .method = method,
              .parameters = parameters,
-             .timeout = G_MAXINT, // the check has a limit of its own
+             .timeout = G_MAXINT, // the check has a deadline itself
              .flags = G_DBUS_CALL_FLAGS_NONE},
             lifetime.guard([this, then = std::move(then)](GVariant* reply, const GError* failure) {
                 if (reply == nullptr)
@@ -126,16 +126,16 @@ private:
         next = next_;
         signals = subscribeToSignals(
             bus.get(), {.sender = serviceName, .interface = transactionInterface, .path = path},
-            [this](const BusSignal& signal) { receive(signal.member, signal.parameters); });
+            [this](const BusSignal& signal) { handleSignal(signal.member, signal.parameters); });
     }
 
-    void receive(std::string_view signal, GVariant* parameters) {
-        const auto said = packageKit::decodeSignal(signal, parameters);
-        if (const auto* const package = std::get_if<packageKit::OwnPackage>(&said)) {
+    void handleSignal(std::string_view name, GVariant* parameters) {
+        const auto signal = packageKit::decodeSignal(name, parameters);
+        if (const auto* const package = std::get_if<packageKit::OwnPackage>(&signal)) {
             version = package->version;
-        } else if (const auto* const told = std::get_if<packageKit::Fault>(&said)) {
-            fault = told->text;
-        } else if (const auto* const end = std::get_if<packageKit::End>(&said)) {
+        } else if (const auto* const failure = std::get_if<packageKit::Fault>(&signal)) {
+            fault = failure->text;
+        } else if (const auto* const end = std::get_if<packageKit::End>(&signal)) {
             signals.reset();
             if (end->isSuccess)
                 (this->*next)();
@@ -146,7 +146,7 @@ private:
 
     void finish(const UpdateAnswer& answer) {
         signals.reset();
-        timeout.reset();
+        deadline.reset();
         if (const auto callback = std::exchange(done, nullptr))
             callback(answer); // may end this object
     }
@@ -157,17 +157,17 @@ private:
     Next next = nullptr;
     std::optional<std::string> version; ///< found by the present transaction
     std::string fault;
-    Timer timeout;
-    Lifetime lifetime; // last: answers that come later do nothing
+    Timer deadline;
+    Lifetime lifetime; // last: later answers do nothing
 };
 
-PackageKitUpdates::PackageKitUpdates(MainLoop& loop_, OpenBus openBus_, Seconds limit_)
-    : loop(loop_), openBus(std::move(openBus_)), limit(limit_) {}
+PackageKitUpdates::PackageKitUpdates(MainLoop& loop_, OpenBus openBus_, Seconds timeout_)
+    : loop(loop_), openBus(std::move(openBus_)), timeout(timeout_) {}
 
 PackageKitUpdates::PackageKitUpdates(MainLoop& loop_) : PackageKitUpdates(loop_, openSystemBus) {}
 
 Subscription PackageKitUpdates::checkForUpdates(std::function<void(const UpdateAnswer&)> done) {
-    const auto check = std::make_shared<Check>(loop, limit, std::move(done));
+    const auto check = std::make_shared<Check>(loop, timeout, std::move(done));
     check->start(openBus);
     return Subscription([held = check]() mutable { held.reset(); });
 }

@@ -1,4 +1,4 @@
-// Asks the computer's own package service whether it knows of a newer version (PackageKit 1.x,
+// Asks the computer's package service whether it knows of a newer version (PackageKit 1.x,
 // interfaces org.freedesktop.PackageKit and org.freedesktop.PackageKit.Transaction).
 #pragma once
 
@@ -10,18 +10,19 @@
 
 namespace quorva {
 
-/// Asks what the service knows already, and never has it ask the network. Main thread only.
+/// Asks for what the service knows already: it never makes the service use the network. Main thread
+/// only.
 class PackageKitUpdates final : public UpdateService {
 public:
-    /// Hands over a connection, or null, once and on the main loop.
-    using TakeBus = std::function<void(GObjectPtr<GDBusConnection>&)>;
-    using OpenBus = std::function<void(TakeBus)>;
+    /// Gets the connection, null after a failure; called once, on the main loop.
+    using BusOpened = std::function<void(GObjectPtr<GDBusConnection>&)>;
+    using OpenBus = std::function<void(BusOpened)>;
 
-    /// The system bus is opened with `openBus` each time somebody asks. The service gets `limit` in
-    /// all. `loop` must outlive this object and its subscriptions.
-    PackageKitUpdates(MainLoop& loop, OpenBus openBus, Seconds limit = Seconds(60));
+    /// Each check opens the system bus with `openBus`, and fails when it has taken longer than
+    /// `timeout` in all. `loop` must outlive this object and its subscriptions.
+    PackageKitUpdates(MainLoop& loop, OpenBus openBus, Seconds timeout = Seconds(60));
 
-    /// Over the system bus of this computer.
+    /// Opens the system bus of this computer.
     explicit PackageKitUpdates(MainLoop& loop);
 
     [[nodiscard]] Subscription
@@ -32,7 +33,7 @@ private:
 
     MainLoop& loop;
     const OpenBus openBus;
-    const Seconds limit;
+    const Seconds timeout;
 };
 
 } // namespace quorva

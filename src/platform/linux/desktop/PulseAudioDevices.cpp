@@ -23,18 +23,18 @@ struct EndContext {
 };
 using ContextPtr = std::unique_ptr<pa_context, EndContext>;
 
-constexpr int mostWorkers = 4; ///< more of them means that they hang
+constexpr int maxWorkers = 4; ///< as many as this at once means that they hang
 
 /// One conversation with the server, on a worker thread.
 class Listing {
 public:
-    Listing(GCancellable* cancellable_, Seconds limit)
+    Listing(GCancellable* cancellable_, Seconds timeout)
         : cancellable(cancellable_),
-          deadline(Clock::now() + std::chrono::duration_cast<Clock::duration>(limit)) {}
+          deadline(Clock::now() + std::chrono::duration_cast<Clock::duration>(timeout)) {}
 
     std::optional<Devices> run() {
-        if (!connect() || !finish(pa_context_get_sink_info_list(context.get(), takeSink, this)) ||
-            !finish(pa_context_get_source_info_list(context.get(), takeSource, this)))
+        if (!connect() || !finish(pa_context_get_sink_info_list(context.get(), addSink, this)) ||
+            !finish(pa_context_get_source_info_list(context.get(), addSource, this)))
             return std::nullopt;
         return std::move(devices);
     }
@@ -58,7 +58,7 @@ private:
                pa_operation_get_state(operation.get()) == PA_OPERATION_DONE;
     }
 
-    /// Waits for the server a little. False when the time is over.
+    /// Runs the loop once, for up to 100 ms. False after a failure, or when there is no time left.
     bool turn() {
         constexpr int microseconds = 100'000;
         if (Clock::now() > deadline || g_cancellable_is_cancelled(cancellable) != FALSE)
@@ -67,16 +67,16 @@ private:
                pa_mainloop_poll(loop.get()) >= 0 && pa_mainloop_dispatch(loop.get()) >= 0;
     }
 
-    static void takeSink(pa_context*, const pa_sink_info* sink, int end, void* self) {
-        static_cast<Listing*>(self)->take(sink, end, false);
+    static void addSink(pa_context*, const pa_sink_info* sink, int end, void* self) {
+        static_cast<Listing*>(self)->add(sink, end, false);
     }
-    static void takeSource(pa_context*, const pa_source_info* source, int end, void* self) {
+    static void addSource(pa_context*, const pa_source_info* source, int end, void* self) {
         const bool isMonitor = source != nullptr && source->monitor_of_sink != PA_INVALID_INDEX;
-        static_cast<Listing*>(self)->take(source, end, !isMonitor);
+        static_cast<Listing*>(self)->add(source, end, !isMonitor);
     }
 
     template <typename Info>
-    void take(const Info* info, int end, bool isMicrophone) {
+    void add(const Info* info, int end, bool isMicrophone) {
         hasFailed |= end < 0;
         if (end != 0 || info == nullptr)
             return;
@@ -96,11 +96,11 @@ private:
 
 } // namespace
 
-PulseAudioDevices::PulseAudioDevices(MainLoop& loop_, Seconds limit_)
-    : loop(loop_), limit(limit_) {}
+PulseAudioDevices::PulseAudioDevices(MainLoop& loop_, Seconds timeout_)
+    : loop(loop_), timeout(timeout_) {}
 
 Subscription PulseAudioDevices::fetchDevices(std::function<void(std::optional<Devices>)> done) {
-    if (*workers >= mostWorkers) {
+    if (*workers >= maxWorkers) {
         done(std::nullopt);
         return Subscription();
     }
@@ -108,24 +108,24 @@ Subscription PulseAudioDevices::fetchDevices(std::function<void(std::optional<De
     const Cancellable cancellable(g_cancellable_new(), g_object_unref);
     const auto waiting =
         std::make_shared<std::function<void(std::optional<Devices>)>>(std::move(done));
-    const auto patience = std::make_shared<Timer>(
-        loop.after(limit, [cancellable] { g_cancellable_cancel(cancellable.get()); }));
+    const auto deadline = std::make_shared<Timer>(
+        loop.after(timeout, [cancellable] { g_cancellable_cancel(cancellable.get()); }));
     ++*workers;
     runBlocking<std::optional<Devices>>(
         cancellable.get(),
-        [limit = limit, workers = workers](GCancellable* cancellation) {
-            auto devices = Listing(cancellation, limit).run();
+        [timeout = timeout, workers = workers](GCancellable* cancellation) {
+            auto devices = Listing(cancellation, timeout).run();
             --*workers;
             return devices;
         },
-        [waiting, patience](std::optional<std::optional<Devices>> devices) {
-            patience->reset();
+        [waiting, deadline](std::optional<std::optional<Devices>> devices) {
+            deadline->reset();
             if (const auto callback = std::exchange(*waiting, nullptr))
                 callback(std::move(devices).value_or(std::nullopt));
         });
-    return Subscription([waiting, patience, cancellable] {
+    return Subscription([waiting, deadline, cancellable] {
         *waiting = nullptr;
-        patience->reset();
+        deadline->reset();
         g_cancellable_cancel(cancellable.get());
     });
 }

@@ -1,5 +1,5 @@
-// Calls that wait for another process, taken off the main thread: each runs on a thread of GLib's
-// pool and comes back as a value.
+// One-off blocking calls, moved off the main thread to GLib's thread pool. Unlike the tasks of a
+// SerialQueue they run side by side, so that one that hangs holds up no other.
 #pragma once
 
 #include "platform/linux/glib/AsyncCall.h"
@@ -13,9 +13,9 @@
 namespace quorva {
 
 /// Runs `work` on a worker thread and calls `done` with its result on the main loop, once, never
-/// within this call. When `cancellable` is cancelled first, `done` is called with nothing at once,
-/// although `work` may still be waiting; what it returns then is dropped. Neither may throw.
-/// Main thread only.
+/// within this call. When `cancellable` is cancelled first, `done` is called with nothing at once
+/// although `work` may still be running; its result is then dropped. `work` must own all that it
+/// touches. Neither may throw. Main thread only.
 template <typename Result>
 void runBlocking(GCancellable* cancellable, std::function<Result(GCancellable*)> work,
                  std::function<void(std::optional<Result>)> done) {

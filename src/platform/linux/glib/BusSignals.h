@@ -1,4 +1,4 @@
-// Signals of a D-Bus connection as subscriptions.
+// Subscriptions to the signals of a D-Bus connection.
 #pragma once
 
 #include "base/Subscription.h"

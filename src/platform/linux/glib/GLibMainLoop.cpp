@@ -1,5 +1,7 @@
 #include "platform/linux/glib/GLibMainLoop.h"
 
+#include "platform/linux/glib/MainContext.h"
+
 #include <glib-unix.h>
 
 #include <algorithm>
@@ -13,11 +15,6 @@ void freeTask(gpointer task) {
     delete static_cast<Task*>(task);
 }
 
-gboolean runOnce(gpointer task) {
-    (*static_cast<Task*>(task))();
-    return G_SOURCE_REMOVE;
-}
-
 gboolean runAgain(gpointer task) {
     const Task present = *static_cast<Task*>(task); // may drop its own timer
     present();
@@ -25,10 +22,11 @@ gboolean runAgain(gpointer task) {
 }
 
 gboolean runOnceForFd(gint, GIOCondition, gpointer task) {
-    return runOnce(task);
+    (*static_cast<Task*>(task))();
+    return G_SOURCE_REMOVE;
 }
 
-/// Attaches `source`, whose callback gets `task`, to the main context.
+/// Adds `source` to the main context. `callback` gets `task` as its data.
 GSourcePtr attach(GSource* source, GSourceFunc callback, Task task) {
     g_source_set_priority(source, G_PRIORITY_DEFAULT);
     g_source_set_callback(source, callback, new Task(std::move(task)), freeTask);
@@ -54,15 +52,11 @@ Time GLibMainLoop::now() const {
 }
 
 void GLibMainLoop::post(Task task) {
-    auto* const source = g_idle_source_new();
-    g_source_set_priority(source, G_PRIORITY_DEFAULT);
-    g_source_set_callback(source, runOnce, new Task(std::move(task)), freeTask);
-    g_source_attach(source, nullptr);
-    g_source_unref(source);
+    postToMain(std::move(task));
 }
 
 Timer GLibMainLoop::after(Seconds delay, Task task) {
-    return owning(attach(g_timeout_source_new(milliseconds(delay)), runOnce, std::move(task)));
+    return owning(contextTimer(milliseconds(delay), std::move(task)));
 }
 
 Timer GLibMainLoop::every(Seconds period, Task task) {

@@ -6,7 +6,7 @@
 
 namespace quorva {
 
-/// To be made on the main thread, which then runs it. Delays are kept to the millisecond.
+/// Create it on the main thread, which then runs it. Delays are rounded up to milliseconds.
 class GLibMainLoop final : public MainLoop {
 public:
     GLibMainLoop();
@@ -19,15 +19,16 @@ public:
     /// Runs tasks, timers and whatever else the context holds until `quit`. Main thread only.
     void run();
 
-    /// Lets `run` return. Callable from any thread.
+    /// Makes `run` return. Callable from any thread.
     void quit();
 
-    /// Calls `callback` on the main loop each time the process is sent `signal` (SIGHUP, SIGINT,
-    /// SIGTERM, SIGUSR1, SIGUSR2 or SIGWINCH), which then no longer ends it. Main thread only.
+    /// Calls `callback` on the main loop each time the process receives `signal` (SIGHUP, SIGINT,
+    /// SIGTERM, SIGUSR1, SIGUSR2 or SIGWINCH). The signal no longer ends the process. Main thread
+    /// only.
     [[nodiscard]] static Subscription onSignal(int signal, Task callback);
 
-    /// Calls `callback` once, on the main loop, when `fd` can be read. Takes the descriptor over.
-    /// Main thread only.
+    /// Calls `callback` once, on the main loop, when `fd` can be read. The subscription owns the
+    /// descriptor. Main thread only.
     [[nodiscard]] static Subscription onReadable(FileDescriptor fd, Task callback);
 
 private:

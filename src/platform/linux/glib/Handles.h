@@ -1,4 +1,4 @@
-// Ownership of what C libraries and the kernel hand out: each handle is released once, by its type.
+// Owning types for the handles of C libraries and the kernel: each releases its handle once.
 #pragma once
 
 #include <gio/gio.h>
@@ -10,7 +10,7 @@
 
 namespace quorva {
 
-/// An open file descriptor, closed on destruction; -1 is none.
+/// An open file descriptor, or none (-1). Closed on destruction.
 class FileDescriptor {
 public:
     FileDescriptor() = default;
@@ -28,7 +28,7 @@ public:
     [[nodiscard]] int get() const { return value; }
     explicit operator bool() const { return value >= 0; }
 
-    /// Closes it and returns what close(2) did; 0 for none.
+    /// Closes it and returns the result of close(2), or 0 when there is none.
     int reset() {
         const int fd = std::exchange(value, -1);
         return fd >= 0 ? ::close(fd) : 0;
@@ -63,7 +63,7 @@ struct DestroySource {
     }
 };
 
-/// A GSource that is part of a main context; destroyed with its owner.
+/// A GSource that is attached to a main context. Destroyed with its owner.
 using GSourcePtr = std::unique_ptr<GSource, DestroySource>;
 using GMainContextPtr = std::unique_ptr<GMainContext, Release<g_main_context_unref>>;
 

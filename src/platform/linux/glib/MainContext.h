@@ -1,5 +1,5 @@
-// Work handed to the thread that runs a GLib main context, from any thread. For workers that may
-// outlive the MainLoop object: a context lives as long as somebody holds it.
+// Tasks for the thread that runs a GLib main context. Unlike MainLoop, a context may be used by
+// workers that outlive the program's objects: it lives as long as anybody holds a reference.
 #pragma once
 
 #include "base/Subscription.h"
@@ -11,7 +11,7 @@
 
 namespace quorva {
 
-/// Runs `task` once in `context` (null: the main one), never within this call. Callable from any
+/// Runs `task` once in `context` (null: the default one), never within this call. Callable from any
 /// thread.
 inline void postTo(GMainContext* context, int priority, Task task) {
     auto* const source = g_idle_source_new();
@@ -27,7 +27,7 @@ inline void postTo(GMainContext* context, int priority, Task task) {
     g_source_unref(source);
 }
 
-/// Runs `task` once in the thread-default main context, after so many milliseconds, unless the
+/// Runs `task` once in the thread-default main context, when `milliseconds` have passed, unless the
 /// source is dropped before.
 [[nodiscard]] inline GSourcePtr contextTimer(guint milliseconds, Task task) {
     GSourcePtr source(g_timeout_source_new(milliseconds));
@@ -42,7 +42,7 @@ inline void postTo(GMainContext* context, int priority, Task task) {
     return source;
 }
 
-/// As MainLoop::post.
+/// As MainLoop::post, without a MainLoop.
 inline void postToMain(Task task) {
     postTo(nullptr, G_PRIORITY_DEFAULT, std::move(task));
 }

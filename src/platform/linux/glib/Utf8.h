@@ -1,4 +1,4 @@
-// The edge where bytes from outside become text.
+// Where bytes from outside become text.
 #pragma once
 
 #include "platform/linux/glib/Handles.h"
@@ -8,8 +8,8 @@
 
 namespace quorva {
 
-/// The bytes as valid UTF-8, with replacement characters in place of what is not, zero bytes
-/// included. A pure function, callable from any thread.
+/// The bytes as valid UTF-8: invalid ones, zero bytes included, become replacement characters. Pure
+/// function, callable from any thread.
 [[nodiscard]] inline std::string validUtf8(std::string_view bytes) {
     if (g_utf8_validate_len(bytes.data(), bytes.size(), nullptr) != FALSE)
         return std::string(bytes);

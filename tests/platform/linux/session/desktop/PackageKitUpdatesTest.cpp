@@ -83,15 +83,15 @@ private:
 
 class PackageKitUpdatesTest : public testing::Test, protected TurningMainLoop {
 protected:
-    UpdateAnswer check(Seconds limit = Seconds(20)) {
+    UpdateAnswer check(Seconds timeout = Seconds(20)) {
         PackageKitUpdates updates(
             loop,
-            [this](const PackageKitUpdates::TakeBus& take) {
+            [this](const PackageKitUpdates::BusOpened& done) {
                 ++openings;
                 auto bus = joinSessionBus();
-                take(bus);
+                done(bus);
             },
-            limit);
+            timeout);
         std::optional<UpdateAnswer> answer;
         const auto subscription =
             updates.checkForUpdates([&](const UpdateAnswer& given) { answer = given; });
@@ -125,9 +125,9 @@ TEST_F(PackageKitUpdatesTest, saysWhyNothingIsKnown) {
     service.isHanging = true;
     EXPECT_THAT(check(Seconds(0.2)).reason, HasSubstr("did not answer in time"));
 
-    PackageKitUpdates updates(loop, [](const PackageKitUpdates::TakeBus& take) {
+    PackageKitUpdates updates(loop, [](const PackageKitUpdates::BusOpened& done) {
         GObjectPtr<GDBusConnection> none;
-        take(none);
+        done(none);
     });
     UpdateAnswer answer;
     const auto subscription =
