@@ -14,8 +14,7 @@ constexpr std::chrono::milliseconds startTimeout{2000};
 
 } // namespace
 
-AtspiAccessibilityTree::AtspiAccessibilityTree()
-    : context(g_main_context_new()), loop(g_main_loop_new(context.get(), FALSE)) {
+AtspiAccessibilityTree::AtspiAccessibilityTree() {
     const auto first = std::make_shared<std::promise<bool>>();
     auto firstTrust = first->get_future();
     const auto onTrust = lifetime.guard([this](bool isTrusted) { handleTrust(isTrusted); });
@@ -34,22 +33,13 @@ AtspiAccessibilityTree::AtspiAccessibilityTree()
                                      onAnswer(process, answer);
                                  });
                              }});
-    thread = std::thread([this] {
-        g_main_context_push_thread_default(context.get());
-        worker->start();
-        g_main_loop_run(loop.get());
-        worker.reset();
-        while (g_main_context_iteration(context.get(), FALSE) != FALSE) {
-        }
-        g_main_context_pop_thread_default(context.get());
-    });
+    thread.post([this] { worker->start(); });
     if (firstTrust.wait_for(startTimeout) == std::future_status::ready)
         trusted = firstTrust.get();
 }
 
 AtspiAccessibilityTree::~AtspiAccessibilityTree() {
-    postTo(context.get(), G_PRIORITY_HIGH, [this] { g_main_loop_quit(loop.get()); });
-    thread.join();
+    thread.post([this] { worker.reset(); });
 }
 
 bool AtspiAccessibilityTree::isTrusted() const {
@@ -66,7 +56,7 @@ void AtspiAccessibilityTree::requestTrust(std::function<void(bool)> done) {
             handleTrust(true);
         done(trusted);
     });
-    postTo(context.get(), G_PRIORITY_DEFAULT, [this, answer] {
+    thread.post([this, answer] {
         if (worker)
             worker->switchOn([answer](bool isSwitchedOn) {
                 postToMain([answer, isSwitchedOn] { answer(isSwitchedOn); });
@@ -99,7 +89,7 @@ void AtspiAccessibilityTree::request(std::vector<ReadingRequest> requests) {
     }
     answers = std::move(kept);
     enabling.clear();
-    postTo(context.get(), G_PRIORITY_DEFAULT, [this, all = std::move(all)] {
+    thread.post([this, all = std::move(all)] {
         if (worker)
             worker->request(all);
     });

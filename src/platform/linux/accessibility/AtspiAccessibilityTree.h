@@ -5,12 +5,11 @@
 #include "base/Lifetime.h"
 #include "platform/AccessibilityTree.h"
 #include "platform/linux/accessibility/AtspiWorker.h"
-#include "platform/linux/glib/Handles.h"
+#include "platform/linux/glib/ContextThread.h"
 
 #include <map>
 #include <memory>
 #include <set>
-#include <thread>
 
 namespace quorva {
 
@@ -44,11 +43,9 @@ private:
     CallbackList<> trustCallbacks;
     CallbackList<> readCallbacks;
 
-    GMainContextPtr context;
-    GMainLoopPtr loop;
-    std::unique_ptr<AtspiWorker> worker; ///< used on its thread only
-    std::thread thread;
-    Lifetime lifetime;
+    std::unique_ptr<AtspiWorker> worker; ///< used on the thread only
+    ContextThread thread;                ///< ends before the worker's pointer, which its tasks use
+    Lifetime lifetime;                   // last: goes first
 };
 
 } // namespace quorva
