@@ -1,24 +1,35 @@
 #include "platform/linux/processes/ApplicationScopes.h"
 
+#include "platform/linux/glib/ReadFile.h"
+
 #include <fmt/format.h>
 
-#include <array>
-#include <fstream>
+#include <algorithm>
+#include <charconv>
 #include <memory>
 
 namespace quorva {
 namespace {
 
 constexpr int deepest = 8;
+constexpr std::size_t mostBytes = std::size_t{32} * 1024 * 1024; // of as many processes as can be
 
 using ScopePtr = std::shared_ptr<const ApplicationScopes::Scope>;
 
 void readMembers(const std::filesystem::path& group, const ScopePtr& scope,
                  ApplicationScopes::Members& members) {
-    std::ifstream file(group / "cgroup.procs");
+    std::error_code ignored; // the group is gone, or its members belong to a threaded group
+    const auto list = readWholeFile(group / "cgroup.procs", mostBytes, ignored);
+    if (!list)
+        return;
+    const char* at = list->data();
+    const char* const end = at + list->size();
     ProcessIdentifier process = 0;
-    while (file >> process)
+    for (auto read = std::from_chars(at, end, process); read.ec == std::errc{};
+         read = std::from_chars(at, end, process)) {
         members.insert_or_assign(process, scope);
+        at = std::min(end, read.ptr + 1);
+    }
 }
 
 /// `scope` is the application that the groups above belong to; null when there is none.

@@ -2,6 +2,7 @@
 
 #include "base/Text.h"
 #include "platform/linux/glib/Handles.h"
+#include "platform/linux/glib/ReadFile.h"
 #include "platform/linux/glib/Utf8.h"
 #include "platform/linux/processes/ProcFormats.h"
 
@@ -10,7 +11,6 @@
 #include <algorithm>
 #include <array>
 #include <cstdlib>
-#include <fcntl.h>
 #include <sys/stat.h>
 
 namespace quorva {
@@ -101,27 +101,12 @@ std::vector<std::filesystem::path> splitPath(std::string_view text) {
     return paths;
 }
 
-struct FileRead {
-    std::string bytes;
-    std::string failure; ///< why there are none; empty on success
-};
-
-/// Reads a regular file of at most `largestEntry` bytes; never waits for a pipe or a device.
-FileRead readRegularFile(const std::filesystem::path& path) {
-    const FileDescriptor fd(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
-    struct stat status {};
-    if (!fd || ::fstat(fd.get(), &status) != 0)
-        return {.failure = std::error_code(errno, std::system_category()).message()};
-    if (!S_ISREG(status.st_mode))
-        return {.failure = "not a regular file"};
-    if (static_cast<std::size_t>(status.st_size) > largestEntry)
-        return {.failure = "larger than 1 MiB"};
-    std::string bytes(static_cast<std::size_t>(status.st_size), '\0');
-    const auto count = ::read(fd.get(), bytes.data(), bytes.size());
-    if (count < 0)
-        return {.failure = std::error_code(errno, std::system_category()).message()};
-    bytes.resize(static_cast<std::size_t>(count));
-    return {.bytes = std::move(bytes)};
+std::string reasonOf(const std::error_code& error) {
+    if (error == std::errc::file_too_large)
+        return "larger than 1 MiB";
+    if (error == std::errc::invalid_argument)
+        return "not a regular file";
+    return error.message();
 }
 
 } // namespace
@@ -282,10 +267,11 @@ void DesktopEntries::readFolder(const std::filesystem::path& folder, const std::
 void DesktopEntries::readEntry(const std::filesystem::path& file, const std::string& id) {
     if (entries.contains(id))
         return; // an earlier folder's entry wins
-    const auto read = readRegularFile(file);
-    if (!read.failure.empty())
-        return complainOnce(file, read.failure);
-    auto entry = parseDesktopEntry(id, read.bytes);
+    std::error_code error;
+    const auto bytes = readWholeFile(file, largestEntry, error);
+    if (!bytes)
+        return complainOnce(file, reasonOf(error));
+    auto entry = parseDesktopEntry(id, *bytes);
     if (!entry)
         return complainOnce(file, "not a desktop entry");
     entries.emplace(id, std::move(*entry));

@@ -1,6 +1,7 @@
 #include "platform/linux/processes/LinuxProcessTable.h"
 
 #include "platform/linux/glib/GLibMainLoop.h"
+#include "platform/linux/glib/ReadFile.h"
 
 #include <fmt/compile.h>
 
@@ -101,23 +102,8 @@ std::optional<std::string> LinuxProcessTable::read(ProcessIdentifier process,
                                      O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
     if (!fd)
         return std::nullopt;
-    constexpr std::size_t most = std::size_t{64} * 1024;
-    std::string bytes(4096, '\0');
-    std::size_t length = 0;
-    while (true) {
-        const auto count = ::read(fd.get(), bytes.data() + length, bytes.size() - length);
-        if (count < 0 && errno == EINTR)
-            continue;
-        if (count < 0)
-            return std::nullopt;
-        length += static_cast<std::size_t>(count);
-        if (count == 0 || length == most)
-            break;
-        if (length == bytes.size())
-            bytes.resize(std::min(most, bytes.size() * 4));
-    }
-    bytes.resize(length);
-    return bytes;
+    std::error_code ignored;
+    return readUpTo(fd, std::size_t{64} * 1024, ignored);
 }
 
 LinuxProcessTable::Process* LinuxProcessTable::findMutable(ProcessIdentifier process) {

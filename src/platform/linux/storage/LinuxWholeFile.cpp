@@ -1,6 +1,7 @@
 #include "platform/linux/storage/LinuxWholeFile.h"
 
 #include "platform/linux/glib/Handles.h"
+#include "platform/linux/glib/ReadFile.h"
 #include "platform/linux/storage/LinuxFileSystem.h"
 
 #include <fmt/format.h>
@@ -17,7 +18,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::int64_t maxBytes = std::int64_t{16} * 1024 * 1024;
+constexpr std::size_t maxBytes = std::size_t{16} * 1024 * 1024;
 
 std::error_code lastError() {
     return {errno, std::system_category()};
@@ -97,33 +98,13 @@ std::optional<FileStamp> LinuxWholeFile::stamp(std::error_code& error) const {
 }
 
 std::optional<WholeFile::Content> LinuxWholeFile::read(std::error_code& error) const {
-    error.clear();
-    // Non-blocking, for what might stand there instead of a file: a pipe must not stop us.
-    const FileDescriptor fd(::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
-    if (!fd) {
-        if (errno != ENOENT)
-            error = lastError();
+    const auto before = stamp(error);
+    if (!before)
         return std::nullopt;
-    }
-    struct stat status {};
-    if (::fstat(fd.get(), &status) != 0)
-        error = lastError();
-    else if (!S_ISREG(status.st_mode))
-        error = std::make_error_code(std::errc::invalid_argument);
-    Content content{.stamp = stampOf(status)};
-    while (!error) {
-        char buffer[64 * 1024]; // NOLINT(*-member-init): filled by read
-        const auto count = ::read(fd.get(), buffer, sizeof buffer);
-        if (count == 0)
-            return content;
-        if (count > 0)
-            content.bytes.append(buffer, static_cast<std::size_t>(count));
-        else if (errno != EINTR)
-            error = lastError();
-        if (content.bytes.size() > maxBytes)
-            error = std::make_error_code(std::errc::file_too_large);
-    }
-    return std::nullopt;
+    auto bytes = readWholeFile(file, maxBytes, error);
+    if (error == std::errc::no_such_file_or_directory) // removed meanwhile
+        error.clear();
+    return bytes ? std::optional(Content{std::move(*bytes), *before}) : std::nullopt;
 }
 
 std::optional<FileStamp> LinuxWholeFile::replace(std::string_view bytes, std::error_code& error) {
