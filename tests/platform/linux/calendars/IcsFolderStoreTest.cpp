@@ -159,7 +159,7 @@ TEST_F(IcsFolderStoreTest, reportsWhatCannotBeRead) {
     writeOld("calendars/broken/b.ics", "<html>");
     std::filesystem::create_symlink("nowhere", home.path / "calendars/broken/c.ics");
     writeOld("calendars/large/d.ics", "");
-    std::filesystem::resize_file(home.path / "calendars/large/d.ics", IcsFolders::maxFileSize + 1);
+    std::filesystem::resize_file(home.path / "calendars/large/d.ics", IcsFile::maxSize + 1);
     std::filesystem::create_directories(home.path / "calendars/odd");
     ASSERT_EQ(::mkfifo((home.path / "calendars/odd/pipe.ics").c_str(), 0600), 0);
     open({home.path / "missing"});
