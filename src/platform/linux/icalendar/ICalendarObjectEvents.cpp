@@ -1,4 +1,4 @@
-#include "platform/linux/icalendar/ICalendarScope.h"
+#include "platform/linux/icalendar/ICalendarObjectEvents.h"
 
 #include "base/Text.h"
 
@@ -13,15 +13,6 @@ constexpr std::array<std::string_view, 14> eventProperties{
     "UID",   "SUMMARY",       "STATUS", "SEQUENCE", "ATTENDEE", "ORGANIZER", "DTSTART",
     "DTEND", "RECURRENCE-ID", "RRULE",  "RDATE",    "EXDATE",   "DURATION",  "EXRULE",
 };
-constexpr std::array<std::string_view, 7> zoneProperties{
-    "TZID", "X-LIC-LOCATION", "DTSTART", "TZOFFSETFROM", "TZOFFSETTO", "RRULE", "RDATE",
-};
-
-template <std::size_t size>
-bool isOneOf(std::string_view name, const std::array<std::string_view, size>& names) {
-    return std::any_of(names.begin(), names.end(),
-                       [&](std::string_view known) { return equalsIgnoringCase(name, known); });
-}
 
 /// What RFC 5545 has attendees answer. No answer, and one that is not known, is none yet.
 ParticipantStatus statusOf(const std::string* answer) {
@@ -52,22 +43,19 @@ WallSeconds wallOf(UtcSeconds moment, CalendarZone& zone) {
 
 } // namespace
 
-ICalendarScope::ICalendarScope(const ICalendarReading& reading_, FileState& file_)
-    : reading(reading_), file(file_), utc(utcZone()) {}
+ICalendarObjectEvents::ICalendarObjectEvents(const ICalendarReading& reading_, FileState& file_,
+                                             ICalendarObjectZones& zones_)
+    : reading(reading_), file(file_), zones(zones_), utc(utcZone()) {}
 
-bool ICalendarScope::isOfEvents(std::string_view name) {
-    return isOneOf(name, eventProperties);
+bool ICalendarObjectEvents::uses(std::string_view property) {
+    return isOneOf(property, eventProperties);
 }
 
-bool ICalendarScope::isOfZones(std::string_view name) {
-    return isOneOf(name, zoneProperties);
-}
-
-void ICalendarScope::setMethod(std::string_view method) {
+void ICalendarObjectEvents::setMethod(std::string_view method) {
     isCancelled = equalsIgnoringCase(method, "CANCEL");
 }
 
-void ICalendarScope::beginEvent() {
+void ICalendarObjectEvents::beginEvent() {
     isEventOpen = file.eventsLeft > 0;
     if (!isEventOpen)
         return;
@@ -76,7 +64,7 @@ void ICalendarScope::beginEvent() {
     drafts.emplace_back();
 }
 
-void ICalendarScope::addToEvent(const ContentLine& line, ICalendarProblems& problems) {
+void ICalendarObjectEvents::add(const ContentLine& line, ICalendarProblems& problems) {
     if (!isEventOpen)
         return;
     auto& draft = drafts.back();
@@ -115,7 +103,8 @@ void ICalendarScope::addToEvent(const ContentLine& line, ICalendarProblems& prob
         draft.exceptions.push_back(line);
 }
 
-void ICalendarScope::addRule(Draft& draft, const ContentLine& line, ICalendarProblems& problems) {
+void ICalendarObjectEvents::addRule(Draft& draft, const ContentLine& line,
+                                    ICalendarProblems& problems) {
     auto& rules = draft.event.rules;
     auto rule = RecurrenceRule::parse(trimmed(line.value));
     if (!rule)
@@ -126,7 +115,7 @@ void ICalendarScope::addRule(Draft& draft, const ContentLine& line, ICalendarPro
         rules.push_back(std::move(*rule));
 }
 
-void ICalendarScope::endEvent(ICalendarProblems& problems) {
+void ICalendarObjectEvents::endEvent(ICalendarProblems& problems) {
     if (!isEventOpen)
         problems.addLoss("too many events");
     else if (drafts.back().organizer)
@@ -134,8 +123,8 @@ void ICalendarScope::endEvent(ICalendarProblems& problems) {
     isEventOpen = false;
 }
 
-void ICalendarScope::addAttendee(Draft& draft, const ContentLine& line,
-                                 ICalendarProblems& problems) {
+void ICalendarObjectEvents::addAttendee(Draft& draft, const ContentLine& line,
+                                        ICalendarProblems& problems) {
     auto attendee = participant(line);
     if (attendee.url.empty() && !attendee.name) {
         problems.addLoss("attendee without an address");
@@ -150,7 +139,7 @@ void ICalendarScope::addAttendee(Draft& draft, const ContentLine& line,
     attendees.push_back(std::move(attendee));
 }
 
-CalendarParticipant ICalendarScope::participant(const ContentLine& line) const {
+CalendarParticipant ICalendarObjectEvents::participant(const ContentLine& line) const {
     CalendarParticipant attendee{.url = line.value, .status = statusOf(line.parameter("PARTSTAT"))};
     if (const auto* const name = line.parameter("CN"); name && !trimmed(*name).empty())
         attendee.name = *name;
@@ -165,7 +154,7 @@ CalendarParticipant ICalendarScope::participant(const ContentLine& line) const {
 }
 
 /// The organizer takes part as well, though servers do not always list them.
-void ICalendarScope::addOrganizer(Draft& draft, ICalendarProblems& problems) {
+void ICalendarObjectEvents::addOrganizer(Draft& draft, ICalendarProblems& problems) {
     const auto address = comparable(participant(*draft.organizer).url);
     const auto& attendees = draft.event.attendees;
     const bool isListed =
@@ -177,9 +166,9 @@ void ICalendarScope::addOrganizer(Draft& draft, ICalendarProblems& problems) {
     addAttendee(draft, *draft.organizer, problems);
 }
 
-std::optional<ICalendarScope::Moment> ICalendarScope::momentOf(const ContentLine& line,
-                                                               std::string_view value,
-                                                               ICalendarProblems& problems) {
+std::optional<ICalendarObjectEvents::Moment>
+ICalendarObjectEvents::momentOf(const ContentLine& line, std::string_view value,
+                                ICalendarProblems& problems) {
     std::string zoneName;
     if (const auto* const name = line.parameter("TZID"))
         zoneName = *name;
@@ -195,11 +184,12 @@ std::optional<ICalendarScope::Moment> ICalendarScope::momentOf(const ContentLine
         return Moment{*wall, utc};
     if (wall->isDate || zoneName.empty())
         return Moment{*wall, reading.floating};
-    return Moment{*wall, zoneOf(zoneName, problems)};
+    return Moment{*wall, zones.find(zoneName, problems)};
 }
 
-ICalendarScope::Moments ICalendarScope::momentsOf(const std::vector<ContentLine>& lines,
-                                                  ICalendarProblems& problems) {
+ICalendarObjectEvents::Moments
+ICalendarObjectEvents::momentsOf(const std::vector<ContentLine>& lines,
+                                 ICalendarProblems& problems) {
     Moments moments;
     for (const auto& line : lines)
         for (const auto value : splitList(line.value)) {
@@ -225,7 +215,7 @@ ICalendarScope::Moments ICalendarScope::momentsOf(const std::vector<ContentLine>
     return moments;
 }
 
-bool ICalendarScope::setTimes(Draft& draft, ICalendarProblems& problems) {
+bool ICalendarObjectEvents::setTimes(Draft& draft, ICalendarProblems& problems) {
     const auto start =
         draft.start ? momentOf(*draft.start, draft.start->value, problems) : std::nullopt;
     if (!start) {
@@ -242,8 +232,8 @@ bool ICalendarScope::setTimes(Draft& draft, ICalendarProblems& problems) {
     return true;
 }
 
-NominalDuration ICalendarScope::durationOf(const Draft& draft, const Moment& start,
-                                           ICalendarProblems& problems) {
+NominalDuration ICalendarObjectEvents::durationOf(const Draft& draft, const Moment& start,
+                                                  ICalendarProblems& problems) {
     const NominalDuration none{.days = start.wall.isDate ? 1 : 0};
     if (!draft.end)
         return draft.duration.value_or(none);
@@ -257,7 +247,7 @@ NominalDuration ICalendarScope::durationOf(const Draft& draft, const Moment& sta
     return {.seconds = end->utc() - start.utc()};
 }
 
-void ICalendarScope::addDates(Draft& draft, ICalendarProblems& problems) {
+void ICalendarObjectEvents::addDates(Draft& draft, ICalendarProblems& problems) {
     auto& event = draft.event;
     datesOfEvent = 0;
     for (const auto& [moment, duration] : momentsOf(draft.dates, problems)) {
@@ -274,7 +264,7 @@ void ICalendarScope::addDates(Draft& draft, ICalendarProblems& problems) {
     event.exceptions.sort();
 }
 
-void ICalendarScope::finish(ICalendar& calendar) {
+void ICalendarObjectEvents::finish(ICalendar& calendar) {
     for (auto& draft : drafts) {
         if (!setTimes(draft, calendar.problems))
             continue;
@@ -290,13 +280,13 @@ void ICalendarScope::finish(ICalendar& calendar) {
 }
 
 /// The place of an event's series in the calendar; the end for a new one.
-std::size_t ICalendarScope::seriesOf(const Draft& draft, const ICalendar& calendar) {
+std::size_t ICalendarObjectEvents::seriesOf(const Draft& draft, const ICalendar& calendar) {
     const auto end = calendar.series.size();
     return draft.uid ? file.seriesOfUid.try_emplace(*draft.uid, end).first->second : end;
 }
 
 /// Of several descriptions of one instance the latest counts.
-void ICalendarScope::addMoved(Draft& draft, std::size_t index, ICalendar& calendar) {
+void ICalendarObjectEvents::addMoved(Draft& draft, std::size_t index, ICalendar& calendar) {
     auto& series = calendar.series[index];
     const auto original =
         momentOf(*draft.recurrenceId, draft.recurrenceId->value, calendar.problems);

@@ -1,7 +1,8 @@
-// One iCalendar object (VCALENDAR) while it is being read: gathers the properties of its events and
-// zones, and makes series of them once all zones are known. One thread at a time.
+// The events of one iCalendar object (VCALENDAR): gathers their properties line by line, and makes
+// series of them when the object's time zones are known.
 #pragma once
 
+#include "platform/linux/icalendar/ICalendarObjectZones.h"
 #include "platform/linux/icalendar/ICalendarReader.h"
 
 #include <map>
@@ -9,44 +10,35 @@
 
 namespace quorva {
 
-/// A zone's definition while it is being read.
-struct ICalendarZoneDraft {
-    std::string name;
-    std::string location; ///< X-LIC-LOCATION
-    std::vector<ZoneObservance> observances;
-    int parts = 0; ///< how many of its start and its offsets the last observance has
-};
-
-class ICalendarScope {
+/// One thread at a time.
+class ICalendarObjectEvents {
 public:
-    /// What the objects of one file share: the limits that are left, and where in the file's
-    /// series the events of a UID and its instances are.
+    /// What the objects of one file share: the limits that are left, and where the events of a UID
+    /// and the moved instances of a series are.
     struct FileState {
         std::size_t eventsLeft = ICalendarLimits::events;
         std::size_t attendeesLeft = ICalendarLimits::attendeesOfFile;
-        std::unordered_map<std::string, std::size_t> seriesOfUid;
+        std::unordered_map<std::string, std::size_t>
+            seriesOfUid; ///< positions in the file's series
         std::map<std::pair<std::size_t, UtcSeconds>, std::size_t> movedOfSeries;
     };
 
-    /// Both must outlive this.
-    ICalendarScope(const ICalendarReading& reading, FileState& file);
+    /// All must outlive this.
+    ICalendarObjectEvents(const ICalendarReading& reading, FileState& file,
+                          ICalendarObjectZones& zones);
 
-    /// Whether a property of this name matters, so that others need not be taken apart.
-    [[nodiscard]] static bool isOfEvents(std::string_view name);
-    [[nodiscard]] static bool isOfZones(std::string_view name);
+    /// Whether a property of this name matters, so that others need not be parsed.
+    [[nodiscard]] static bool uses(std::string_view property);
 
+    /// The object's METHOD (RFC 5546).
     void setMethod(std::string_view method);
 
+    // The lines of a VEVENT, in their order.
     void beginEvent();
-    void addToEvent(const ContentLine& line, ICalendarProblems& problems);
+    void add(const ContentLine& line, ICalendarProblems& problems);
     void endEvent(ICalendarProblems& problems);
 
-    void beginZone();
-    void beginObservance();
-    void addToZone(const ContentLine& line);
-    void endZone();
-
-    /// Adds what was read to `calendar`. Called last.
+    /// Adds the series to `calendar`. Called last, when the zones are complete.
     void finish(ICalendar& calendar);
 
 private:
@@ -76,7 +68,6 @@ private:
     [[nodiscard]] CalendarParticipant participant(const ContentLine& line) const;
     void addOrganizer(Draft& draft, ICalendarProblems& problems);
 
-    [[nodiscard]] CalendarZonePtr zoneOf(const std::string& name, ICalendarProblems& problems);
     [[nodiscard]] std::optional<Moment> momentOf(const ContentLine& line, std::string_view value,
                                                  ICalendarProblems& problems);
     [[nodiscard]] Moments momentsOf(const std::vector<ContentLine>& lines,
@@ -87,16 +78,14 @@ private:
     void addDates(Draft& draft, ICalendarProblems& problems);
     [[nodiscard]] std::size_t seriesOf(const Draft& draft, const ICalendar& calendar);
     void addMoved(Draft& draft, std::size_t index, ICalendar& calendar);
-    void dropIncompleteObservance();
 
     const ICalendarReading& reading;
     FileState& file;
-    bool isCancelled = false;
+    ICalendarObjectZones& zones;
+    bool isCancelled = false; ///< the object cancels its events
     std::vector<Draft> drafts;
     std::size_t datesOfEvent = 0;
     bool isEventOpen = false;
-    std::optional<ICalendarZoneDraft> zone;
-    std::map<std::string, CalendarZonePtr, std::less<>> zones; ///< null: known to be unknown
     const CalendarZonePtr utc;
 };
 

@@ -1,49 +1,68 @@
-// The zones that an iCalendar object defines, and the names of zones in its times.
+#include "platform/linux/icalendar/ICalendarObjectZones.h"
+
 #include "base/Text.h"
-#include "platform/linux/icalendar/ICalendarScope.h"
+#include "platform/linux/icalendar/ICalendarReader.h"
+
+#include <algorithm>
+#include <array>
 
 namespace quorva {
+namespace {
 
-void ICalendarScope::beginZone() {
-    zone.emplace();
+constexpr std::array<std::string_view, 7> zoneProperties{
+    "TZID", "X-LIC-LOCATION", "DTSTART", "TZOFFSETFROM", "TZOFFSETTO", "RRULE", "RDATE",
+};
+
+} // namespace
+
+ICalendarObjectZones::ICalendarObjectZones(CalendarZonePtr floating_)
+    : floating(std::move(floating_)) {}
+
+bool ICalendarObjectZones::uses(std::string_view property) {
+    return isOneOf(property, zoneProperties);
 }
 
-void ICalendarScope::beginObservance() {
-    if (!zone)
+void ICalendarObjectZones::beginZone() {
+    draft.emplace();
+}
+
+void ICalendarObjectZones::beginObservance() {
+    if (!draft)
         return;
     dropIncompleteObservance();
-    if (zone->observances.size() < ICalendarLimits::observances)
-        zone->observances.emplace_back();
-    zone->parts = 0;
+    if (draft->observances.size() < ICalendarLimits::observances)
+        draft->observances.emplace_back();
+    draft->parts = 0;
 }
 
-void ICalendarScope::dropIncompleteObservance() {
+void ICalendarObjectZones::dropIncompleteObservance() {
     constexpr int startAndOffsets = 3;
-    if (!zone->observances.empty() && zone->parts < startAndOffsets)
-        zone->observances.pop_back();
+    if (!draft->observances.empty() && draft->parts < startAndOffsets)
+        draft->observances.pop_back();
 }
 
-void ICalendarScope::addToZone(const ContentLine& line) {
-    if (!zone)
+void ICalendarObjectZones::add(const ContentLine& line) {
+    if (!draft)
         return;
     const auto value = trimmed(line.value);
     if (line.name == "TZID")
-        zone->name = value;
+        draft->name = value;
     else if (line.name == "X-LIC-LOCATION")
-        zone->location = value;
-    if (zone->observances.empty())
+        draft->location = value;
+    if (draft->observances.empty())
         return;
 
-    auto& observance = zone->observances.back();
+    auto& observance = draft->observances.back();
     if (line.name == "DTSTART") {
         if (const auto start = parseWallTime(value)) {
             observance.start = start->seconds;
-            ++zone->parts;
+            ++draft->parts;
         }
     } else if (line.name == "TZOFFSETFROM" || line.name == "TZOFFSETTO") {
         if (const auto offset = parseUtcOffset(value)) {
-            (line.name == "TZOFFSETTO" ? observance.offsetTo : observance.offsetFrom) = *offset;
-            ++zone->parts;
+            auto& side = line.name == "TZOFFSETTO" ? observance.offsetTo : observance.offsetFrom;
+            side = *offset;
+            ++draft->parts;
         }
     } else if (line.name == "RRULE") {
         observance.rule = RecurrenceRule::parse(value);
@@ -55,34 +74,34 @@ void ICalendarScope::addToZone(const ContentLine& line) {
     }
 }
 
-/// A definition that is of no use leaves the zone to its name.
-void ICalendarScope::endZone() {
-    if (!zone)
+/// Where a definition is unusable, the system's zone of that name is used.
+void ICalendarObjectZones::endZone() {
+    if (!draft)
         return;
     dropIncompleteObservance();
-    if (zones.size() < ICalendarLimits::zones && !zone->name.empty()) {
-        auto defined = zoneOfObservances(std::move(zone->observances));
+    if (zones.size() < ICalendarLimits::zones && !draft->name.empty()) {
+        auto defined = zoneOfObservances(std::move(draft->observances));
         if (!defined)
-            defined = zoneOfName(zone->name);
+            defined = zoneOfName(draft->name);
         if (!defined)
-            defined = zoneOfName(zone->location);
-        zones.try_emplace(zone->name, std::move(defined));
+            defined = zoneOfName(draft->location);
+        zones.try_emplace(draft->name, std::move(defined));
     }
-    zone.reset();
+    draft.reset();
 }
 
-CalendarZonePtr ICalendarScope::zoneOf(const std::string& name, ICalendarProblems& problems) {
+CalendarZonePtr ICalendarObjectZones::find(const std::string& name, ICalendarProblems& problems) {
     auto found = zones.find(name);
     if (found == zones.end()) {
         auto named = zoneOfName(name);
         if (zones.size() >= 2 * ICalendarLimits::zones)
-            return named ? named : reading.floating;
+            return named ? named : floating;
         found = zones.emplace(name, std::move(named)).first;
     }
     if (found->second)
         return found->second;
     problems.addDoubt("unknown time zone, read as the user's own");
-    return reading.floating;
+    return floating;
 }
 
 } // namespace quorva

@@ -1,15 +1,16 @@
 #include "platform/linux/icalendar/ICalendarReader.h"
 
 #include "base/Text.h"
-#include "platform/linux/icalendar/ICalendarScope.h"
+#include "platform/linux/icalendar/ICalendarObjectEvents.h"
+#include "platform/linux/icalendar/ICalendarObjectZones.h"
 
 #include <algorithm>
 
 namespace quorva {
 namespace {
 
-/// Follows the components of a file line by line, and hands what belongs to an event or to a zone
-/// to the calendar object it stands in.
+/// Follows the components of a file line by line, and passes the properties of events and zones to
+/// the iCalendar object that they stand in.
 class FileReader {
 public:
     explicit FileReader(const ICalendarReading& reading_) : reading(reading_) {}
@@ -17,13 +18,13 @@ public:
     ICalendar read(std::string_view bytes) {
         ContentLines lines(bytes);
         while (const auto line = lines.next())
-            take(*line, lines.wasCut());
+            handle(*line, lines.wasCut());
         if (!open.empty() || skippedDepth > 0) {
             calendar.isCutShort = true;
             calendar.problems.addLoss("file ends within a component");
         }
         closeTo(0);
-        closeScope();
+        closeObject();
         if (!hasComponents) {
             calendar.isCutShort = true;
             calendar.problems.addLoss("not an iCalendar file");
@@ -34,7 +35,15 @@ public:
     }
 
 private:
-    void take(std::string_view line, bool wasCut) {
+    struct Object {
+        Object(const ICalendarReading& reading, ICalendarObjectEvents::FileState& file)
+            : zones(reading.floating), events(reading, file, zones) {}
+
+        ICalendarObjectZones zones;
+        ICalendarObjectEvents events;
+    };
+
+    void handle(std::string_view line, bool wasCut) {
         const auto name = trimmed(nameOfLine(line));
         const auto value = trimmed(line.substr(std::min(nameOfLine(line).size() + 1, line.size())));
         if (equalsIgnoringCase(name, "BEGIN"))
@@ -42,7 +51,7 @@ private:
         else if (equalsIgnoringCase(name, "END"))
             end(upperCased(value.substr(0, 100)));
         else if (skippedDepth == 0 && !open.empty())
-            takeProperty(line, name, value, wasCut);
+            handleProperty(line, name, value, wasCut);
     }
 
     void begin(const std::string& component) {
@@ -57,13 +66,13 @@ private:
         }
         open.push_back(component);
         if (component == "VCALENDAR")
-            closeScope();
+            closeObject();
         else if (component == "VEVENT")
-            scope().beginEvent();
+            object().events.beginEvent();
         else if (component == "VTIMEZONE")
-            scope().beginZone();
+            object().zones.beginZone();
         else if (component == "STANDARD" || component == "DAYLIGHT")
-            scope().beginObservance();
+            object().zones.beginObservance();
     }
 
     void closeUnended(const std::string& component) {
@@ -95,23 +104,23 @@ private:
     void closeTo(std::size_t depth) {
         for (; open.size() > depth; open.pop_back()) {
             if (open.back() == "VEVENT")
-                scope().endEvent(calendar.problems);
+                object().events.endEvent(calendar.problems);
             else if (open.back() == "VTIMEZONE")
-                scope().endZone();
+                object().zones.endZone();
             else if (open.back() == "VCALENDAR")
-                closeScope();
+                closeObject();
         }
     }
 
-    void takeProperty(std::string_view line, std::string_view name, std::string_view value,
-                      bool wasCut) {
+    void handleProperty(std::string_view line, std::string_view name, std::string_view value,
+                        bool wasCut) {
         const auto& component = open.back();
         if (component == "VCALENDAR" && equalsIgnoringCase(name, "METHOD"))
-            scope().setMethod(value);
-        const bool isEvents = component == "VEVENT" && ICalendarScope::isOfEvents(name);
+            object().events.setMethod(value);
+        const bool isEvents = component == "VEVENT" && ICalendarObjectEvents::uses(name);
         const bool isZones =
             (component == "VTIMEZONE" || component == "STANDARD" || component == "DAYLIGHT") &&
-            ICalendarScope::isOfZones(name);
+            ICalendarObjectZones::uses(name);
         if (!isEvents && !isZones)
             return;
         if (wasCut)
@@ -120,20 +129,21 @@ private:
         if (!parsed)
             calendar.problems.addLoss("property without a value");
         else if (isEvents)
-            scope().addToEvent(*parsed, calendar.problems);
+            object().events.add(*parsed, calendar.problems);
         else
-            scope().addToZone(*parsed);
+            object().zones.add(*parsed);
     }
 
-    ICalendarScope& scope() {
+    /// Events and zones outside of any VCALENDAR are read as if they stood in one.
+    Object& object() {
         if (!current)
             current.emplace(reading, file);
         return *current;
     }
 
-    void closeScope() {
+    void closeObject() {
         if (current)
-            current->finish(calendar);
+            current->events.finish(calendar);
         current.reset();
     }
 
@@ -141,8 +151,8 @@ private:
     ICalendar calendar;
     std::vector<std::string> open; ///< names of the components around the current line
     std::size_t skippedDepth = 0;  ///< how many more are around it, too deep to be read
-    std::optional<ICalendarScope> current;
-    ICalendarScope::FileState file;
+    std::optional<Object> current;
+    ICalendarObjectEvents::FileState file;
     bool hasComponents = false;
 };
 

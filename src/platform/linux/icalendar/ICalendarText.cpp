@@ -146,6 +146,11 @@ bool equalsIgnoringCase(std::string_view a, std::string_view b) {
                       [](char x, char y) { return upper(x) == upper(y); });
 }
 
+bool isOneOf(std::string_view text, std::span<const std::string_view> names) {
+    return std::any_of(names.begin(), names.end(),
+                       [&](std::string_view name) { return equalsIgnoringCase(text, name); });
+}
+
 std::string upperCased(std::string_view text) {
     std::string capitals(text);
     std::transform(capitals.begin(), capitals.end(), capitals.begin(), upper);

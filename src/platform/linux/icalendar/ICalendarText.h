@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -63,6 +64,9 @@ struct ContentLine {
 
 /// Whether two texts are equal but for the case of ASCII letters.
 [[nodiscard]] bool equalsIgnoringCase(std::string_view a, std::string_view b);
+
+/// Whether `text` is one of `names`, but for the case of ASCII letters.
+[[nodiscard]] bool isOneOf(std::string_view text, std::span<const std::string_view> names);
 
 /// The text in capitals, as far as it is ASCII.
 [[nodiscard]] std::string upperCased(std::string_view text);
