@@ -11,10 +11,10 @@
 #include "platform/linux/processes/LinuxProcessTable.h"
 #include "platform/linux/processes/SystemdUnitSignals.h"
 #include "platform/linux/storage/JournalLog.h"
+#include "platform/linux/storage/JsonPreferences.h"
 #include "platform/linux/storage/LinuxFileSystem.h"
 #include "platform/linux/storage/LinuxWholeFile.h"
 #include "platform/linux/storage/OpenSslSha256.h"
-#include "platform/linux/storage/PreferencesFormat.h"
 #include "scan/Scan.h"
 #include "scan/SelfTestReport.h"
 
@@ -35,37 +35,6 @@ using namespace quorva;
 constexpr int wrongUse = 2;
 constexpr int notLookedAt = 3;
 
-/// Where the calendars in files are, as far as that can be found out.
-struct CalendarFolders {
-    IcsPlaces places;
-    std::vector<UnreadCalendar> lost;
-};
-
-/// The usual place, and the folders that the preferences name. The preferences are only read here:
-/// where they can't be, that is reported, and left for the application to put right.
-CalendarFolders calendarFolders() {
-    CalendarFolders folders{
-        .places = {.root = std::filesystem::path(g_get_user_data_dir()) / "calendars"}};
-    const LinuxWholeFile file(std::filesystem::path(g_get_user_config_dir()) / "quorva" /
-                              "preferences.json");
-    std::error_code error;
-    const auto content = file.read(error);
-    if (!content && !error)
-        return folders;
-    auto fault = error.message();
-    const auto document =
-        content ? PreferencesDocument::parse(content->bytes, fault) : std::nullopt;
-    if (!document) {
-        folders.lost.push_back({"the folders named in the preferences", fault});
-        return folders;
-    }
-    const auto values = document->values();
-    if (const auto named = values.find("calendarFolders"); named != values.end())
-        if (const auto* const list = std::get_if<std::vector<std::string>>(&named->second))
-            folders.places.folders.assign(list->begin(), list->end());
-    return folders;
-}
-
 /// Naming the calendars on the command line is the user's consent to looking at them.
 CalendarConsent consentOf(const ScanOptions& options) {
     CalendarConsent consent;
@@ -76,9 +45,9 @@ CalendarConsent consentOf(const ScanOptions& options) {
 
 /// The services of this computer, as one look or a watch needs them.
 struct LinuxServices {
-    explicit LinuxServices(const ScanOptions& options, CalendarFolders folders = calendarFolders())
-        : calendars(loop, log, std::move(folders.places), consentOf(options),
-                    std::move(folders.lost)) {}
+    explicit LinuxServices(const ScanOptions& options)
+        : calendars(loop, log, findCalendarPlaces(LinuxWholeFile(JsonPreferences::standardPath())),
+                    consentOf(options)) {}
 
     GLibMainLoop loop;
     JournalLog journal;

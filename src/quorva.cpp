@@ -57,14 +57,6 @@ int refuse(const std::string& reason) {
     return cannotStart;
 }
 
-/// The usual place, and the folders that the preferences name.
-IcsPlaces calendarPlaces(const Preferences& preferences) {
-    IcsPlaces places{.root = std::filesystem::path(g_get_user_data_dir()) / "calendars"};
-    if (const auto named = preferences.read<std::vector<std::string>>("calendarFolders").value)
-        places.folders.assign(named->begin(), named->end());
-    return places;
-}
-
 CalendarConsent consentOf(CalendarConsentDialog& dialog) {
     return {.status = [&dialog] { return dialog.status(); },
             .request =
@@ -96,14 +88,14 @@ struct LinuxServices {
 
     GLibMainLoop loop;
     Logs logs{loop};
-    LinuxWholeFile preferencesFile{std::filesystem::path(g_get_user_config_dir()) / "quorva" /
-                                   "preferences.json"};
+    LinuxWholeFile preferencesFile{JsonPreferences::standardPath()};
     JsonPreferences preferences{loop, logs.log, preferencesFile};
     CalendarConsentDialog consent{preferences};
     LinuxProcessTable processTable{loop, logs.log};
     DesktopEntries entries{loop, logs.log, DesktopEntries::standardPlaces()};
     LinuxApplications applications{loop, processTable, entries, ApplicationScopes()};
-    LinuxCalendarStore calendars{loop, logs.log, calendarPlaces(preferences), consentOf(consent)};
+    LinuxCalendarStore calendars{loop, logs.log, findCalendarPlaces(preferencesFile),
+                                 consentOf(consent)};
     AtspiAccessibilityTree accessibility;
     Platform platform{loop,      logs.log,      processTable, applications,
                       calendars, accessibility, openSslSha256};

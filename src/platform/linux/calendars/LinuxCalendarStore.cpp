@@ -14,16 +14,16 @@ struct LinuxCalendarStore::Request {
     Subscription fromFolders;
 };
 
-LinuxCalendarStore::LinuxCalendarStore(MainLoop& loop, Log& log, IcsPlaces places,
-                                       CalendarConsent consent_, std::vector<UnreadCalendar> lost_)
+LinuxCalendarStore::LinuxCalendarStore(MainLoop& loop, Log& log, CalendarPlaces places,
+                                       CalendarConsent consent_)
     : consent(std::move(consent_)),
-      lost(std::move(lost_)),
+      withoutPlace(std::move(places.unread)),
       service(loop, log),
-      folders(loop, std::move(places), {}) {}
+      folders(loop, std::move(places.files), {}) {}
 
 CalendarAuthorization LinuxCalendarStore::authorizationStatus() const {
     const bool isNothingThere = service.service() == EdsCalendarStore::Service::absent &&
-                                folders.sources().empty() && lost.empty();
+                                folders.sources().empty() && withoutPlace.empty();
     return isNothingThere ? CalendarAuthorization::restricted : consent.status();
 }
 
@@ -35,7 +35,7 @@ Subscription LinuxCalendarStore::fetchEvents(Time start, Time end,
                                              std::function<void(CalendarWindow)> done) {
     auto request = std::make_shared<Request>();
     request->done = std::move(done);
-    request->window = {.events = {}, .unread = lost, .calendars = lost.size()};
+    request->window = {.events = {}, .unread = withoutPlace, .calendars = withoutPlace.size()};
     const auto takePart = [weak = std::weak_ptr(request)](CalendarWindow part) {
         take(weak, std::move(part));
     };

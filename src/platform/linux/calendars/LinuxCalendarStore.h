@@ -3,6 +3,7 @@
 #pragma once
 
 #include "platform/CalendarStore.h"
+#include "platform/linux/calendars/CalendarPlaces.h"
 #include "platform/linux/calendars/EdsCalendarStore.h"
 #include "platform/linux/calendars/IcsFolderStore.h"
 
@@ -10,11 +11,9 @@ namespace quorva {
 
 class LinuxCalendarStore final : public CalendarStore {
 public:
-    /// `consent` tells what the user allows, and asks. `lost` are calendars that should be there
-    /// but whose place is not known; they are reported as unread. The loop and the log must outlive
-    /// this.
-    LinuxCalendarStore(MainLoop& loop, Log& log, IcsPlaces places, CalendarConsent consent,
-                       std::vector<UnreadCalendar> lost = {});
+    /// `consent` says what the user allows, and asks. Calendars whose places could not be found out
+    /// are reported as unread with every fetch. The loop and the log must outlive this.
+    LinuxCalendarStore(MainLoop& loop, Log& log, CalendarPlaces places, CalendarConsent consent);
 
     /// Restricted, whatever the user allows, once it is known that there is neither a calendar
     /// service nor a folder.
@@ -38,7 +37,7 @@ private:
     static void take(const std::weak_ptr<Request>& request, CalendarWindow part);
 
     const CalendarConsent consent;
-    const std::vector<UnreadCalendar> lost;
+    const std::vector<UnreadCalendar> withoutPlace;
     EdsCalendarStore service;
     IcsFolderStore folders;
 };

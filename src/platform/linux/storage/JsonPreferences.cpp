@@ -1,6 +1,7 @@
 #include "platform/linux/storage/JsonPreferences.h"
 
 #include <fmt/format.h>
+#include <glib.h>
 
 #include <iterator>
 
@@ -24,6 +25,10 @@ Changes difference(const PreferenceMap& before, const PreferenceMap& after) {
 }
 
 } // namespace
+
+std::filesystem::path JsonPreferences::standardPath() {
+    return std::filesystem::path(g_get_user_config_dir()) / "quorva" / "preferences.json";
+}
 
 JsonPreferences::JsonPreferences(MainLoop& loop_, Log& log_, WholeFile& file_)
     : loop(loop_),

@@ -10,6 +10,7 @@
 #include "platform/WholeFile.h"
 #include "platform/linux/storage/PreferencesFormat.h"
 
+#include <filesystem>
 #include <functional>
 #include <map>
 #include <mutex>
@@ -21,6 +22,9 @@ namespace quorva {
 
 class JsonPreferences final : public Preferences {
 public:
+    /// Where the user's preferences are, below XDG_CONFIG_HOME.
+    [[nodiscard]] static std::filesystem::path standardPath();
+
     /// Reads the file, waiting for the disk this once. A file that cannot be read or parsed is set
     /// aside, the log says so, and there are no preferences; where it cannot be set aside either,
     /// nothing is stored until that has passed. The services must outlive the preferences, and

@@ -86,7 +86,7 @@ protected:
     const std::string fred = "ATTENDEE:mailto:fred@fireflies.ai\r\n";
     const TemporaryFolder home;
     HastyMainLoop hasty{loop};
-    LinuxCalendarStore store{hasty, log, {.root = home.path / "calendars", .folders = {}}, {}};
+    LinuxCalendarStore store{hasty, log, {.files = {.root = home.path / "calendars"}}, {}};
     int changes = 0;
     Subscription counting;
     std::vector<std::string> events;
