@@ -44,7 +44,7 @@ void Permissions::refreshCalendarAccounts() {
     areAccountsKnown = true;
     hasGoogleCalendar = summary.hasGoogle;
     hasExchangeCalendar = summary.hasExchange;
-    calendarAccountNames = std::move(summary.titles);
+    calendarAccounts = std::move(summary.sources);
 }
 
 void Permissions::requestAccessibilityPermission() {

@@ -27,7 +27,7 @@ public:
 
     BlackHoleDetector blackHoleDetector;
 
-    Published<std::vector<std::string>, Permissions> calendarAccountNames;
+    Published<std::vector<CalendarSource>, Permissions> calendarAccounts;
     Published<bool, Permissions> hasGoogleCalendar{false};
     Published<bool, Permissions> hasExchangeCalendar{false};
 
@@ -48,7 +48,7 @@ public:
     template <typename Watch>
     void follow(Watch& watch) const {
         watch.follow(calendarMonitor.authorizationStatus,
-                     participantMonitor.hasAccessibilityPermission, calendarAccountNames);
+                     participantMonitor.hasAccessibilityPermission, calendarAccounts);
     }
 
     /// Looks everything up, without asking the user.

@@ -81,10 +81,6 @@ bool names(const std::vector<UnreadCalendar>& calendars, const std::string& name
     });
 }
 
-bool contains(const std::string& text, std::string_view part) {
-    return text.find(part) != std::string::npos;
-}
-
 } // namespace
 
 CalendarMonitor::CalendarMonitor(MainLoop& loop_, CalendarStore& eventStore_,
@@ -297,21 +293,17 @@ void CalendarMonitor::dismiss(const CalendarBotDetection& detection) {
 }
 
 CalendarSourceSummary CalendarMonitor::discoverCalendarSources() const {
-    CalendarSourceSummary summary;
-    for (const auto& source : eventStore.sources()) {
-        summary.titles.push_back(source.title);
+    CalendarSourceSummary summary{.sources = eventStore.sources()};
+    for (const auto& source : summary.sources) {
         summary.hasExchange |= source.type == CalendarSourceType::exchange;
         if (source.type != CalendarSourceType::calDAV)
-            continue;
-        const auto title = lowerCased(source.title);
-        if (contains(title, "google") || contains(title, "gmail"))
-            summary.hasGoogle = true;
-        else if (contains(title, "icloud"))
-            summary.hasICloud = true;
-        else
-            summary.hasOtherCalDAV = true;
+            continue; // a file or a subscription is not the account itself, whoever provides it
+        const bool isGoogle = source.provider == CalendarProvider::google;
+        const bool isICloud = source.provider == CalendarProvider::iCloud;
+        summary.hasGoogle |= isGoogle;
+        summary.hasICloud |= isICloud;
+        summary.hasOtherCalDAV |= !isGoogle && !isICloud;
     }
-    summary.count = summary.titles.size();
     return summary;
 }
 

@@ -23,8 +23,7 @@ namespace quorva {
 
 /// The accounts and folders that calendars come from.
 struct CalendarSourceSummary {
-    std::size_t count = 0;
-    std::vector<std::string> titles; ///< in the store's order
+    std::vector<CalendarSource> sources; ///< in the store's order
     bool hasGoogle = false;
     bool hasExchange = false;
     bool hasICloud = false;

@@ -49,10 +49,14 @@ struct CalendarEvent {
 
 enum class CalendarSourceType { local, exchange, calDAV, mobileMe, subscribed, birthdays };
 
+/// The service that an account belongs to, whatever protocol connects it.
+enum class CalendarProvider { other, google, exchange, iCloud };
+
 /// An account or folder that calendars come from.
 struct CalendarSource {
     std::string title;
     CalendarSourceType type = CalendarSourceType::local;
+    CalendarProvider provider = CalendarProvider::other;
 
     bool operator==(const CalendarSource&) const = default;
 };

@@ -57,10 +57,11 @@ TEST_F(PermissionsTest, asksForTheCalendarsAndClosesTheWindowAfterAGrant) {
     EXPECT_FALSE(app.calendarWindow);
 
     EXPECT_TRUE(app.permissions.needsCalendarAccountSetup());
-    computer.calendars.accounts.push_back({"ann@gmail.com", CalendarSourceType::calDAV});
+    computer.calendars.accounts.push_back(
+        {"ann@gmail.com", CalendarSourceType::calDAV, CalendarProvider::google});
     computer.calendars.changes.call();
     EXPECT_FALSE(app.permissions.needsCalendarAccountSetup());
-    EXPECT_THAT(*app.permissions.calendarAccountNames, ElementsAre("Work", "ann@gmail.com"));
+    EXPECT_EQ(*app.permissions.calendarAccounts, computer.calendars.accounts);
 }
 
 TEST_F(PermissionsTest, looksAtTheSoundDevicesOnce) {

@@ -85,7 +85,8 @@ struct Stage {
             hasCalendars ? CalendarAuthorization::fullAccess : CalendarAuthorization::denied;
         computer.calendars.accounts.clear();
         if (hasAccount)
-            computer.calendars.accounts = {{"ann@gmail.com", CalendarSourceType::calDAV}};
+            computer.calendars.accounts = {
+                {"ann@gmail.com", CalendarSourceType::calDAV, CalendarProvider::google}};
         computer.accessibility.isOn = hasAccessibility;
         state.permissions.refresh();
         settle();

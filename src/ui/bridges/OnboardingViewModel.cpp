@@ -1,7 +1,5 @@
 #include "ui/bridges/OnboardingViewModel.h"
 
-#include "base/Text.h"
-
 #include <algorithm>
 #include <array>
 #include <utility>
@@ -115,13 +113,14 @@ void OnboardingViewModel::pollCalendarAccounts() {
 
 void OnboardingViewModel::refreshCalendarAccounts() {
     state.permissions.refreshCalendarAccounts();
-    const auto& names = state.permissions.calendarAccountNames.get();
-    connectedCalendarAccounts = names;
+    const auto& accounts = state.permissions.calendarAccounts.get();
+    connectedCalendarAccounts = accounts;
     hasGoogleCalendar = state.permissions.hasGoogleCalendar.get();
     hasExchangeCalendar = state.permissions.hasExchangeCalendar.get();
-    hasICloudCalendar = std::any_of(names.begin(), names.end(), [](const std::string& name) {
-        return lowerCased(name).find("icloud") != std::string::npos;
-    });
+    hasICloudCalendar =
+        std::any_of(accounts.begin(), accounts.end(), [](const CalendarSource& account) {
+            return account.provider == CalendarProvider::iCloud;
+        });
     calendarAccountsRefreshed = true;
 }
 

@@ -5,7 +5,6 @@
 #include "core/AppState.h"
 
 #include <optional>
-#include <string>
 #include <vector>
 
 namespace quorva {
@@ -25,7 +24,7 @@ public:
     Published<ScanPhase, OnboardingViewModel> scanPhase{ScanPhase::process};
     Published<bool, OnboardingViewModel> calendarPermissionRequested{false};
     Published<bool, OnboardingViewModel> accessibilityPermissionRequested{false};
-    Published<std::vector<std::string>, OnboardingViewModel> connectedCalendarAccounts;
+    Published<std::vector<CalendarSource>, OnboardingViewModel> connectedCalendarAccounts;
     Published<bool, OnboardingViewModel> hasGoogleCalendar{false};
     Published<bool, OnboardingViewModel> hasExchangeCalendar{false};
     Published<bool, OnboardingViewModel> hasICloudCalendar{false};

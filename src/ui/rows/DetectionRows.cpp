@@ -106,10 +106,11 @@ std::vector<Row> rowsOfAllowed(const std::set<std::string>& keys, const Sources&
     return rows;
 }
 
-std::vector<Row> rowsOfAccounts(const std::vector<std::string>& names) {
+std::vector<Row> rowsOfAccounts(const std::vector<CalendarSource>& accounts) {
     std::vector<Row> rows;
-    for (const auto& name : names) {
-        const auto label = accountLabel(name);
+    for (const auto& account : accounts) {
+        const auto& name = account.title;
+        const auto label = accountLabel(account.provider);
         const auto number = QString::number(rows.size()); // two accounts may have one name
         const QString provider = ours(label.provider);
         rows.push_back(

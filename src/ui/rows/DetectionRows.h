@@ -3,6 +3,7 @@
 #pragma once
 
 #include "catalogue/Records.h"
+#include "platform/CalendarStore.h"
 #include "sources/Sources.h"
 #include "ui/rows/RowModel.h"
 
@@ -40,6 +41,6 @@ private:
                                              const Sources& sources);
 
 /// Calendar accounts, with their providers' symbols.
-[[nodiscard]] std::vector<Row> rowsOfAccounts(const std::vector<std::string>& names);
+[[nodiscard]] std::vector<Row> rowsOfAccounts(const std::vector<CalendarSource>& accounts);
 
 } // namespace quorva

@@ -1,16 +1,10 @@
 #include "ui/rows/ViewTexts.h"
 
-#include "base/Text.h"
-
 #include <fmt/format.h>
 
 namespace quorva {
 
 namespace {
-
-bool contains(std::string_view text, std::string_view part) {
-    return text.find(part) != std::string_view::npos;
-}
 
 std::string joined(const std::vector<std::string_view>& parts, std::string_view separator) {
     return fmt::format("{}", fmt::join(parts, separator));
@@ -51,15 +45,17 @@ ChipLook chipLook(const SourceState& state) {
     return state.kind == SourceState::Kind::off ? ChipLook::off : ChipLook::on;
 }
 
-AccountLabel accountLabel(std::string_view accountName) {
-    const auto name = lowerCased(accountName);
-    if (contains(name, "google") || contains(name, "gmail"))
+AccountLabel accountLabel(CalendarProvider provider) {
+    switch (provider) {
+    case CalendarProvider::google:
         return {"g.circle.fill", "Google"};
-    for (const std::string_view part : {"exchange", "outlook", "microsoft", "office"})
-        if (contains(name, part))
-            return {"envelope.fill", "Outlook/Exchange"};
-    if (contains(name, "icloud"))
+    case CalendarProvider::exchange:
+        return {"envelope.fill", "Outlook/Exchange"};
+    case CalendarProvider::iCloud:
         return {"icloud.fill", "iCloud"};
+    case CalendarProvider::other:
+        break;
+    }
     return {"calendar", ""};
 }
 

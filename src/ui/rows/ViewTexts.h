@@ -2,6 +2,7 @@
 #pragma once
 
 #include "base/Time.h"
+#include "platform/CalendarStore.h"
 #include "platform/UpdateService.h"
 #include "sources/SourceState.h"
 
@@ -26,14 +27,14 @@ enum class ChipLook { off, on, limited };
 
 [[nodiscard]] ChipLook chipLook(const SourceState& state);
 
-/// A calendar account's provider, as far as the account's name tells.
+/// How a calendar account's provider is shown.
 struct AccountLabel {
     std::string_view symbol;
-    std::string_view provider; ///< empty: unknown
+    std::string_view provider; ///< empty for `other`
 
     bool operator==(const AccountLabel&) const = default;
 };
-[[nodiscard]] AccountLabel accountLabel(std::string_view accountName);
+[[nodiscard]] AccountLabel accountLabel(CalendarProvider provider);
 
 /// Which calendars would still have to be added, or that all kinds are there.
 [[nodiscard]] std::string coverageLine(bool hasGoogle, bool hasExchange, bool hasICloud);

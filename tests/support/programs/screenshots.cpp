@@ -200,9 +200,11 @@ const std::vector<Scene> scenes{
     {"onboarding-4-calendar", onboarding, [](Stage& stage) { onboardingStep(stage, 3); }},
     {"onboarding-4-calendar-granted", onboarding,
      [](Stage& stage) {
-         stage.computer.calendars.accounts = {{"ann@gmail.com", CalendarSourceType::calDAV},
-                                              {"Work (Office 365)", CalendarSourceType::exchange},
-                                              {"Holidays", CalendarSourceType::subscribed}};
+         using Type = CalendarSourceType;
+         stage.computer.calendars.accounts = {
+             {"ann@gmail.com", Type::calDAV, CalendarProvider::google},
+             {"Work (Office 365)", Type::exchange, CalendarProvider::exchange},
+             {"Holidays", Type::subscribed}};
          onboardingStep(stage, 3);
          bridge(stage).requestCalendarAccess();
      }},

@@ -50,20 +50,6 @@ TEST(ViewTexts, aChipIsLimitedWheneverItsSourceIs) {
     EXPECT_EQ(chipLook({off, {}}), ChipLook::off);
 }
 
-TEST(ViewTexts, accountsAreToldApartByTheirNamesWhateverTheirLetterCase) {
-    const std::pair<const char*, AccountLabel> table[] = {
-        {"Google", {"g.circle.fill", "Google"}},
-        {"ann@GMAIL.com", {"g.circle.fill", "Google"}},
-        {"Work (Office 365)", {"envelope.fill", "Outlook/Exchange"}},
-        {"Microsoft", {"envelope.fill", "Outlook/Exchange"}},
-        {"outlook via google", {"g.circle.fill", "Google"}},
-        {"iCloud", {"icloud.fill", "iCloud"}},
-        {"Holidays", {"calendar", ""}},
-    };
-    for (const auto& [name, label] : table)
-        EXPECT_EQ(accountLabel(name), label) << name;
-}
-
 TEST(ViewTexts, theCoverageLineNamesWhatIsMissing) {
     EXPECT_EQ(coverageLine(true, true, true), "Maximum coverage: all calendar types connected");
     EXPECT_EQ(coverageLine(true, true, false), "Add iCloud for full coverage");

@@ -1,12 +1,14 @@
 #include "platform/linux/calendars/EdsSources.h"
 
 #include "base/Text.h"
+#include "platform/linux/calendars/CalendarProviders.h"
 #include "platform/linux/glib/Handles.h"
 
 #include <algorithm>
 #include <array>
 #include <libedataserver/libedataserver.h>
 #include <map>
+#include <optional>
 #include <utility>
 
 namespace quorva {
@@ -52,6 +54,20 @@ CalendarSourceType typeOf(std::string_view backend) {
 
 bool contains(std::string_view text, std::string_view part) {
     return text.find(part) != std::string_view::npos;
+}
+
+/// The provider, as far as the connection tells.
+std::optional<CalendarProvider> providerOf(CalendarSourceType type, const EdsOrigin& origin) {
+    if (type == CalendarSourceType::exchange)
+        return CalendarProvider::exchange;
+    if (type != CalendarSourceType::calDAV)
+        return std::nullopt;
+    const auto host = lowerCased(origin.host);
+    if (origin.backend == "google" || contains(host, "google"))
+        return CalendarProvider::google;
+    if (host.ends_with("icloud.com"))
+        return CalendarProvider::iCloud;
+    return std::nullopt;
 }
 
 std::string backendOf(ESource* source, const char* extensionName) {
@@ -131,15 +147,14 @@ std::set<std::string> mailAddresses(ESourceRegistry* registry) {
 } // namespace
 
 CalendarSource accountNamed(std::string_view name, const EdsOrigin& origin) {
-    CalendarSource account{std::string(name), typeOf(origin.backend)};
-    if (account.type != CalendarSourceType::calDAV)
+    const auto type = typeOf(origin.backend);
+    const auto named = providerNamed(name);
+    CalendarSource account{std::string(name), type, providerOf(type, origin).value_or(named)};
+    if (account.provider == named)
         return account;
-    const auto title = lowerCased(name);
-    const auto host = lowerCased(origin.host);
-    const bool saysGoogle = contains(title, "google") || contains(title, "gmail");
-    if (!saysGoogle && (origin.backend == "google" || contains(host, "google")))
+    if (account.provider == CalendarProvider::google)
         account.title = "Google: " + account.title;
-    else if (!contains(title, "icloud") && host.ends_with("icloud.com"))
+    else if (account.provider == CalendarProvider::iCloud)
         account.title = "iCloud: " + account.title;
     return account;
 }

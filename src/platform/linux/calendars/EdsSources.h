@@ -39,8 +39,9 @@ struct EdsOrigin {
     std::string host;    ///< of the server; empty for none
 };
 
-/// An account's title and type. What is Google's or Apple's says so in its title, whatever the
-/// person called it: "Google: anna@firm.example". Callable from any thread.
+/// An account as it is shown. The provider follows from the connection, or else from the name. The
+/// title of a Google or iCloud account names its provider even if the user's name for it does not:
+/// "Google: anna@firm.example". Callable from any thread.
 [[nodiscard]] CalendarSource accountNamed(std::string_view name, const EdsOrigin& origin);
 
 /// What `registry` knows at present. The thread that `registry` belongs to only.

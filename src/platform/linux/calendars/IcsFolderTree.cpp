@@ -1,6 +1,7 @@
 #include "platform/linux/calendars/IcsFolderTree.h"
 
 #include "base/Text.h"
+#include "platform/linux/calendars/CalendarProviders.h"
 #include "platform/linux/glib/Handles.h"
 #include "platform/linux/glib/ReadFile.h"
 #include "platform/linux/glib/Utf8.h"
@@ -176,12 +177,15 @@ void IcsFolderTree::await(const Path& path) {
 
 std::vector<CalendarSource> IcsFolderTree::sources() const {
     std::vector<CalendarSource> sources;
+    const auto add = [&](const std::string& title) {
+        sources.push_back({.title = title, .provider = providerNamed(title)});
+    };
     for (const auto& [path, folder] : all) {
         if (folder.isCalendar() && (!folder.error || folder.isRequired))
-            sources.push_back({.title = folder.name});
+            add(folder.name);
         if (folder.isOfFiles)
             for (const auto& [name, file] : folder.files)
-                sources.push_back({.title = folder.calendarNameOf(name)});
+                add(folder.calendarNameOf(name));
     }
     return sources;
 }
