@@ -47,6 +47,12 @@ struct CalendarEvent {
     bool operator==(const CalendarEvent&) const = default;
 };
 
+/// Whether an event overlaps the period from `start` to `end`: it begins before the period ends and
+/// ends after the period begins. An event without length overlaps the period that its start is in.
+[[nodiscard]] inline bool overlaps(Time eventStart, Time eventEnd, Time start, Time end) {
+    return eventStart < end && (eventEnd > start || eventStart >= start);
+}
+
 enum class CalendarSourceType { local, exchange, calDAV, mobileMe, subscribed, birthdays };
 
 /// The service that an account belongs to, whatever protocol connects it.

@@ -60,7 +60,7 @@ TEST_F(CalendarMonitorTest, describesWhatItFindsWithoutTheTitleOfTheMeeting) {
     monitor->startMonitoring();
 
     EXPECT_THAT(announced(),
-                ElementsAre("+otter-cal-E1", "+generic-bot-E2", "+generic-bot-E3", "+gong-cal-E4"));
+                ElementsAre("+generic-bot-E2", "+otter-cal-E1", "+generic-bot-E3", "+gong-cal-E4"));
     const auto& found = *monitor->calendarDetections;
     EXPECT_THAT(listed(), // by start; those that start together in the order they were found
                 ElementsAre("generic-bot-E2", "otter-cal-E1", "generic-bot-E3", "gong-cal-E4"));

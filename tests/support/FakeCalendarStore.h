@@ -3,6 +3,7 @@
 
 #include "platform/CalendarStore.h"
 
+#include <algorithm>
 #include <memory>
 #include <utility>
 
@@ -15,27 +16,33 @@ public:
     CalendarAuthorization status = CalendarAuthorization::fullAccess;
     AccessAnswer answer{.granted = true, .error = std::nullopt};
     std::vector<CalendarEvent> events;
+    std::size_t calendars = 2;          ///< the unread ones included
     std::vector<UnreadCalendar> unread; ///< the events of these are left out
     std::vector<CalendarSource> accounts;
     CallbackList<> changes;
     bool answersAtOnce = true;
     std::vector<std::pair<Time, Time>> fetches; ///< the periods asked for
 
-    /// Answers the fetch under way, with what the calendars hold now.
+    /// Answers the fetches under way, with what the calendars hold now.
     void answerFetch() {
-        if (const auto done = std::exchange(*pending, nullptr))
-            done(window());
+        for (const auto& fetch : std::exchange(pending, {}))
+            if (const auto done = std::exchange(fetch->done, nullptr))
+                done(window(fetch->start, fetch->end));
     }
-    [[nodiscard]] bool isFetching() const { return *pending != nullptr; }
+    [[nodiscard]] bool isFetching() const {
+        return std::any_of(pending.begin(), pending.end(),
+                           [](const auto& fetch) { return fetch->done != nullptr; });
+    }
 
     [[nodiscard]] CalendarAuthorization authorizationStatus() const override { return status; }
     void requestFullAccess(std::function<void(AccessAnswer)> done) override { done(answer); }
     [[nodiscard]] Subscription fetchEvents(Time start, Time end, Done done) override {
         fetches.emplace_back(start, end);
-        pending = std::make_shared<Done>(std::move(done));
+        auto fetch = std::make_shared<Fetch>(Fetch{start, end, std::move(done)});
+        pending.push_back(fetch);
         if (answersAtOnce)
             answerFetch();
-        return Subscription([waiting = pending] { *waiting = nullptr; });
+        return Subscription([fetch = std::move(fetch)] { fetch->done = nullptr; });
     }
     [[nodiscard]] std::vector<CalendarSource> sources() const override { return accounts; }
     [[nodiscard]] Subscription onChange(Task callback) override {
@@ -43,20 +50,27 @@ public:
     }
 
 private:
-    [[nodiscard]] CalendarWindow window() const {
-        const auto [start, end] = fetches.back();
-        CalendarWindow window{.events = {}, .unread = unread, .calendars = 2};
-        for (const auto& event : events) {
-            bool isRead = true;
-            for (const auto& calendar : unread)
-                isRead = isRead && calendar.calendarName != event.calendarName;
-            if (isRead && event.start < end && event.end > start)
-                window.events.push_back(event);
-        }
+    struct Fetch {
+        Time start;
+        Time end;
+        Done done;
+    };
+
+    [[nodiscard]] CalendarWindow window(Time start, Time end) const {
+        CalendarWindow window{.events = events, .unread = unread, .calendars = calendars};
+        std::erase_if(window.events, [&](const CalendarEvent& event) {
+            const bool isUnread =
+                std::any_of(unread.begin(), unread.end(), [&](const UnreadCalendar& calendar) {
+                    return calendar.calendarName == event.calendarName;
+                });
+            return isUnread || !overlaps(event.start, event.end, start, end);
+        });
+        std::stable_sort(window.events.begin(), window.events.end(),
+                         [](const auto& a, const auto& b) { return a.start < b.start; });
         return window;
     }
 
-    std::shared_ptr<Done> pending = std::make_shared<Done>(); ///< of the last fetch
+    std::vector<std::shared_ptr<Fetch>> pending;
 };
 
 } // namespace quorva

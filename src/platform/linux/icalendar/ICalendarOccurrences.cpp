@@ -103,23 +103,21 @@ private:
     void collect(const ICalendarEvent& event, const Candidate& candidate,
                  std::vector<Candidate>& candidates) const {
         const auto moment = event.utcOf(candidate.wall);
-        if (overlaps(moment, event.endOf(candidate.wall, candidate.duration)) &&
+        if (isInPeriod(moment, event.endOf(candidate.wall, candidate.duration)) &&
             !event.exceptions.contains(moment, candidate.wall) &&
             !series.replaced.contains(moment, candidate.wall))
             candidates.push_back(candidate);
     }
 
-    [[nodiscard]] bool overlaps(UtcSeconds begins, UtcSeconds ends) const {
-        const auto eventStart = timeOf(begins);
-        const auto eventEnd = timeOf(ends);
-        return eventStart < end && (eventEnd > start || eventStart >= start);
+    [[nodiscard]] bool isInPeriod(UtcSeconds begins, UtcSeconds ends) const {
+        return overlaps(timeOf(begins), timeOf(ends), start, end);
     }
 
     /// Hands out one occurrence, if it is in the period. False at a limit.
     bool add(const ICalendarEvent& event, WallSeconds wall, const NominalDuration& duration) {
         const auto begins = event.utcOf(wall);
         const auto ends = std::max(begins, event.endOf(wall, duration));
-        if (!overlaps(begins, ends))
+        if (!isInPeriod(begins, ends))
             return true;
         if (added == ICalendarLimits::occurrences ||
             found.attendees + event.attendees.size() > ICalendarLimits::attendeesOfPeriod) {

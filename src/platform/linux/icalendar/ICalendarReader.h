@@ -35,8 +35,7 @@ struct ICalendarReading {
 /// result belongs to one thread at a time.
 [[nodiscard]] ICalendar readICalendar(std::string_view bytes, const ICalendarReading& reading);
 
-/// The occurrences of one series that overlap the period [start, end), by start, with what
-/// was given up on. An event without length overlaps the period that its start is in.
+/// Occurrences that overlap a period, and what was given up on while finding them.
 struct Occurrences {
     std::vector<CalendarEvent> events;
     ICalendarProblems problems;
@@ -44,11 +43,11 @@ struct Occurrences {
     std::size_t attendees = 0;
 };
 
-/// Adds the occurrences of `series` to `occurrences`.
+/// Adds the occurrences of `series` that overlap the period to `occurrences`, by start.
 void addOccurrences(const ICalendarSeries& series, Time start, Time end,
                     const std::string& calendarName, Occurrences& occurrences);
 
-/// Those of all series of a file.
+/// The occurrences of all series of a file that overlap the period, by start.
 [[nodiscard]] Occurrences occurrencesOf(const ICalendar& calendar, Time start, Time end,
                                         const std::string& calendarName);
 

@@ -176,16 +176,11 @@ TEST_F(IcsFolderStoreTest, reportsWhatCannotBeRead) {
     EXPECT_EQ(window.calendars, 5U);
 }
 
-TEST_F(IcsFolderStoreTest, callsNobodyBackWhoHasGone) {
+TEST_F(IcsFolderStoreTest, doesNotAnswerOnceItHasGone) {
     for (int i = 0; i < 200; ++i)
         writeOld("calendars/work/" + std::to_string(i) + ".ics", event(std::to_string(i)));
     open();
     int calls = 0;
-    auto dropped = store->fetchEvents(start, start + hours(24), [&](auto&&) { ++calls; });
-    dropped.reset();
-    EXPECT_EQ(fetch().events.size(), 200U); // the one thread has answered both
-    EXPECT_EQ(calls, 0);
-
     const auto pending = store->fetchEvents(start, start + hours(24), [&](auto&&) { ++calls; });
     store.reset(); // while its thread is busy
     bool hasPassed = false;

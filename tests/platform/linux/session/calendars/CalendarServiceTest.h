@@ -65,13 +65,13 @@ private:
 };
 
 /// Has the service keep one more calendar on this computer; null when it does not.
-inline GObjectPtr<ESource> addCalendar(const char* name) {
+inline GObjectPtr<ESource> addCalendar(const char* name, const char* backend = "local") {
     GObjectPtr<ESource> source(e_source_new(nullptr, nullptr, nullptr));
     e_source_set_display_name(source.get(), name);
     e_source_set_parent(source.get(), "local-stub");
     e_source_backend_set_backend_name(
         E_SOURCE_BACKEND(e_source_get_extension(source.get(), E_SOURCE_EXTENSION_CALENDAR)),
-        "local");
+        backend);
     const GObjectPtr<ESourceRegistry> registry(e_source_registry_new_sync(nullptr, nullptr));
     if (!registry ||
         !e_source_registry_commit_source_sync(registry.get(), source.get(), nullptr, nullptr))
