@@ -1,5 +1,5 @@
-// Any bytes in place of a calendar file: whatever is understood of them keeps to the limits, and
-// lies in the period asked for.
+// Parses any bytes as a calendar file: the result must respect the limits and lie in the requested
+// period.
 #include "Expect.h"
 #include "platform/linux/icalendar/ICalendarReader.h"
 

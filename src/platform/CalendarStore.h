@@ -1,5 +1,5 @@
-// The user's calendars, whichever account or folder they come from. Read only: nothing is ever
-// written to a calendar.
+// The user's calendars, from accounts and folders. Read only: nothing is ever written to a
+// calendar.
 #pragma once
 
 #include "base/Subscription.h"
@@ -12,7 +12,7 @@
 
 namespace quorva {
 
-/// Whether the user lets the program read calendars. Only full access allows it.
+/// Whether the user allows the program to read calendars. Only full access does.
 enum class CalendarAuthorization {
     notDetermined = 0, ///< never asked
     restricted = 1,    ///< there is nothing to read: no calendar service and no calendar folder
@@ -26,14 +26,14 @@ enum class ParticipantStatus { unknown, pending, accepted, declined, tentative, 
 
 struct CalendarParticipant {
     std::optional<std::string> name; ///< CN; absent when there is none
-    std::string url; ///< the address as the inviter's server wrote it, "mailto:" and all
+    std::string url; ///< the address as the inviter's server wrote it, including "mailto:"
     bool isCurrentUser = false;
     ParticipantStatus status = ParticipantStatus::unknown;
 
     bool operator==(const CalendarParticipant&) const = default;
 };
 
-/// One occurrence of an event. Cancelled ones are never given out.
+/// One occurrence of an event that is not cancelled.
 struct CalendarEvent {
     std::optional<std::string>
         eventIdentifier; ///< stable; the same for all occurrences of a series
@@ -67,7 +67,7 @@ struct CalendarSource {
     bool operator==(const CalendarSource&) const = default;
 };
 
-/// A calendar that could not be read, so that it is not taken for an empty one.
+/// A calendar that could not be read. Without it, such a calendar would look empty.
 struct UnreadCalendar {
     std::string calendarName;
     std::string reason; ///< for the log and for people
@@ -75,7 +75,7 @@ struct UnreadCalendar {
     bool operator==(const UnreadCalendar&) const = default;
 };
 
-/// What reading a period has come to.
+/// The result of reading a period.
 struct CalendarWindow {
     std::vector<CalendarEvent> events; ///< those that overlap the period, by start
     std::vector<UnreadCalendar> unread;
@@ -87,10 +87,10 @@ class CalendarStore {
 public:
     virtual ~CalendarStore() = default;
 
-    /// The access that the user has given, as it is now.
+    /// The access that the user currently gives.
     [[nodiscard]] virtual CalendarAuthorization authorizationStatus() const = 0;
 
-    /// What came of asking; an error is a failure to ask, not a refusal.
+    /// The user's answer. `error` says why the user could not be asked; it is absent on a refusal.
     struct AccessAnswer {
         bool granted = false;
         std::optional<std::string> error;
@@ -100,7 +100,7 @@ public:
     /// within this call.
     virtual void requestFullAccess(std::function<void(AccessAnswer)> done) = 0;
 
-    /// Reads all occurrences that overlap the period from `start` to `end`, and calls `done` once,
+    /// Reads the occurrences that overlap the period from `start` to `end`, and calls `done` once,
     /// on the main loop or within this call. A calendar that does not answer within 10 seconds is
     /// reported as unread. Dropping the subscription ends the wait without a call.
     [[nodiscard]] virtual Subscription fetchEvents(Time start, Time end,

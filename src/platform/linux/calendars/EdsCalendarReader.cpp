@@ -12,10 +12,10 @@
 namespace quorva {
 namespace {
 
-/// Without waiting for a remote calendar's server: what is known of it locally will do.
+/// Does not wait for the server of a remote calendar: its local copy is sufficient.
 constexpr auto noWait = static_cast<guint32>(-1);
 
-/// A call's error, to be asked for once.
+/// The error of a call. Its text can be read once.
 struct Failure {
     GError* error = nullptr;
 
@@ -24,8 +24,9 @@ struct Failure {
         return owned ? owned->message : "unknown error";
     }
 
-    /// Whether what was asked for does not exist; takes that error away.
-    bool isAbsence() {
+    /// Clears the error if it says that the requested object does not exist; returns whether it
+    /// did.
+    bool clearIfNotFound() {
         if (!g_error_matches(error, E_CAL_CLIENT_ERROR, E_CAL_CLIENT_ERROR_OBJECT_NOT_FOUND))
             return false;
         g_clear_error(&error);
@@ -33,7 +34,7 @@ struct Failure {
     }
 };
 
-/// Connects a signal that carries one argument, or none, to a task.
+/// Connects a signal with at most one argument to a task.
 template <typename Handler>
 void connectTask(gpointer object, const char* signal, Handler handler, const Task& task) {
     g_signal_connect_data(
@@ -42,7 +43,7 @@ void connectTask(gpointer object, const char* signal, Handler handler, const Tas
         static_cast<GConnectFlags>(0));
 }
 
-/// Has the calendar tell of changes from now on, but not of what it holds already.
+/// Has the calendar report changes from now on, but not its present content.
 GObjectPtr<ECalClientView> follow(ECalClient* client, const Task& onChange,
                                   GCancellable* cancellable) {
     ECalClientView* created = nullptr;
@@ -96,7 +97,7 @@ std::set<std::string> addressesOf(const EdsRequest& request, EClient* client,
     return addresses;
 }
 
-/// The text of a calendar file, put together from what the service gives out.
+/// Assembles the text of a calendar file from the components that the service returns.
 class CalendarText {
 public:
     CalendarText(ECalClient* client_, GCancellable* cancellable_)
@@ -113,7 +114,7 @@ public:
     }
 
 private:
-    /// Zones that are not the world's but the inviting program's own are defined by the calendar.
+    /// Adds the definition of a zone that the system does not know: the inviting program's own.
     static void addZone(ICalParameter* parameter, gpointer data) {
         auto& self = *static_cast<CalendarText*>(data);
         const auto* const name = i_cal_parameter_get_tzid(parameter);
@@ -136,7 +137,7 @@ private:
 
 using Components = std::vector<GObjectPtr<ECalComponent>>;
 
-Components take(GSList* list) {
+Components adopt(GSList* list) {
     Components components;
     for (const auto* link = list; link; link = link->next)
         components.emplace_back(static_cast<ECalComponent*>(link->data));
@@ -144,8 +145,8 @@ Components take(GSList* list) {
     return components;
 }
 
-/// The service finds these through an index over time, which takes times without a zone for UTC:
-/// what is written there may be on a clock up to 14 hours from it.
+/// The service searches an index by time, in which it files times without a zone as UTC. The user's
+/// clock may differ from that by up to 14 hours.
 std::string queryOf(const EdsRequest& request) {
     constexpr std::chrono::hours margin(14);
     const auto text = [](Time time) {
@@ -155,14 +156,14 @@ std::string queryOf(const EdsRequest& request) {
                        text(request.start - margin).get(), text(request.end + margin).get());
 }
 
-/// Whether there may be more to the event than what was found in the period.
+/// Whether the event may have parts outside of the period.
 bool isOfSeries(ECalComponent* component) {
     return e_cal_component_has_recurrences(component) || e_cal_component_is_instance(component);
 }
 
-/// Fetches what the calendar has in the period; a failure's text. Of a series, the service gives
-/// the parts that fall into the period; where an occurrence was moved out of it only the whole
-/// series says.
+/// Fetches the events in the period; returns why that failed. The service returns only those parts
+/// of a series that lie in the period; an occurrence that was moved out of it shows only in the
+/// whole series.
 std::optional<std::string> fetch(ECalClient* client, const std::string& query, CalendarText& text,
                                  GCancellable* cancellable) {
     Failure failure;
@@ -171,7 +172,7 @@ std::optional<std::string> fetch(ECalClient* client, const std::string& query, C
                                                     &failure.error))
         return failure.text();
     std::set<std::string> series;
-    for (const auto& component : take(list)) {
+    for (const auto& component : adopt(list)) {
         if (isOfSeries(component.get()))
             series.insert(e_cal_component_get_uid(component.get()));
         else
@@ -180,11 +181,11 @@ std::optional<std::string> fetch(ECalClient* client, const std::string& query, C
     for (const auto& identifier : series) {
         if (!e_cal_client_get_objects_for_uid_sync(client, identifier.c_str(), &list, cancellable,
                                                    &failure.error)) {
-            if (failure.isAbsence())
+            if (failure.clearIfNotFound())
                 continue; // deleted meanwhile
             return failure.text();
         }
-        for (const auto& component : take(list))
+        for (const auto& component : adopt(list))
             text.add(component.get());
     }
     return std::nullopt;

@@ -1,5 +1,5 @@
-// Opens a calendar of Evolution Data Server, follows its changes and reads a period of it, through
-// the service's blocking calls.
+// Opens a calendar of Evolution Data Server, follows its changes and reads a period of it, with the
+// blocking calls of libecal.
 #pragma once
 
 #include "platform/linux/calendars/EdsSources.h"
@@ -17,13 +17,13 @@ struct _ECalClientView;
 
 namespace quorva {
 
-/// An open calendar; it is closed, without waiting, when this goes. Callable from any thread.
+/// An open calendar. Closed without waiting when destroyed. Callable from any thread.
 struct EdsConnection {
     GObjectPtr<_ECalClient> client;
-    GObjectPtr<_ECalClientView> view; ///< tells of changes; null when the calendar has none
+    GObjectPtr<_ECalClientView> view; ///< reports changes; null when the calendar cannot
 };
 
-/// What one reading of a calendar needs, and has to itself.
+/// What one reading of a calendar needs. Owned by the reading.
 struct EdsRequest {
     EdsCalendar calendar;
     std::shared_ptr<const EdsConnection> connection; ///< null: open the calendar
@@ -34,14 +34,14 @@ struct EdsRequest {
 };
 
 struct EdsReading {
-    std::shared_ptr<const EdsConnection> connection; ///< null when it is not to be used again
+    std::shared_ptr<const EdsConnection> connection; ///< null when it must not be used again
     std::vector<CalendarEvent> events;
     std::optional<std::string> failure; ///< why the calendar could not be read
 };
 
-/// Reads the occurrences that overlap the period. On a worker thread: blocks until the service has
-/// answered or `cancellable` is cancelled. A connection that has broken is made anew once. The two
-/// tasks of the request belong to the connection and are called while that lasts.
+/// Reads the occurrences that overlap the period. For worker threads: blocks until the service has
+/// answered or `cancellable` is cancelled. A broken connection is renewed once. The connection
+/// keeps the request's two tasks and calls them for as long as it exists.
 [[nodiscard]] EdsReading readEdsCalendar(const EdsRequest& request, GCancellable* cancellable);
 
 } // namespace quorva

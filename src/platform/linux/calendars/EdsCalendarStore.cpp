@@ -12,7 +12,7 @@
 namespace quorva {
 namespace {
 
-constexpr Seconds patience{10};
+constexpr Seconds answerTimeout{10};
 constexpr Seconds burst{0.25};
 constexpr const char* serviceName = "Evolution Data Server";
 constexpr const char* noAnswer = "it did not answer within 10 seconds";
@@ -29,9 +29,9 @@ struct EdsCalendarStore::Fetch {
     Service found = Service::unknown;
     Timer deadline;
     std::vector<EdsCalendar> calendars;
-    std::vector<EdsReading> readings;  // of the calendars, in their order
-    std::vector<std::size_t> suspects; // did not answer last time: asked after the others
-    std::size_t open = 0;              // readings under way
+    std::vector<EdsReading> readings;  // parallel to `calendars`
+    std::vector<std::size_t> suspects; // failed last time: asked after the others
+    std::size_t open = 0;              // readings in progress
 };
 
 EdsCalendarStore::EdsCalendarStore(MainLoop& loop_, Log& log_)
@@ -67,13 +67,13 @@ Subscription EdsCalendarStore::findService(std::function<void(Service)> done) {
         }
     };
     const auto search = std::make_shared<Search>();
-    const std::weak_ptr<Search> weak(search); // its subscriptions must not keep it
+    const std::weak_ptr<Search> weak(search); // its own subscriptions must not keep it alive
     search->done = std::move(done);
     search->answer = answers.add(lifetime.guard([this, weak] {
         if (const auto waiting = weak.lock())
             waiting->end(registry.state());
     }));
-    search->deadline = loop.after(patience, lifetime.guard([weak] {
+    search->deadline = loop.after(answerTimeout, lifetime.guard([weak] {
         if (const auto waiting = weak.lock())
             waiting->end(Service::failed);
     }));
@@ -92,7 +92,7 @@ Subscription EdsCalendarStore::fetchEvents(Time start, Time end,
     fetch->done = std::move(done);
     fetches.insert(fetch);
     fetch->deadline = loop.after(
-        patience, lifetime.guard([fetch] { g_cancellable_cancel(fetch->cancellable.get()); }));
+        answerTimeout, lifetime.guard([fetch] { g_cancellable_cancel(fetch->cancellable.get()); }));
     fetch->search = findService(lifetime.guard([this, fetch](Service found) {
         fetch->found = found;
         ask(fetch);
@@ -113,7 +113,7 @@ void EdsCalendarStore::noteChange() {
         }));
 }
 
-/// Asks all calendars at once, those under suspicion last.
+/// Asks all calendars at once, except those that failed last time, which follow.
 void EdsCalendarStore::ask(const FetchPtr& fetch) {
     if (fetch->found == Service::present)
         fetch->calendars = registry.sources().calendars;
@@ -127,7 +127,7 @@ void EdsCalendarStore::ask(const FetchPtr& fetch) {
         readSuspects(fetch);
 }
 
-/// A process that hangs while it opens a calendar makes others wait in the library.
+/// Asked last because a process that hangs while it opens a calendar blocks others in the library.
 void EdsCalendarStore::readSuspects(const FetchPtr& fetch) {
     for (const auto position : std::exchange(fetch->suspects, {}))
         read(fetch, position);
@@ -156,13 +156,13 @@ void EdsCalendarStore::read(const FetchPtr& fetch, std::size_t position) {
             return readEdsCalendar(request, cancellable);
         },
         lifetime.guard([this, fetch, position](std::optional<EdsReading> reading) {
-            take(fetch, position, std::move(reading));
+            handle(fetch, position, std::move(reading));
         }));
 }
 
-/// An empty reading is one that was given up.
-void EdsCalendarStore::take(const FetchPtr& fetch, std::size_t position,
-                            std::optional<EdsReading> reading) {
+/// A reading without a value was cancelled.
+void EdsCalendarStore::handle(const FetchPtr& fetch, std::size_t position,
+                              std::optional<EdsReading> reading) {
     const auto& calendar = fetch->calendars[position];
     if (!reading)
         reading = EdsReading{.failure = noAnswer};
@@ -172,14 +172,14 @@ void EdsCalendarStore::take(const FetchPtr& fetch, std::size_t position,
         connections.erase(calendar.identifier);
     if (!reading->failure)
         failing.erase(calendar.identifier);
-    else if (fetch->done) // one that is not waited for was cancelled
+    else if (fetch->done) // otherwise it failed because the fetch was dropped
         failing.insert(calendar.identifier);
     fetch->readings[position] = std::move(*reading);
     if (--fetch->open == 0)
         readSuspects(fetch);
 }
 
-/// By value: what was given may be the set's own, which `complete` takes out of it.
+/// By value: the argument may be an element of the set, from which `complete` removes it.
 void EdsCalendarStore::drop(FetchPtr fetch) { // NOLINT(performance-unnecessary-value-param)
     fetch->done = nullptr;
     fetch->suspects.clear();

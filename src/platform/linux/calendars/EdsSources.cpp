@@ -21,7 +21,7 @@ std::string textOf(gchar* owned) {
     return text ? text.get() : "";
 }
 
-std::vector<SourcePtr> take(GList* list) {
+std::vector<SourcePtr> adopt(GList* list) {
     std::vector<SourcePtr> sources;
     for (const auto* link = list; link; link = link->next)
         sources.emplace_back(static_cast<ESource*>(link->data));
@@ -80,11 +80,11 @@ std::string hostOf(ESource* source) {
     return login ? textOf(e_source_authentication_dup_host(login)) : "";
 }
 
-/// The source itself, then what it belongs to, outwards.
+/// The source itself, then its ancestors.
 std::vector<SourcePtr> lineageOf(ESourceRegistry* registry, ESource* source) {
     std::vector<SourcePtr> lineage;
     lineage.emplace_back(E_SOURCE(g_object_ref(source)));
-    constexpr std::size_t deepest = 8; // parents are data from outside and may run in a circle
+    constexpr std::size_t deepest = 8; // parents come from outside and may form a cycle
     while (lineage.size() < deepest) {
         const auto parent = textOf(e_source_dup_parent(lineage.back().get()));
         auto* const next =
@@ -100,7 +100,7 @@ ESourceCollection* collectionOf(ESource* source) {
     return extension<ESourceCollection>(source, E_SOURCE_EXTENSION_COLLECTION);
 }
 
-/// The top-most collection, and without one what the calendar is filed under.
+/// The topmost collection, or without one, the topmost ancestor.
 ESource* accountOf(const std::vector<SourcePtr>& lineage) {
     const auto collection = std::find_if(lineage.rbegin(), lineage.rend(), [](const auto& source) {
         return collectionOf(source.get()) != nullptr;
@@ -108,8 +108,8 @@ ESource* accountOf(const std::vector<SourcePtr>& lineage) {
     return collection != lineage.rend() ? collection->get() : lineage.back().get();
 }
 
-/// A collection says what it is connected by, unless it only holds mail; folders of calendars do
-/// not.
+/// A collection says how it is connected, unless it only holds mail. Without one, the calendar
+/// does.
 EdsOrigin originOf(ESource* account, ESource* calendar) {
     EdsOrigin origin{backendOf(account, E_SOURCE_EXTENSION_COLLECTION), hostOf(account)};
     if (origin.backend.empty() || origin.backend == "none")
@@ -127,7 +127,7 @@ void addAddress(std::set<std::string>& addresses, const std::string& address) {
 std::set<std::string> mailAddresses(ESourceRegistry* registry) {
     std::set<std::string> addresses;
     for (const auto& source :
-         take(e_source_registry_list_sources(registry, E_SOURCE_EXTENSION_MAIL_IDENTITY))) {
+         adopt(e_source_registry_list_sources(registry, E_SOURCE_EXTENSION_MAIL_IDENTITY))) {
         auto* const identity =
             extension<ESourceMailIdentity>(source.get(), E_SOURCE_EXTENSION_MAIL_IDENTITY);
         addAddress(addresses, textOf(e_source_mail_identity_dup_address(identity)));
@@ -164,7 +164,7 @@ EdsSources readEdsSources(ESourceRegistry& registry) {
     std::set<std::pair<std::string, std::string>> listed;
     const auto addresses = mailAddresses(&registry);
     for (const auto& source :
-         take(e_source_registry_list_enabled(&registry, E_SOURCE_EXTENSION_CALENDAR))) {
+         adopt(e_source_registry_list_enabled(&registry, E_SOURCE_EXTENSION_CALENDAR))) {
         const auto lineage = lineageOf(&registry, source.get());
         auto* const account = accountOf(lineage);
         auto own = addresses;

@@ -1,4 +1,4 @@
-// The accounts and calendars that Evolution Data Server knows, as plain values.
+// The accounts and calendars of Evolution Data Server, as plain values.
 #pragma once
 
 #include "platform/CalendarStore.h"
@@ -16,12 +16,12 @@ struct _ESourceRegistry;
 
 namespace quorva {
 
-/// A calendar that is switched on, as are the accounts it belongs to.
+/// An enabled calendar of enabled accounts.
 struct EdsCalendar {
     std::string identifier;
     std::string name;
     std::set<std::string> ownAddresses; ///< the user's, in lower case, without "mailto:"
-    std::shared_ptr<_ESource> source;   ///< what the service's library opens it by; thread-safe
+    std::shared_ptr<_ESource> source;   ///< identifies it to the service's library; thread-safe
 
     bool operator==(const EdsCalendar&) const = default;
 };
@@ -33,10 +33,10 @@ struct EdsSources {
     bool operator==(const EdsSources&) const = default;
 };
 
-/// What a calendar or an account is connected by and to.
+/// How, and to which server, an account or calendar is connected.
 struct EdsOrigin {
     std::string backend; ///< the service's name for the kind of connection: "caldav", "google", …
-    std::string host;    ///< of the server; empty for none
+    std::string host;    ///< of the server; may be empty
 };
 
 /// An account as it is shown. The provider follows from the connection, or else from the name. The
@@ -44,7 +44,7 @@ struct EdsOrigin {
 /// "Google: anna@firm.example". Callable from any thread.
 [[nodiscard]] CalendarSource accountNamed(std::string_view name, const EdsOrigin& origin);
 
-/// What `registry` knows at present. The thread that `registry` belongs to only.
+/// Reads what `registry` currently holds. Only on the thread that `registry` belongs to.
 [[nodiscard]] EdsSources readEdsSources(_ESourceRegistry& registry);
 
 } // namespace quorva

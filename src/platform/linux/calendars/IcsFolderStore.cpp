@@ -5,13 +5,13 @@
 namespace quorva {
 namespace {
 
-constexpr Seconds deadline{10};
+constexpr Seconds answerTimeout{10};
 constexpr Seconds changePause{0.5}; // a sync writes many files
 constexpr Seconds secondLookDelay{6};
 
 } // namespace
 
-/// The way from the thread to the main loop, which ends with the store.
+/// Passes tasks from the thread to the main loop, until the store is destroyed.
 struct IcsFolderStore::Outbox {
     explicit Outbox(MainLoop& loop_) : loop(&loop_) {}
 
@@ -29,7 +29,7 @@ struct IcsFolderStore::Outbox {
     MainLoop* loop;
 };
 
-/// Somebody who waits for events. Lives as long as the subscription; main thread only.
+/// A fetch that waits for its answer. Lives as long as its subscription; main thread only.
 struct IcsFolderStore::Request {
     std::function<void(CalendarWindow)> done;
     Timer timer;
@@ -70,9 +70,10 @@ Subscription IcsFolderStore::fetchEvents(Time start, Time end,
                                          std::function<void(CalendarWindow)> done) {
     auto request = std::make_shared<Request>(Request{.done = std::move(done)});
     const std::weak_ptr<Request> weak = request;
-    request->timer = loop.after(deadline, lifetime.guard([this, weak] { giveUp(weak); }));
+    request->timer =
+        loop.after(answerTimeout, lifetime.guard([this, weak] { handleTimeout(weak); }));
     (void)thread.post(
-        [start, end, hints = takeHints(), held = folders, box = outbox,
+        [start, end, hints = popHints(), held = folders, box = outbox,
          back = std::make_shared<std::function<void(IcsFolders::Findings)>>(lifetime.guard(
              [this, weak](const IcsFolders::Findings& found) { answer(weak, found); }))] {
             box->post([back, found = held->look(start, end, hints)] { (*back)(found); });
@@ -82,7 +83,7 @@ Subscription IcsFolderStore::fetchEvents(Time start, Time end,
 
 void IcsFolderStore::answer(const std::weak_ptr<Request>& request,
                             const IcsFolders::Findings& findings) {
-    learn(findings);
+    adopt(findings);
     const auto waiting = request.lock();
     if (!waiting || !waiting->done)
         return;
@@ -90,8 +91,8 @@ void IcsFolderStore::answer(const std::weak_ptr<Request>& request,
     std::exchange(waiting->done, nullptr)(findings.window);
 }
 
-/// The deadline has passed: none of the calendars has answered.
-void IcsFolderStore::giveUp(const std::weak_ptr<Request>& request) {
+/// Reports all calendars as failed.
+void IcsFolderStore::handleTimeout(const std::weak_ptr<Request>& request) {
     const auto waiting = request.lock();
     if (!waiting || !waiting->done)
         return;
@@ -108,14 +109,14 @@ void IcsFolderStore::listFolders() {
     (void)thread.post([held = folders, box = outbox,
                        back = std::make_shared<std::function<void(IcsFolders::Findings)>>(
                            lifetime.guard([this](const IcsFolders::Findings& found) {
-                               learn(found);
+                               adopt(found);
                            }))] { box->post([back, found = held->list()] { (*back)(found); }); });
 }
 
-void IcsFolderStore::learn(const IcsFolders::Findings& findings) {
+void IcsFolderStore::adopt(const IcsFolders::Findings& findings) {
     const bool isNew = findings.sources != knownSources;
     knownSources = findings.sources;
-    // What happened in a folder before it was watched may have been missed.
+    // A change of a folder before it was watched may have been missed.
     for (const auto& added : watch.watch(findings.watch))
         if (!added.awaited)
             changed.insert(added.path);
@@ -143,8 +144,8 @@ void IcsFolderStore::announceSoon() {
     }));
 }
 
-/// What the next look is to know; taken along once.
-IcsFolders::Hints IcsFolderStore::takeHints() {
+/// The hints for the next look.
+IcsFolders::Hints IcsFolderStore::popHints() {
     return {.changed = std::exchange(changed, {}), .watched = watched};
 }
 

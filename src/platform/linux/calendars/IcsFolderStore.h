@@ -1,4 +1,4 @@
-// The calendars in folders of .ics files as a calendar store of its own, or as a part of one.
+// The calendars in folders of .ics files, as a calendar store of its own or as part of one.
 #pragma once
 
 #include "base/Lifetime.h"
@@ -16,7 +16,7 @@
 
 namespace quorva {
 
-/// Where the user's consent is kept and asked for. Files need none of the system's.
+/// How to look up the user's consent, and how to ask for it. By default, everything is allowed.
 struct CalendarConsent {
     std::function<CalendarAuthorization()> status = [] {
         return CalendarAuthorization::fullAccess;
@@ -27,11 +27,11 @@ struct CalendarConsent {
         };
 };
 
-/// Needs a loop that runs GLib's default main context: changes of the folders are told there. Files
-/// are read on a thread of its own.
+/// Main thread only. The loop must run GLib's default main context, where changes of folders are
+/// reported. Files are read on a thread of the store's own.
 class IcsFolderStore final : public CalendarStore {
 public:
-    /// Lists the folders at once, in the background. The loop must outlive this.
+    /// Starts to list the folders in the background. The loop must outlive this.
     IcsFolderStore(MainLoop& loop, IcsPlaces places, std::vector<std::string> userAddresses,
                    CalendarConsent consent = {});
     ~IcsFolderStore() override;
@@ -46,7 +46,7 @@ public:
     [[nodiscard]] std::vector<CalendarSource> sources() const override;
     [[nodiscard]] Subscription onChange(Task callback) override;
 
-    /// How often files were read so far.
+    /// How many times files were read so far.
     [[nodiscard]] std::size_t reads() const { return folders->reads(); }
 
 private:
@@ -55,11 +55,11 @@ private:
 
     void listFolders();
     void answer(const std::weak_ptr<Request>& request, const IcsFolders::Findings& findings);
-    void giveUp(const std::weak_ptr<Request>& request);
-    void learn(const IcsFolders::Findings& findings);
+    void handleTimeout(const std::weak_ptr<Request>& request);
+    void adopt(const IcsFolders::Findings& findings);
     void noteChange(const WatchedFolder& folder);
     void announceSoon();
-    [[nodiscard]] IcsFolders::Hints takeHints();
+    [[nodiscard]] IcsFolders::Hints popHints();
 
     MainLoop& loop;
     const CalendarConsent consent;

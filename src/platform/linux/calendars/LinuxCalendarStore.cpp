@@ -5,7 +5,7 @@
 
 namespace quorva {
 
-/// Somebody who waits for the events of both parts. Lives as long as the subscription.
+/// A fetch that waits for both parts. Lives as long as its subscription.
 struct LinuxCalendarStore::Request {
     std::function<void(CalendarWindow)> done;
     int missing = 2;
@@ -36,15 +36,15 @@ Subscription LinuxCalendarStore::fetchEvents(Time start, Time end,
     auto request = std::make_shared<Request>();
     request->done = std::move(done);
     request->window = {.events = {}, .unread = withoutPlace, .calendars = withoutPlace.size()};
-    const auto takePart = [weak = std::weak_ptr(request)](CalendarWindow part) {
-        take(weak, std::move(part));
+    const auto add = [weak = std::weak_ptr(request)](CalendarWindow part) {
+        addPart(weak, std::move(part));
     };
-    request->fromFolders = folders.fetchEvents(start, end, takePart);
-    request->fromService = service.fetchEvents(start, end, takePart);
+    request->fromFolders = folders.fetchEvents(start, end, add);
+    request->fromService = service.fetchEvents(start, end, add);
     return Subscription([request]() mutable { request.reset(); });
 }
 
-void LinuxCalendarStore::take(const std::weak_ptr<Request>& request, CalendarWindow part) {
+void LinuxCalendarStore::addPart(const std::weak_ptr<Request>& request, CalendarWindow part) {
     const auto waiting = request.lock();
     if (!waiting)
         return;

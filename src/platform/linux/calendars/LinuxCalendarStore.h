@@ -1,5 +1,5 @@
-// All of the user's calendars: those of the desktop's calendar service and those in folders of .ics
-// files, as one store.
+// All of the user's calendars as one store: those of the desktop's calendar service and those in
+// folders of .ics files.
 #pragma once
 
 #include "platform/CalendarStore.h"
@@ -15,7 +15,7 @@ public:
     /// are reported as unread with every fetch. The loop and the log must outlive this.
     LinuxCalendarStore(MainLoop& loop, Log& log, CalendarPlaces places, CalendarConsent consent);
 
-    /// Restricted, whatever the user allows, once it is known that there is neither a calendar
+    /// Restricted, even if the user consents, once it is known that there is neither a calendar
     /// service nor a folder.
     [[nodiscard]] CalendarAuthorization authorizationStatus() const override;
     void requestFullAccess(std::function<void(AccessAnswer)> done) override;
@@ -26,7 +26,7 @@ public:
     [[nodiscard]] std::vector<CalendarSource> sources() const override;
     [[nodiscard]] Subscription onChange(Task callback) override;
 
-    /// As EdsCalendarStore::findService, whatever the user allows: nothing is read of a calendar.
+    /// As EdsCalendarStore::findService. Needs no consent, because no calendar is read.
     [[nodiscard]] Subscription findService(std::function<void(EdsCalendarStore::Service)> done) {
         return service.findService(std::move(done));
     }
@@ -34,7 +34,7 @@ public:
 private:
     struct Request;
 
-    static void take(const std::weak_ptr<Request>& request, CalendarWindow part);
+    static void addPart(const std::weak_ptr<Request>& request, CalendarWindow part);
 
     const CalendarConsent consent;
     const std::vector<UnreadCalendar> withoutPlace;

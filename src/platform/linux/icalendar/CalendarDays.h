@@ -1,5 +1,5 @@
-// The Gregorian calendar by numbers: days since 1970-01-01, and their places in months, years and
-// weeks. Pure functions.
+// Arithmetic of the Gregorian calendar: days counted from 1970-01-01, and their positions in
+// months, years and weeks. Pure functions.
 #pragma once
 
 #include <chrono>
@@ -15,7 +15,7 @@ namespace quorva {
     return a - floorDivide(a, b) * b;
 }
 
-/// A day and its place in month, year and week.
+/// A day and its position in its month, year and week.
 struct Day {
     explicit Day(std::int64_t number_)
         : number(number_), date(std::chrono::sys_days(std::chrono::days(number_))) {}

@@ -1,5 +1,5 @@
-// What a calendar file holds, as the reader has understood it: series of events with all their
-// times resolved. Plain values.
+// The content of a calendar file as the reader understood it: series of events with all their times
+// resolved. Plain values.
 #pragma once
 
 #include "platform/CalendarStore.h"
@@ -16,16 +16,16 @@ namespace quorva {
 /// Seconds since 1970-01-01T00:00:00Z.
 using UtcSeconds = std::int64_t;
 
-/// Something in a file that could not be read, or not for certain, and how often.
+/// A kind of problem in a file, and how often it occurred.
 struct ICalendarProblem {
-    std::string reason; ///< a fixed text: nothing from the file itself
+    std::string reason; ///< a fixed text, never from the file
     std::size_t count = 0;
     bool isLoss = true; ///< an event, an attendee or an occurrence may be missing
 
     bool operator==(const ICalendarProblem&) const = default;
 };
 
-/// The problems of a file, each reason once.
+/// The problems of a file, one entry per reason.
 class ICalendarProblems {
 public:
     void addLoss(std::string_view reason, std::size_t count = 1) { add(reason, count, true); }
@@ -50,7 +50,7 @@ private:
     std::vector<ICalendarProblem> list;
 };
 
-/// A set of moments and of whole days, for exceptions and for moved instances.
+/// A set of moments and whole days: exceptions, or the original places of moved instances.
 struct MomentSet {
     std::vector<UtcSeconds> moments; ///< ascending
     std::vector<WallSeconds> days;   ///< midnights on the series' own clock, ascending
@@ -63,7 +63,7 @@ struct MomentSet {
 struct ICalendarEvent {
     std::optional<std::string> title;
     std::vector<CalendarParticipant> attendees; ///< the organizer is among them
-    CalendarZonePtr zone;                       ///< of its start; never null
+    CalendarZonePtr zone;                       ///< of `start`; never null
     WallSeconds start = 0;                      ///< on the zone's clock
     bool isAllDay = false;
     bool isCancelled = false;
@@ -79,18 +79,18 @@ struct ICalendarEvent {
     }
 };
 
-/// All that a file says of one event: the events that share a UID.
+/// Everything that a file says about one event: the VEVENTs that share a UID.
 struct ICalendarSeries {
     std::optional<std::string> uid;
     std::optional<ICalendarEvent> master;
-    std::vector<ICalendarEvent> moved; ///< the instances that are described on their own
-    MomentSet replaced;                ///< where these would have been
+    std::vector<ICalendarEvent> moved; ///< instances with a VEVENT of their own
+    MomentSet replaced;                ///< their original places
 };
 
 struct ICalendar {
     std::vector<ICalendarSeries> series;
     ICalendarProblems problems;
-    bool isCutShort = false; ///< the file ends in the middle: it may be being written
+    bool isCutShort = false; ///< ends within a component: the file may be half written
 };
 
 } // namespace quorva

@@ -14,7 +14,7 @@ constexpr std::array<std::string_view, 14> eventProperties{
     "DTEND", "RECURRENCE-ID", "RRULE",  "RDATE",    "EXDATE",   "DURATION",  "EXRULE",
 };
 
-/// What RFC 5545 has attendees answer. No answer, and one that is not known, is none yet.
+/// The status for a PARTSTAT. A missing or unknown one counts as not answered yet.
 ParticipantStatus statusOf(const std::string* answer) {
     if (!answer)
         return ParticipantStatus::pending;
@@ -26,7 +26,7 @@ ParticipantStatus statusOf(const std::string* answer) {
                              : ParticipantStatus::pending;
 }
 
-/// An address in the form in which two of them are compared.
+/// An address in a form that can be compared.
 std::string comparable(std::string_view address) {
     constexpr std::string_view scheme = "mailto:";
     address = trimmed(address);
@@ -35,7 +35,7 @@ std::string comparable(std::string_view address) {
     return lowerCased(trimmed(address));
 }
 
-/// What the clock of a zone shows at a moment.
+/// The reading of a zone's clock at a moment.
 WallSeconds wallOf(UtcSeconds moment, CalendarZone& zone) {
     const auto near = moment + zone.offsetAt(moment);
     return moment + zone.offsetAt(near);
@@ -153,7 +153,7 @@ CalendarParticipant ICalendarObjectEvents::participant(const ContentLine& line) 
     return attendee;
 }
 
-/// The organizer takes part as well, though servers do not always list them.
+/// Adds the organizer, who attends as well but whom servers do not always list.
 void ICalendarObjectEvents::addOrganizer(Draft& draft, ICalendarProblems& problems) {
     const auto address = comparable(participant(*draft.organizer).url);
     const auto& attendees = draft.event.attendees;
@@ -172,7 +172,7 @@ ICalendarObjectEvents::momentOf(const ContentLine& line, std::string_view value,
     std::string zoneName;
     if (const auto* const name = line.parameter("TZID"))
         zoneName = *name;
-    // "TZID=GMT+05:30:2026…", unquoted as some servers write it
+    // "TZID=GMT+05:30:2026…": some servers do not quote it
     if (const auto colon = value.rfind(':'); colon != std::string_view::npos) {
         zoneName.append(":").append(value.substr(0, colon));
         value.remove_prefix(colon + 1);
@@ -279,13 +279,13 @@ void ICalendarObjectEvents::finish(ICalendar& calendar) {
     }
 }
 
-/// The place of an event's series in the calendar; the end for a new one.
+/// The position of an event's series in the calendar; the end for a new series.
 std::size_t ICalendarObjectEvents::seriesOf(const Draft& draft, const ICalendar& calendar) {
     const auto end = calendar.series.size();
     return draft.uid ? file.seriesOfUid.try_emplace(*draft.uid, end).first->second : end;
 }
 
-/// Of several descriptions of one instance the latest counts.
+/// Of several versions of an instance, the one with the highest SEQUENCE counts.
 void ICalendarObjectEvents::addMoved(Draft& draft, std::size_t index, ICalendar& calendar) {
     auto& series = calendar.series[index];
     const auto original =

@@ -42,7 +42,7 @@ public:
     void finish(ICalendar& calendar);
 
 private:
-    /// An event whose times still wait for the zones.
+    /// An event whose times are not resolved: the zones may still follow.
     struct Draft {
         std::optional<std::string> uid;
         ICalendarEvent event;
@@ -54,7 +54,7 @@ private:
         std::vector<ContentLine> dates;      ///< RDATE
         std::vector<ContentLine> exceptions; ///< EXDATE
     };
-    /// A moment in the file, on the clock of its own zone.
+    /// A moment, on the clock of its own zone.
     struct Moment {
         WallTime wall;
         CalendarZonePtr zone;

@@ -1,5 +1,5 @@
-// The occurrences of a series: its start, RRULE and RDATE, less EXDATE and the moved instances,
-// plus these at their new places.
+// The occurrences of a series: its start, RRULE and RDATE, without EXDATE and the original places
+// of moved instances, plus these at their new places.
 #include "platform/linux/icalendar/ICalendarReader.h"
 
 #include <algorithm>
@@ -11,10 +11,10 @@ namespace {
 using std::chrono::duration_cast;
 using std::chrono::seconds;
 
-/// More than clocks are set back or forward at once.
+/// Clocks are never set forward or back by more than this at once.
 constexpr std::int64_t clockSlack = std::int64_t{3} * 3600;
 
-/// Years that the clock cannot count, such as 1 and 9999, are its first or last moment.
+/// Years out of the clock's range, such as 1 and 9999, become its first or last moment.
 Time timeOf(UtcSeconds moment) {
     constexpr auto first = duration_cast<seconds>(Time::min().time_since_epoch()).count();
     constexpr auto last = duration_cast<seconds>(Time::max().time_since_epoch()).count();
@@ -25,7 +25,8 @@ UtcSeconds utcOfTime(Time time) {
     return std::chrono::floor<seconds>(time.time_since_epoch()).count();
 }
 
-/// The rule's UNTIL on the clock of the event's start; a mere date means all of that day.
+/// The rule's UNTIL on the clock of the event's start. A date without a time includes all of that
+/// day.
 std::optional<WallSeconds> untilOf(const RecurrenceRule& rule, const ICalendarEvent& event) {
     const auto& until = rule.until();
     if (!until)
@@ -99,7 +100,7 @@ private:
             found.problems.addLoss("recurrence rule too laborious");
     }
 
-    /// Keeps a candidate that lies in the period and is not excepted or moved away.
+    /// Keeps a candidate that lies in the period and is neither an exception nor moved away.
     void collect(const ICalendarEvent& event, const Candidate& candidate,
                  std::vector<Candidate>& candidates) const {
         const auto moment = event.utcOf(candidate.wall);
@@ -113,7 +114,7 @@ private:
         return overlaps(timeOf(begins), timeOf(ends), start, end);
     }
 
-    /// Hands out one occurrence, if it is in the period. False at a limit.
+    /// Adds one occurrence if it is in the period. False when a limit is reached.
     bool add(const ICalendarEvent& event, WallSeconds wall, const NominalDuration& duration) {
         const auto begins = event.utcOf(wall);
         const auto ends = std::max(begins, event.endOf(wall, duration));

@@ -56,7 +56,7 @@ private:
 
     void begin(const std::string& component) {
         hasComponents = true;
-        // Neither can stand within another of its kind: the END of that one is missing.
+        // Neither may be nested in another of its kind: the END of that one is missing.
         if (component == "VCALENDAR" || component == "VEVENT")
             closeUnended(component);
         if (open.size() >= ICalendarLimits::depth || skippedDepth > 0) {
@@ -150,7 +150,7 @@ private:
     const ICalendarReading& reading;
     ICalendar calendar;
     std::vector<std::string> open; ///< names of the components around the current line
-    std::size_t skippedDepth = 0;  ///< how many more are around it, too deep to be read
+    std::size_t skippedDepth = 0;  ///< how many more there are, nested too deep to be read
     std::optional<Object> current;
     ICalendarObjectEvents::FileState file;
     bool hasComponents = false;

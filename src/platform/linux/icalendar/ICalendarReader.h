@@ -1,5 +1,6 @@
-// Reads iCalendar files (RFC 5545) from bytes, whoever wrote them. One broken event does not lose
-// the others; what is lost is counted by reason. No I/O but the system's time zone database.
+// Reads iCalendar files (RFC 5545) of any origin, including hostile ones. A broken event does not
+// affect the others; losses are counted by reason. Does no I/O except on the system's time zone
+// database.
 #pragma once
 
 #include "platform/linux/icalendar/ICalendar.h"
@@ -24,15 +25,15 @@ struct ICalendarLimits {
 };
 
 struct ICalendarReading {
-    CalendarZonePtr floating;               ///< what times without a zone mean: the user's zone
+    CalendarZonePtr floating;               ///< the user's zone: that of times without one
     std::vector<std::string> userAddresses; ///< without "mailto:"
 };
 
-/// Understands the bytes of a file. Of each attendee the address is kept as written; where it is no
-/// mail address but an EMAIL parameter (RFC 7986) is given, that is taken. An organizer who is not
-/// among the attendees is added to them. Times in a zone that is neither defined nor known are read
-/// as the user's own. Events of a METHOD:CANCEL object (RFC 5546) are cancelled. Any thread; the
-/// result belongs to one thread at a time.
+/// Parses the bytes of a file; never fails. An attendee's address is kept as written; if it is not
+/// a mail address, the EMAIL parameter (RFC 7986) replaces it. An organizer who is not listed as an
+/// attendee is added as one. Times in an unknown zone are read in the user's zone. Events of a
+/// METHOD:CANCEL object (RFC 5546) are cancelled. Any thread; the result belongs to one thread at a
+/// time, because its zones cache.
 [[nodiscard]] ICalendar readICalendar(std::string_view bytes, const ICalendarReading& reading);
 
 /// Occurrences that overlap a period, and what was given up on while finding them.
@@ -51,7 +52,7 @@ void addOccurrences(const ICalendarSeries& series, Time start, Time end,
 [[nodiscard]] Occurrences occurrencesOf(const ICalendar& calendar, Time start, Time end,
                                         const std::string& calendarName);
 
-/// The period that occurrences of a series can lie in. An end of `Time::max` is open.
+/// A period that contains all occurrences of a series. An end of `Time::max` is open.
 struct TimeSpan {
     Time start = Time::min();
     Time end = Time::max();

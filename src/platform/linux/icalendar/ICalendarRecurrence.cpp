@@ -15,7 +15,7 @@ namespace {
 constexpr std::size_t maxRuleLength = 2'000;
 constexpr WallSeconds endOfTime = 253'402'300'800; // the year 10000
 
-/// How many values libical has room for in a list. It writes one more behind the end.
+/// How many values libical has room for in a list. With one more, it writes past the array.
 struct ListSize {
     std::string_view name;
     long size;
@@ -47,8 +47,9 @@ bool containsPosition(std::span<const short> values, int position, int length) {
     return contains(values, position) || contains(values, position - length - 1);
 }
 
-/// One expansion. Walks the rule's periods (its years, months, weeks, days, hours, …), tests the
-/// days of each against the rule, and combines those that pass with the times of day.
+/// One expansion. Steps through the rule's periods (its years, months, weeks, days, hours, …),
+/// tests each of their days against the rule, and combines the days that pass with the times of
+/// day.
 class Expansion {
 public:
     Expansion(const icalrecurrencetype& rule_, const RecurrenceRule::Request& request_,
@@ -61,7 +62,7 @@ public:
           startTime(request_.start - startDay.number * secondsOfDay),
           last(std::min({request_.to, request_.until.value_or(request_.to), endOfTime})) {}
 
-    /// Returns how many steps it took.
+    /// Returns the number of steps.
     int run() {
         if (rule.freq <= ICAL_HOURLY_RECURRENCE)
             walkTicks();
@@ -85,7 +86,7 @@ private:
             const auto end = firstDayOf(period + 1);
             for (auto number = firstDayOf(period); number < end; ++steps) {
                 const Day day(number);
-                if (!passesMonths(day)) { // a rule names few of them: skip the others whole
+                if (!passesMonths(day)) { // skip whole months that the rule does not name
                     number += day.daysInMonth() - day.day() + 1;
                     continue;
                 }
@@ -97,7 +98,7 @@ private:
         }
     }
 
-    /// The number of the period that a day is in.
+    /// The number of the period that contains a day.
     [[nodiscard]] std::int64_t periodOf(const Day& day) const {
         switch (rule.freq) {
         case ICAL_YEARLY_RECURRENCE:
@@ -124,7 +125,7 @@ private:
         }
     }
 
-    /// A day on which a week begins. 1970-01-01 was a Thursday, 5 in libical's counting.
+    /// A day on which a week begins. 1970-01-01 was a Thursday, which libical counts as 5.
     [[nodiscard]] std::int64_t weekOrigin() const { return rule.week_start - 5; }
 
     void addTimes(WallSeconds midnight) {
@@ -158,7 +159,7 @@ private:
             tick += std::max<std::int64_t>(0, (request.from - tick) / stride - 1) * stride;
         for (; !isDone && tick - unit < last && steps < maxSteps; ++steps) {
             const auto next = endOfRefusal(tick);
-            if (next > tick) { // nothing of the rule is before `next`
+            if (next > tick) { // the rule produces nothing before `next`
                 tick += (next - tick + stride - 1) / stride * stride;
                 continue;
             }
@@ -169,8 +170,8 @@ private:
         }
     }
 
-    /// `tick` itself where the rule allows it, or else the end of the day, hour, minute or second
-    /// that the rule does not allow.
+    /// `tick` itself if the rule allows it, or the end of the day, hour, minute or second that the
+    /// rule excludes.
     [[nodiscard]] std::int64_t endOfRefusal(WallSeconds tick) const {
         const auto day = floorDivide(tick, secondsOfDay);
         const auto time = tick - day * secondsOfDay;
@@ -190,7 +191,7 @@ private:
         return !values.empty() && !contains(values, static_cast<int>(value));
     }
 
-    /// The moments within one hour, minute or second.
+    /// Adds the moments within one hour, minute or second.
     void addTimesWithin(WallSeconds tick, std::int64_t unit) {
         const auto begin = tick - floorModulo(tick, unit);
         const auto minutes = unit == 3600 ? timesOr(rule.by_minute, startTime / 60 % 60)
@@ -204,7 +205,7 @@ private:
             }
     }
 
-    // --- which days a rule allows: its BY... parts, each as a test
+    // --- the BY... parts of a rule as tests of a day
 
     [[nodiscard]] bool passes(const Day& day) const {
         if (!passesMonths(day))
@@ -230,7 +231,7 @@ private:
         return months.empty() || contains(months, day.month());
     }
 
-    /// The day that a rule means that names none: the one like the first.
+    /// For a rule that names no days: whether the day corresponds to that of the start.
     [[nodiscard]] bool passesAsStart(const Day& day) const {
         switch (rule.freq) {
         case ICAL_YEARLY_RECURRENCE:
@@ -281,9 +282,9 @@ private:
         });
     }
 
-    // --- what is handed out
+    // --- the results
 
-    /// Hands out the moments of one period, or those that BYSETPOS picks.
+    /// Passes on the moments of one period, or those that BYSETPOS selects.
     void emitMoments() {
         std::sort(moments.begin(), moments.end());
         moments.erase(std::unique(moments.begin(), moments.end()), moments.end());
@@ -315,7 +316,7 @@ private:
     bool isDone = false;
 };
 
-/// Whether libical has room for what a rule, in capitals, lists.
+/// Whether libical has room for the lists of a rule, which is given in capitals.
 bool fitsLists(const std::string& rule) {
     return std::all_of(listSizes.begin(), listSizes.end(), [&](const ListSize& list) {
         for (auto at = rule.find(list.name); at != std::string::npos;
@@ -329,7 +330,7 @@ bool fitsLists(const std::string& rule) {
     });
 }
 
-/// The value of UNTIL. libical reads it too, but not the years that its own clock cannot count.
+/// The value of UNTIL. libical parses it too, but not in years out of its range.
 std::optional<WallTime> untilOf(std::string_view text) {
     const auto capitals = upperCased(text);
     const auto at = capitals.find("UNTIL=");
@@ -369,9 +370,9 @@ std::optional<RecurrenceRule> RecurrenceRule::parse(std::string_view text) {
 bool RecurrenceRule::expand(const Request& request, const std::function<bool(WallSeconds)>& sink,
                             ExpansionBudget& budget) const {
     const auto allowed = static_cast<int>(std::min<std::int64_t>(maxSteps, budget.steps));
-    const int taken = Expansion(*rule, request, sink, allowed).run();
-    budget.steps -= std::min(taken, allowed);
-    return taken < allowed;
+    const int steps = Expansion(*rule, request, sink, allowed).run();
+    budget.steps -= std::min(steps, allowed);
+    return steps < allowed;
 }
 
 } // namespace quorva

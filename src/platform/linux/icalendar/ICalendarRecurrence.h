@@ -1,8 +1,8 @@
 // Recurrence rules (RFC 5545, section 3.3.10) on a wall clock, expanded near the period asked for.
 //
-// libical reads and checks the rules. It does not expand them: its iterator searches for the next
-// day of a rule that has none ("the 30th of February") for seconds, walks a rule with "every
-// second" through the years, and cannot be stopped meanwhile; calendar files come from strangers.
+// libical parses and checks the rules but does not expand them. Its iterator searches for seconds
+// when a rule has no next day ("the 30th of February"), steps through years of a rule that recurs
+// every second, and cannot be interrupted; and a stranger can send such a rule in an invitation.
 // Pure functions, callable from any thread.
 #pragma once
 
@@ -16,35 +16,34 @@
 
 namespace quorva {
 
-/// What the rules of one file, or of a whole store, may cost: the days and moments looked at.
+/// The limit on work: how many days and moments the rules of a file or a store may still examine.
 struct ExpansionBudget {
     std::int64_t steps = 5'000'000;
 };
 
 class RecurrenceRule {
 public:
-    /// Days or moments that one expansion looks at, at most.
+    /// The most days and moments that one expansion examines.
     static constexpr int maxSteps = 200'000;
 
-    /// Nothing for what is no rule, for a rule longer than 2,000 characters, and for one in another
-    /// calendar than the Gregorian (RFC 7529).
+    /// Parses the value of an RRULE. Nothing for invalid rules, for those of more than 2,000
+    /// characters, and for those in a calendar other than the Gregorian (RFC 7529).
     [[nodiscard]] static std::optional<RecurrenceRule> parse(std::string_view text);
 
-    /// The last moment that the rule may reach.
+    /// The rule's UNTIL.
     [[nodiscard]] const std::optional<WallTime>& until() const { return untilTime; }
 
-    /// What is to be expanded: the period [from, to] of a series that starts at `start`, and the
-    /// rule's UNTIL on the clock of `start`.
     struct Request {
-        WallSeconds start = 0;
-        WallSeconds from = 0;
+        WallSeconds start = 0; ///< of the series
+        WallSeconds from = 0;  ///< the period, its end included
         WallSeconds to = 0;
-        std::optional<WallSeconds> until;
+        std::optional<WallSeconds> until; ///< the rule's UNTIL on the clock of `start`
     };
 
-    /// Calls `sink` with the occurrences of the period in ascending order, until it returns false.
-    /// `start` itself is only among them where the rule says so. False when the rule was given up
-    /// on after `maxSteps` or at the end of the budget, so that occurrences may be missing.
+    /// Calls `sink` with the occurrences in the period, in ascending order, until it returns false.
+    /// `start` is among them only if the rule produces it. Subtracts the steps from `budget`.
+    /// Returns false when `maxSteps` or the budget was exhausted, so that occurrences may be
+    /// missing.
     [[nodiscard]] bool expand(const Request& request, const std::function<bool(WallSeconds)>& sink,
                               ExpansionBudget& budget) const;
 

@@ -19,7 +19,7 @@ char upper(char c) {
     return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
 }
 
-/// The number that `digits` spells; nothing for anything but digits.
+/// The number that `digits` spells; nothing if there is any other character.
 std::optional<int> number(std::string_view digits) {
     int value = 0;
     const auto* const end = digits.data() + digits.size();
@@ -29,7 +29,8 @@ std::optional<int> number(std::string_view digits) {
     return value;
 }
 
-/// RFC 6868: "^n", "^^" and "^'" stand for a line break, "^" and a quotation mark.
+/// Resolves the escapes of RFC 6868: "^n", "^^" and "^'" are a line break, "^" and a quotation
+/// mark.
 std::string withoutCarets(std::string_view value) {
     std::string plain;
     plain.reserve(value.size());
@@ -42,8 +43,8 @@ std::string withoutCarets(std::string_view value) {
     return plain;
 }
 
-/// Where a parameter's value ends that begins at `begin`: at the next ";" or ":" out of quotes. A
-/// quotation mark that is never closed does not count.
+/// Where the parameter that begins at `begin` ends: at the next ";" or ":" outside of quotes. A
+/// quotation mark that is never closed is ignored.
 std::size_t endOfParameter(std::string_view line, std::size_t begin) {
     for (auto at = begin; at < line.size(); ++at) {
         if (line[at] == ';' || line[at] == ':')
@@ -89,7 +90,7 @@ std::optional<std::string_view> ContentLines::next() {
     return std::nullopt;
 }
 
-/// The bytes up to the next line end, which is taken from the rest as well.
+/// Removes the bytes up to and including the next line end from the rest; returns them without it.
 std::string_view ContentLines::nextPhysicalLine() {
     const auto end = std::min(rest.find(lineEnd), rest.size());
     auto line = rest.substr(0, end);

@@ -16,7 +16,7 @@ public:
     explicit SystemZone(GTimeZonePtr zone_) : zone(std::move(zone_)) {}
 
     std::int64_t offsetAt(WallSeconds local) override {
-        // Daylight time comes first where the clock is set back.
+        // Of two readings of a clock that is set back, the first is in daylight time.
         auto interval = g_time_zone_find_interval(zone.get(), G_TIME_TYPE_DAYLIGHT, local);
         if (interval < 0)
             interval =
@@ -28,7 +28,7 @@ private:
     GTimeZonePtr zone;
 };
 
-/// Whether the system's database has a zone of this name. GLib would take any file for one.
+/// Whether the system's database has a zone of this name. GLib accepts any file as one.
 bool isInDatabase(const std::string& name) {
     const FileDescriptor fd(
         ::open(("/usr/share/zoneinfo/" + name).c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
@@ -42,7 +42,7 @@ CalendarZonePtr systemZone(const std::string& identifier) {
     return zone ? std::make_shared<SystemZone>(std::move(zone)) : nullptr;
 }
 
-/// "GMT+05:30" and "UTC-3": names that say the offset.
+/// The zone of a name that is an offset, such as "GMT+05:30" and "UTC-3"; null for others.
 CalendarZonePtr zoneOfOffset(std::string_view name) {
     if (!name.starts_with("GMT") && !name.starts_with("UTC"))
         return nullptr;
@@ -52,7 +52,7 @@ CalendarZonePtr zoneOfOffset(std::string_view name) {
     return isOffset ? systemZone(offset) : nullptr;
 }
 
-/// A zone as a file defines it. The onsets that follow from rules are computed a few years at a
+/// A zone that a file defines. The onsets that its rules produce are computed a few years at a
 /// time, when they are needed.
 class FileZone final : public CalendarZone {
 public:
@@ -76,7 +76,7 @@ public:
 
 private:
     struct Onset {
-        WallSeconds at; ///< on the clock as it was before
+        WallSeconds at; ///< on the clock before it
         std::int64_t from;
         std::int64_t to;
     };
@@ -90,8 +90,8 @@ private:
                   [](const Onset& a, const Onset& b) { return a.at < b.at; });
     }
 
-    /// The last onset before a reading of the clock. A clock that is set forward at `at` shows
-    /// nothing before at + (to - from).
+    /// The last onset before a reading of the clock. A clock that is set forward at `at` next shows
+    /// at + (to - from).
     static const Onset* latest(const Onsets& onsets, WallSeconds local) {
         const auto next =
             std::partition_point(onsets.begin(), onsets.end(), [&](const Onset& onset) {
@@ -114,7 +114,8 @@ private:
         return onsets;
     }
 
-    /// The onsets of the four years up to `to`, or of the last four of a rule that has ended.
+    /// Adds the onsets of the four years up to `to`, or of the last four years of a rule that ended
+    /// before.
     void addOnsets(const ZoneObservance& observance, const RecurrenceRule& rule, WallSeconds to,
                    Onsets& onsets) {
         RecurrenceRule::Request request{.start = observance.start, .to = to};
@@ -124,7 +125,7 @@ private:
         }
         request.from = std::min(to, request.until.value_or(to)) - 4 * span;
         std::size_t count = 0;
-        // A rule that is given up on leaves the onsets found so far.
+        // Without the budget to finish, the onsets found so far have to do.
         (void)rule.expand(
             request,
             [&](WallSeconds at) {
@@ -170,7 +171,7 @@ CalendarZonePtr zoneOfName(std::string_view name) {
 }
 
 UserZone userZone() {
-    // GLib looks at /etc/localtime once in the life of a process: look there first.
+    // GLib reads /etc/localtime once per process and would miss a later change: read it here first.
     std::array<char, 256> link{};
     const auto length = ::readlink("/etc/localtime", link.data(), link.size());
     constexpr std::string_view database = "zoneinfo/";

@@ -1,4 +1,4 @@
-// Folders of .ics files on a real disk: what is found, what is read again, and what is reported.
+// Folders of .ics files on a real disk: which are found, which are read again, which are reported.
 #include "platform/linux/calendars/IcsFolderStore.h"
 
 #include "platform/linux/glib/GLibMainLoop.h"
@@ -27,7 +27,7 @@ protected:
                "T120000Z\r\nEND:VEVENT\r\nEND:VCALENDAR\r\n";
     }
 
-    /// Writes a file that has been there for an hour.
+    /// Writes a file with a modification time of an hour ago.
     void writeOld(const std::string& name, const std::string& bytes) const {
         home.write(name, bytes);
         std::filesystem::last_write_time(home.path / name,
@@ -109,7 +109,7 @@ TEST_F(IcsFolderStoreTest, readsNothingAgainThatHasNotChanged) {
                  event(std::to_string(i), i < 20 ? "20260328" : "20270101"));
     open();
     EXPECT_EQ(fetch().events.size(), 20U);
-    (void)fetch(); // the folder has come under watch
+    (void)fetch(); // the folder is watched from now on
     EXPECT_EQ(store->reads(), 10'000U);
     EXPECT_EQ(fetch().events.size(), 20U);
     EXPECT_EQ(store->reads(), 10'000U);
@@ -149,7 +149,7 @@ TEST_F(IcsFolderStoreTest, keepsWhatItKnewWhileAFileIsBeingWritten) {
     home.write("calendars/work/a.ics", event("b"));
     EXPECT_TRUE(changesTo({"work/b"}));
 
-    writeOld("calendars/work/a.ics", event("b").substr(0, 60)); // nobody is writing any more
+    writeOld("calendars/work/a.ics", event("b").substr(0, 60)); // no longer being written
     ASSERT_TRUE(wait([&] { return !fetch().unread.empty(); }));
     EXPECT_EQ(fetch().unread.front().calendarName, "work");
 }

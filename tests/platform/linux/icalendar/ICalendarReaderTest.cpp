@@ -1,4 +1,4 @@
-// iCalendar files as servers, exporters and attackers write them, and what is understood of them.
+// iCalendar files as servers, exporters and attackers write them.
 #include "platform/linux/icalendar/ICalendarReader.h"
 
 #include <gtest/gtest.h>
@@ -9,7 +9,7 @@
 namespace quorva {
 namespace {
 
-/// The file that these lines make, with the line ends of the standard.
+/// A file of these lines, with the line ends of the standard.
 std::string file(const std::string& lines) {
     std::string bytes;
     for (const char c : lines)
@@ -65,7 +65,7 @@ using Starts = std::vector<std::string>;
 using std::chrono::hours;
 using std::chrono::minutes;
 
-// Clocks in Berlin go forward on 2026-03-29, in New York they went on 2026-03-08.
+// In 2026, clocks go forward in Berlin on March 29, and in New York on March 8.
 TEST(ICalendarReaderTest, keepsAWeeklyMeetingAtItsWallClockTimeThroughAClockChange) {
     const auto series = eventOf("DTSTART;TZID=Europe/Berlin:20260105T090000\n"
                                 "DTEND;TZID=Europe/Berlin:20260105T100000\n"
@@ -89,7 +89,7 @@ TEST(ICalendarReaderTest, movesSkipsAndCancelsSingleInstances) {
                                         "2026-04-05T11:00", "2026-04-10T12:00"}));
 }
 
-// The rules of RFC 5545, section 3.8.5.3, that differ between implementations, seen from 2026.
+// Rules of RFC 5545, section 3.8.5.3, that implementations are known to expand differently.
 TEST(ICalendarReaderTest, expandsRulesAsTheStandardDefinesThem) {
     struct Row {
         const char* start;

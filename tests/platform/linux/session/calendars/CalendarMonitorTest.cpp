@@ -1,5 +1,5 @@
-// The way from an invitation to its announcement, with nothing left out: the real calendar service,
-// folders of files, preferences on disk.
+// From an invitation to its announcement, with the real calendar service, folders of files and
+// preferences on disk.
 #include "detectors/CalendarMonitor.h"
 
 #include "platform/linux/calendars/LinuxCalendarStore.h"
@@ -23,7 +23,7 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
 
-/// The desktop's main loop, with a clock that can be put forward.
+/// The desktop's main loop, with a clock that can be set forward.
 class HastyMainLoop final : public MainLoop {
 public:
     explicit HastyMainLoop(MainLoop& loop_) : loop(loop_) {}
@@ -43,7 +43,7 @@ private:
     MainLoop& loop;
 };
 
-/// One run of the program. The store stays: its library's registry is shared within a process.
+/// One run of the program. The store outlives it: the library's registry is shared in a process.
 struct Program {
     Program(MainLoop& loop, CalendarStore& store, Log& log, const std::filesystem::path& path)
         : file(path),

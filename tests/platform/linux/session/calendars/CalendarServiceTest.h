@@ -1,5 +1,5 @@
-// What tests of the real calendar service share: the service is started by the bus of the session
-// that the test program runs in, and another program of that session writes to its calendar.
+// Shared by the tests of the real calendar service. The bus of the test's session starts the
+// service, and a client of its own writes to the calendars.
 #pragma once
 
 #include "platform/linux/glib/GLibMainLoop.h"
@@ -23,7 +23,7 @@ inline std::string utc(Time time) {
     return fmt::format("{:%Y%m%dT%H%M%SZ}", std::chrono::floor<std::chrono::seconds>(time));
 }
 
-/// What an event of half an hour looks like; `lines` are added to it.
+/// An event of half an hour, with further `lines`.
 inline std::string vevent(const std::string& uid, Time start, const std::string& lines) {
     return fmt::format("BEGIN:VEVENT\r\nUID:{}\r\nDTSTAMP:20260101T000000Z\r\nDTSTART:{}\r\n"
                        "DTEND:{}\r\n{}END:VEVENT\r\n",
@@ -34,7 +34,7 @@ inline std::string vcalendar(const std::string& lines) {
     return "BEGIN:VCALENDAR\r\nVERSION:2.0\r\n" + lines + "END:VCALENDAR\r\n";
 }
 
-/// A calendar, as another program of the session writes to it: "Personal" where none is given.
+/// Another client that writes to a calendar, by default to "Personal".
 class CalendarWriter {
 public:
     CalendarWriter()
@@ -64,7 +64,7 @@ private:
     GObjectPtr<ECalClient> client;
 };
 
-/// Has the service keep one more calendar on this computer; null when it does not.
+/// Adds a calendar to the service; null when that fails.
 inline GObjectPtr<ESource> addCalendar(const char* name, const char* backend = "local") {
     GObjectPtr<ESource> source(e_source_new(nullptr, nullptr, nullptr));
     e_source_set_display_name(source.get(), name);
@@ -82,7 +82,7 @@ inline GObjectPtr<ESource> addCalendar(const char* name, const char* backend = "
 
 class CalendarServiceTest : public testing::Test {
 protected:
-    /// Turns the main loop until `condition` holds; false when it does not come to that.
+    /// Turns the main loop until `condition` holds; false if it does not within 40 seconds.
     template <typename Condition>
     [[nodiscard]] bool comesTo(Condition condition) {
         const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(40);
@@ -92,7 +92,7 @@ protected:
         return condition();
     }
 
-    /// Sends `signal` to the processes of this session that serve calendars; how many there were.
+    /// Sends `signal` to the processes of this session that serve calendars; returns their number.
     static int signalService(int signal) {
         int processes = 0;
         const auto home = std::string("HOME=") + std::getenv("HOME") + '\0';
@@ -107,7 +107,7 @@ protected:
         return processes;
     }
 
-    /// Empty for a process that has ended meanwhile: a stream's own operators do not throw.
+    /// Empty for a process that has just ended.
     static std::string contentsOf(const std::filesystem::path& file) {
         std::ostringstream contents;
         contents << std::ifstream(file).rdbuf();
