@@ -1,5 +1,6 @@
 #include "platform/linux/calendars/CalendarPlaces.h"
 
+#include "platform/PreferenceKeys.h"
 #include "platform/linux/storage/PreferencesFormat.h"
 
 #include <glib.h>
@@ -7,12 +8,11 @@
 namespace quorva {
 namespace {
 
-constexpr auto foldersKey = "calendarFolders";
-
 using Folders = std::vector<std::string>;
 
 /// The folders that the preferences name; nothing, with the reason, when that cannot be read.
 std::optional<Folders> namedFolders(const WholeFile& preferences, std::string& fault) {
+    constexpr auto key = preferenceKeys::calendarFolders.name;
     std::error_code error;
     const auto content = preferences.read(error);
     if (!content) {
@@ -23,12 +23,12 @@ std::optional<Folders> namedFolders(const WholeFile& preferences, std::string& f
     if (!document)
         return std::nullopt;
     const auto values = document->values();
-    const auto named = values.find(foldersKey);
+    const auto named = values.find(key);
     if (named == values.end())
         return Folders();
     if (const auto* const folders = std::get_if<Folders>(&named->second))
         return *folders;
-    fault = std::string(foldersKey) + " is not a list of texts";
+    fault = std::string(key) + " is not a list of texts";
     return std::nullopt;
 }
 
