@@ -119,7 +119,7 @@ public:
     }
 
     static bool isSelected(const CalendarWindow& window, const Calendar& calendar) {
-        return window.calendars == 1 && window.unread.empty() &&
+        return window.calendars == 1 && window.failed.empty() &&
                window.events.size() == eventsOfDay &&
                window.events.front().calendarName == calendar.identifier;
     }

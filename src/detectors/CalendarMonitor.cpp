@@ -75,8 +75,8 @@ CalendarBotDetection asUnknownBot(CalendarBotDetection detection, std::string_vi
     return detection;
 }
 
-bool names(const std::vector<UnreadCalendar>& calendars, const std::string& name) {
-    return std::any_of(calendars.begin(), calendars.end(), [&](const UnreadCalendar& calendar) {
+bool names(const std::vector<FailedCalendar>& calendars, const std::string& name) {
+    return std::any_of(calendars.begin(), calendars.end(), [&](const FailedCalendar& calendar) {
         return calendar.calendarName == name;
     });
 }
@@ -177,7 +177,7 @@ bool CalendarMonitor::checkAccess() {
 
 void CalendarMonitor::complete(const CalendarWindow& window, Time now) {
     auto fresh = withoutDismissed(findBots(window.events, now));
-    keepUnread(fresh, window.unread, now);
+    keepFailed(fresh, window.failed, now);
     const Detections old = *calendarDetections; // a callback may dismiss one
     announce(fresh, detectionKeys(old));
     retire(old, detectionKeys(fresh));
@@ -186,7 +186,7 @@ void CalendarMonitor::complete(const CalendarWindow& window, Time now) {
         return a.eventStartDate < b.eventStartDate;
     });
     calendarCount = window.calendars;
-    reportUnread(window.unread);
+    reportFailed(window.failed);
     calendarDetections = std::move(fresh);
     lastScanDate = now;
     // After the tasks in which those who were called store what they have been told: a detection
@@ -251,11 +251,11 @@ CalendarMonitor::Detections CalendarMonitor::withoutDismissed(Detections found) 
 
 /// Adds what was found before in a calendar that could not be read this time: its events may well
 /// be as they were.
-void CalendarMonitor::keepUnread(Detections& fresh, const std::vector<UnreadCalendar>& unread,
+void CalendarMonitor::keepFailed(Detections& fresh, const std::vector<FailedCalendar>& failed,
                                  Time now) const {
     const auto newKeys = detectionKeys(fresh);
     for (const auto& old : *calendarDetections)
-        if (old.eventEndDate >= now && names(unread, old.calendarName) &&
+        if (old.eventEndDate >= now && names(failed, old.calendarName) &&
             !newKeys.contains(detectionKey(old)))
             fresh.push_back(old);
 }
@@ -274,13 +274,13 @@ void CalendarMonitor::retire(const Detections& old, const KeySet& newKeys) {
 }
 
 /// Publishes which calendars could not be read, and logs each when it begins to fail.
-void CalendarMonitor::reportUnread(const std::vector<UnreadCalendar>& unread) {
-    for (const auto& calendar : unread)
-        if (!names(*unreadCalendars, calendar.calendarName))
+void CalendarMonitor::reportFailed(const std::vector<FailedCalendar>& failed) {
+    for (const auto& calendar : failed)
+        if (!names(*failedCalendars, calendar.calendarName))
             log.error(fmt::format("The calendar \"{}\" can't be read: {}",
                                   printable(calendar.calendarName), printable(calendar.reason)),
                       logCategory::calendar);
-    unreadCalendars = unread;
+    failedCalendars = failed;
 }
 
 void CalendarMonitor::dismiss(const CalendarBotDetection& detection) {

@@ -48,11 +48,11 @@ public:
     Published<CalendarAuthorization, CalendarMonitor> authorizationStatus;
     /// When the last completed scan began.
     Published<std::optional<Time>, CalendarMonitor> lastScanDate;
-    /// How many calendars the last scan asked, the unread ones included.
+    /// How many calendars the last scan asked, the failed ones included.
     Published<std::size_t, CalendarMonitor> calendarCount;
     /// The calendars that the last scan could not read. What was found in them before stays listed
     /// until its event has ended.
-    Published<std::vector<UnreadCalendar>, CalendarMonitor> unreadCalendars;
+    Published<std::vector<FailedCalendar>, CalendarMonitor> failedCalendars;
 
     /// A bot was found that was never announced before. Called within a scan, before
     /// `calendarDetections` changes; may be empty.
@@ -94,10 +94,10 @@ private:
     [[nodiscard]] std::optional<CalendarBotDetection>
     makeDetection(const CalendarParticipant& attendee, const CalendarEvent& event) const;
     [[nodiscard]] Detections withoutDismissed(Detections found) const;
-    void keepUnread(Detections& fresh, const std::vector<UnreadCalendar>& unread, Time now) const;
+    void keepFailed(Detections& fresh, const std::vector<FailedCalendar>& failed, Time now) const;
     void announce(const Detections& fresh, const KeySet& oldKeys);
     void retire(const Detections& old, const KeySet& newKeys);
-    void reportUnread(const std::vector<UnreadCalendar>& unread);
+    void reportFailed(const std::vector<FailedCalendar>& failed);
     [[nodiscard]] std::string hashedDetectionKey(const CalendarBotDetection& detection) const;
     [[nodiscard]] KeySet loadKeys(const PreferenceKey<std::vector<std::string>>& key) const;
     void saveKeys();

@@ -51,11 +51,11 @@ void CalendarDrill::read(const CalendarStandIn& written) {
 }
 
 void CalendarDrill::check(const CalendarWindow& window) {
-    const BrokenStep unread{"read the calendar", ""};
-    if (!window.unread.empty())
-        return fail({unread.step, window.unread.front().reason});
+    const BrokenStep broken{"read the calendar", ""};
+    if (!window.failed.empty())
+        return fail({broken.step, window.failed.front().reason});
     if (std::none_of(window.events.begin(), window.events.end(), isDrill))
-        return fail({unread.step, fmt::format("calendars read: {}; the event is in none of them: "
+        return fail({broken.step, fmt::format("calendars read: {}; the event is in none of them: "
                                               "this is a fault of the program, please report it",
                                               window.calendars)});
     pass("read");

@@ -68,18 +68,18 @@ struct CalendarSource {
 };
 
 /// A calendar that could not be read. Without it, such a calendar would look empty.
-struct UnreadCalendar {
+struct FailedCalendar {
     std::string calendarName;
     std::string reason; ///< for the log and for people
 
-    bool operator==(const UnreadCalendar&) const = default;
+    bool operator==(const FailedCalendar&) const = default;
 };
 
 /// The result of reading a period.
 struct CalendarWindow {
     std::vector<CalendarEvent> events; ///< those that overlap the period, by start
-    std::vector<UnreadCalendar> unread;
-    std::size_t calendars = 0; ///< how many were asked, the unread ones included
+    std::vector<FailedCalendar> failed;
+    std::size_t calendars = 0; ///< how many were asked, the failed ones included
 };
 
 /// Main thread only. No operation waits for a service, a disk or the network.
@@ -102,7 +102,7 @@ public:
 
     /// Reads the occurrences that overlap the period from `start` to `end`, and calls `done` once,
     /// on the main loop or within this call. A calendar that does not answer within 10 seconds is
-    /// reported as unread. Dropping the subscription ends the wait without a call.
+    /// reported as failed. Dropping the subscription ends the wait without a call.
     [[nodiscard]] virtual Subscription fetchEvents(Time start, Time end,
                                                    std::function<void(CalendarWindow)> done) = 0;
 

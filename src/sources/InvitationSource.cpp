@@ -115,10 +115,10 @@ private:
     const CalendarBotDetection bot;
 };
 
-std::string failedCalendarsText(const std::vector<UnreadCalendar>& calendars) {
+std::string failedCalendarsText(const std::vector<FailedCalendar>& calendars) {
     return fmt::format(
         "Calendars that can't be read: {}. Bots invited to their meetings are not seen.",
-        someOf(calendars, [](const UnreadCalendar& calendar) {
+        someOf(calendars, [](const FailedCalendar& calendar) {
             return fmt::format("{} ({})", calendar.calendarName, calendar.reason);
         }));
 }
@@ -135,7 +135,7 @@ InvitationSource::InvitationSource(Platform& platform, Preferences& preferences)
         gone(std::make_shared<InvitationFinding>(bot));
     };
     followList(monitor.calendarDetections);
-    followState(monitor.unreadCalendars, monitor.calendarCount, monitor.lastScanDate);
+    followState(monitor.failedCalendars, monitor.calendarCount, monitor.lastScanDate);
     followPermission(monitor.authorizationStatus);
 }
 
@@ -180,8 +180,8 @@ SourceState InvitationSource::sight() const {
     if (monitor.calendarCount.get() == 0)
         return {notAvailable,
                 "There is no calendar to look at: bots invited to meetings are not seen."};
-    if (!monitor.unreadCalendars->empty())
-        return {partlyBlind, failedCalendarsText(*monitor.unreadCalendars)};
+    if (!monitor.failedCalendars->empty())
+        return {partlyBlind, failedCalendarsText(*monitor.failedCalendars)};
     return {ok, {}};
 }
 
@@ -202,7 +202,7 @@ std::string InvitationSource::detail() const {
     if (!mayLook())
         return "calendars are read only when they are named: add --source calendar";
     const auto count = monitor.calendarCount.get();
-    const auto& failed = *monitor.unreadCalendars;
+    const auto& failed = *monitor.failedCalendars;
     if (count == 0)
         return "there is no calendar to look at";
     if (failed.empty())

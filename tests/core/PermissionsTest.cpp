@@ -82,7 +82,7 @@ TEST_F(PermissionsTest, saysWhatIsMissingAndWhatThatCosts) {
     computer.notifications.state = {NotificationService::State::absent, false};
     computer.speech.fault = "No speech service is installed.";
     computer.processTable.canBeListed = false;
-    computer.calendars.unread = {{"Work", "it does not answer"}};
+    computer.calendars.failed = {{"Work", "it does not answer"}};
     auto& app = start();
     app.limitations.setTray(false);
     computer.loop.runPosted();
@@ -145,7 +145,7 @@ TEST_F(PermissionsTest, aSourceHasOneStateAtATime) {
     computer.loop.runPosted();
     EXPECT_THAT(states(), ElementsAre(ok, looking, ok));
     EXPECT_EQ(app.stateText(), "All Clear");
-    computer.calendars.unread = {{"Work", "it does not answer"}};
+    computer.calendars.failed = {{"Work", "it does not answer"}};
     computer.calendars.answerFetch();
     computer.loop.runPosted();
     EXPECT_THAT(states(), ElementsAre(ok, partlyBlind, ok));

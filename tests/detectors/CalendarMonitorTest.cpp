@@ -204,28 +204,28 @@ TEST_F(CalendarMonitorTest, waitsForSlowCalendarsWithOneScanAtATime) {
     EXPECT_THAT(announced(), IsEmpty());
 }
 
-TEST_F(CalendarMonitorTest, doesNotTakeAnUnreadCalendarForAnEmptyOne) {
+TEST_F(CalendarMonitorTest, doesNotTakeAnFailedCalendarForAnEmptyOne) {
     auto other = event("E2", 1h, {otter});
     other.calendarName = "Home";
     store.events = {event("E1", 30min, {otter}), other};
     monitor->startMonitoring();
     announced();
-    store.unread = {{"Work", "no answer"}};
+    store.failed = {{"Work", "no answer"}};
     store.events.clear();
     loop.advance(10min);
     EXPECT_THAT(announced(), ElementsAre("-otter-cal-E2"));
     EXPECT_THAT(listed(), ElementsAre("otter-cal-E1"));
-    EXPECT_THAT(*monitor->unreadCalendars, ElementsAre(UnreadCalendar{"Work", "no answer"}));
+    EXPECT_THAT(*monitor->failedCalendars, ElementsAre(FailedCalendar{"Work", "no answer"}));
     loop.advance(80min);
     EXPECT_THAT(listed(), ElementsAre("otter-cal-E1"));
     EXPECT_EQ(log.count("\"Work\" can't be read: no answer"), 1U);
     loop.advance(5min); // its event has ended
     EXPECT_THAT(announced(), ElementsAre("-otter-cal-E1"));
 
-    store.unread.clear();
+    store.failed.clear();
     loop.advance(5min);
-    EXPECT_THAT(*monitor->unreadCalendars, IsEmpty());
-    store.unread = {{"Work", "no answer"}};
+    EXPECT_THAT(*monitor->failedCalendars, IsEmpty());
+    store.failed = {{"Work", "no answer"}};
     loop.advance(5min);
     EXPECT_EQ(log.messages.size(), 2U); // it fails anew
 }

@@ -135,7 +135,7 @@ INSTANTIATE_TEST_SUITE_P(
               [](StandIns& it, Table&, Tree&) { it.calendar.answersAtOnce = false; }},
         Fault{DrillLink::calendar, "read the calendar", "permission denied",
               [](StandIns& it, Table&, Tree&) {
-                  it.calendar.unread = {{"Drill", "permission denied"}};
+                  it.calendar.failed = {{"Drill", "permission denied"}};
               }},
         Fault{DrillLink::calendar, "match the invitation", "not detected",
               [](StandIns& it, Table&, Tree&) { it.otherAttendee = "ann@example.org"; }},

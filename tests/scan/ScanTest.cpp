@@ -147,7 +147,7 @@ TEST_F(ScanTest, saysWhyCalendarsCouldNotBeLookedAt) {
     EXPECT_THAT(none.sources.at(0).detail, HasSubstr("install evolution-data-server"));
 
     calendars.status = CalendarAuthorization::fullAccess;
-    calendars.unread = {{"Team", "no answer"}};
+    calendars.failed = {{"Team", "no answer"}};
     const auto partly = look(calendarOnly);
     EXPECT_EQ(partly.exitStatus(), 3) << "nothing found in a part is not an all clear";
     EXPECT_EQ(partly.sources.at(0).detail, "calendars that can't be read: 1 of 2; Team: no answer");

@@ -92,9 +92,9 @@ TYPED_TEST_P(CalendarStoreContract, namesACalendarThatFailsAndDeliversTheOthers)
     this->addFailingCalendar();
     const auto window = this->fetch();
     EXPECT_THAT(this->idsOf(window), testing::ElementsAre("meeting"));
-    ASSERT_EQ(window.unread.size(), 1U);
-    EXPECT_EQ(window.unread.front().calendarName, "Broken");
-    EXPECT_NE(window.unread.front().reason, "");
+    ASSERT_EQ(window.failed.size(), 1U);
+    EXPECT_EQ(window.failed.front().calendarName, "Broken");
+    EXPECT_NE(window.failed.front().reason, "");
     EXPECT_GE(window.calendars, 2U);
 }
 

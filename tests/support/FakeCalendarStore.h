@@ -16,8 +16,8 @@ public:
     CalendarAuthorization status = CalendarAuthorization::fullAccess;
     AccessAnswer answer{.granted = true, .error = std::nullopt};
     std::vector<CalendarEvent> events;
-    std::size_t calendars = 2;          ///< the unread ones included
-    std::vector<UnreadCalendar> unread; ///< the events of these are left out
+    std::size_t calendars = 2;          ///< the failed ones included
+    std::vector<FailedCalendar> failed; ///< the events of these are left out
     std::vector<CalendarSource> accounts;
     CallbackList<> changes;
     bool answersAtOnce = true;
@@ -57,13 +57,13 @@ private:
     };
 
     [[nodiscard]] CalendarWindow window(Time start, Time end) const {
-        CalendarWindow window{.events = events, .unread = unread, .calendars = calendars};
+        CalendarWindow window{.events = events, .failed = failed, .calendars = calendars};
         std::erase_if(window.events, [&](const CalendarEvent& event) {
-            const bool isUnread =
-                std::any_of(unread.begin(), unread.end(), [&](const UnreadCalendar& calendar) {
+            const bool hasFailed =
+                std::any_of(failed.begin(), failed.end(), [&](const FailedCalendar& calendar) {
                     return calendar.calendarName == event.calendarName;
                 });
-            return isUnread || !overlaps(event.start, event.end, start, end);
+            return hasFailed || !overlaps(event.start, event.end, start, end);
         });
         std::stable_sort(window.events.begin(), window.events.end(),
                          [](const auto& a, const auto& b) { return a.start < b.start; });

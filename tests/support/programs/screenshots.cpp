@@ -97,7 +97,7 @@ const std::vector<Scene> scenes{
     {"popover-limited", popover,
      [](Stage& stage) {
          stage.permit(true, true);
-         stage.computer.calendars.unread = {{"Work", "it does not answer"}};
+         stage.computer.calendars.failed = {{"Work", "it does not answer"}};
          stage.look();
          stage.ui.openPopover();
      }},

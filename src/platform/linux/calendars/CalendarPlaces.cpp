@@ -41,7 +41,7 @@ CalendarPlaces findCalendarPlaces(const WholeFile& preferences) {
     if (const auto folders = namedFolders(preferences, fault))
         places.files.folders.assign(folders->begin(), folders->end());
     else
-        places.unread.push_back({"the folders named in the preferences", fault});
+        places.failed.push_back({"the folders named in the preferences", fault});
     return places;
 }
 

@@ -12,7 +12,7 @@ namespace quorva {
 
 struct CalendarPlaces {
     IcsPlaces files;
-    std::vector<UnreadCalendar> unread; ///< calendars whose places could not be found out
+    std::vector<FailedCalendar> failed; ///< calendars whose places could not be found out
 };
 
 /// The folder "calendars" below XDG_DATA_HOME, and the list "calendarFolders" in the preferences,

@@ -200,13 +200,13 @@ void EdsCalendarStore::complete(const FetchPtr& fetch) {
     for (std::size_t i = 0; i < fetch->calendars.size(); ++i) {
         auto& reading = fetch->readings[i];
         if (reading.failure)
-            window.unread.push_back({fetch->calendars[i].name, std::move(*reading.failure)});
+            window.failed.push_back({fetch->calendars[i].name, std::move(*reading.failure)});
         std::move(reading.events.begin(), reading.events.end(), std::back_inserter(window.events));
     }
     if (fetch->found == Service::failed) {
         const auto problem = registry.problem().empty() ? noAnswer : registry.problem();
         noteService(problem);
-        window.unread.push_back({serviceName, problem});
+        window.failed.push_back({serviceName, problem});
         ++window.calendars;
     }
     std::stable_sort(window.events.begin(), window.events.end(),

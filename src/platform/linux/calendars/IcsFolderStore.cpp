@@ -98,10 +98,10 @@ void IcsFolderStore::handleTimeout(const std::weak_ptr<Request>& request) {
         return;
     CalendarWindow window;
     for (const auto& source : knownSources)
-        window.unread.push_back({source.title, "no answer within 10 seconds"});
-    if (window.unread.empty())
-        window.unread.push_back({"calendar folders", "no answer within 10 seconds"});
-    window.calendars = window.unread.size();
+        window.failed.push_back({source.title, "no answer within 10 seconds"});
+    if (window.failed.empty())
+        window.failed.push_back({"calendar folders", "no answer within 10 seconds"});
+    window.calendars = window.failed.size();
     std::exchange(waiting->done, nullptr)(std::move(window));
 }
 

@@ -97,8 +97,8 @@ void IcsIndex::collect(Time start, Time end, CalendarWindow& window) const {
     std::stable_sort(window.events.begin(), window.events.end(),
                      [](const auto& a, const auto& b) { return a.start < b.start; });
     for (const auto& problem : found.problems.all())
-        window.unread.push_back({.calendarName = "folders", .reason = problem.reason});
-    window.unread.insert(window.unread.end(), failures.begin(), failures.end());
+        window.failed.push_back({.calendarName = "folders", .reason = problem.reason});
+    window.failed.insert(window.failed.end(), failures.begin(), failures.end());
 }
 
 /// One line for each calendar in whose files something was lost.

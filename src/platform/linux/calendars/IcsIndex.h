@@ -48,7 +48,7 @@ private:
     const std::atomic<bool>& isAbandoned;
     Contents contents;
     std::vector<Entry> entries; ///< of all contents, by start
-    std::vector<UnreadCalendar> failures;
+    std::vector<FailedCalendar> failures;
     TimeSpan covered{.start = Time::max(), .end = Time::min()};
     std::uint64_t revision = 0; ///< of the tree when the index was built
 };

@@ -17,7 +17,7 @@ struct LinuxCalendarStore::Request {
 LinuxCalendarStore::LinuxCalendarStore(MainLoop& loop, Log& log, CalendarPlaces places,
                                        CalendarConsent consent_)
     : consent(std::move(consent_)),
-      withoutPlace(std::move(places.unread)),
+      withoutPlace(std::move(places.failed)),
       service(loop, log),
       folders(loop, std::move(places.files), {}) {}
 
@@ -35,7 +35,7 @@ Subscription LinuxCalendarStore::fetchEvents(Time start, Time end,
                                              std::function<void(CalendarWindow)> done) {
     auto request = std::make_shared<Request>();
     request->done = std::move(done);
-    request->window = {.events = {}, .unread = withoutPlace, .calendars = withoutPlace.size()};
+    request->window = {.events = {}, .failed = withoutPlace, .calendars = withoutPlace.size()};
     const auto add = [weak = std::weak_ptr(request)](CalendarWindow part) {
         addPart(weak, std::move(part));
     };
@@ -50,7 +50,7 @@ void LinuxCalendarStore::addPart(const std::weak_ptr<Request>& request, Calendar
         return;
     auto& whole = waiting->window;
     std::move(part.events.begin(), part.events.end(), std::back_inserter(whole.events));
-    std::move(part.unread.begin(), part.unread.end(), std::back_inserter(whole.unread));
+    std::move(part.failed.begin(), part.failed.end(), std::back_inserter(whole.failed));
     whole.calendars += part.calendars;
     if (--waiting->missing > 0)
         return;

@@ -12,7 +12,7 @@ namespace quorva {
 class LinuxCalendarStore final : public CalendarStore {
 public:
     /// `consent` says what the user allows, and asks. Calendars whose places could not be found out
-    /// are reported as unread with every fetch. The loop and the log must outlive this.
+    /// are reported as failed with every fetch. The loop and the log must outlive this.
     LinuxCalendarStore(MainLoop& loop, Log& log, CalendarPlaces places, CalendarConsent consent);
 
     /// Restricted, even if the user consents, once it is known that there is neither a calendar
@@ -37,7 +37,7 @@ private:
     static void addPart(const std::weak_ptr<Request>& request, CalendarWindow part);
 
     const CalendarConsent consent;
-    const std::vector<UnreadCalendar> withoutPlace;
+    const std::vector<FailedCalendar> withoutPlace;
     EdsCalendarStore service;
     IcsFolderStore folders;
 };

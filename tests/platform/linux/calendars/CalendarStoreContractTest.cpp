@@ -21,7 +21,7 @@ protected:
                                     .calendarName = "Personal"});
         store.changes.call();
     }
-    void addFailingCalendar() { store.unread.push_back({"Broken", "no answer"}); }
+    void addFailingCalendar() { store.failed.push_back({"Broken", "no answer"}); }
     template <typename Condition>
     bool comesTo(Condition condition) {
         store.answerFetch();

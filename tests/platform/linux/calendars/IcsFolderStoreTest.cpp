@@ -96,7 +96,7 @@ TEST_F(IcsFolderStoreTest, findsTheCalendarsOfFoldersAndSingleFiles) {
     EXPECT_THAT(names(window),
                 UnorderedElementsAre("work/a", "Family/e", "club/f", "export/g", "export/h"));
     EXPECT_EQ(window.calendars, 4U);
-    EXPECT_THAT(window.unread, IsEmpty());
+    EXPECT_THAT(window.failed, IsEmpty());
     std::vector<std::string> titles;
     for (const auto& source : store->sources())
         titles.push_back(source.title);
@@ -145,13 +145,13 @@ TEST_F(IcsFolderStoreTest, keepsWhatItKnewWhileAFileIsBeingWritten) {
     home.write("calendars/work/a.ics", event("b").substr(0, 60));
     auto window = fetch();
     EXPECT_THAT(names(window), UnorderedElementsAre("work/a"));
-    EXPECT_THAT(window.unread, IsEmpty());
+    EXPECT_THAT(window.failed, IsEmpty());
     home.write("calendars/work/a.ics", event("b"));
     EXPECT_TRUE(changesTo({"work/b"}));
 
     writeOld("calendars/work/a.ics", event("b").substr(0, 60)); // no longer being written
-    ASSERT_TRUE(wait([&] { return !fetch().unread.empty(); }));
-    EXPECT_EQ(fetch().unread.front().calendarName, "work");
+    ASSERT_TRUE(wait([&] { return !fetch().failed.empty(); }));
+    EXPECT_EQ(fetch().failed.front().calendarName, "work");
 }
 
 TEST_F(IcsFolderStoreTest, reportsWhatCannotBeRead) {
@@ -165,10 +165,10 @@ TEST_F(IcsFolderStoreTest, reportsWhatCannotBeRead) {
     open({home.path / "missing"});
     const auto window = fetch();
     EXPECT_THAT(names(window), UnorderedElementsAre("work/a"));
-    std::vector<std::string> unread;
-    for (const auto& calendar : window.unread)
-        unread.push_back(calendar.calendarName + ": " + calendar.reason);
-    EXPECT_THAT(unread, UnorderedElementsAre("broken: not an iCalendar file (1); "
+    std::vector<std::string> failed;
+    for (const auto& calendar : window.failed)
+        failed.push_back(calendar.calendarName + ": " + calendar.reason);
+    EXPECT_THAT(failed, UnorderedElementsAre("broken: not an iCalendar file (1); "
                                              "file: No such file or directory (1)",
                                              "large: file: larger than 64 MB (1)",
                                              "odd: file: not a file (1)",

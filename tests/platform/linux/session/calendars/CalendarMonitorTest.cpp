@@ -117,7 +117,7 @@ TEST_F(CalendarMonitorTest, findsEachProductThatComesOnceAndNobodyElse) {
                               BotCategory::transcription, 100, "notetaker@otter.ai", _,
                               "Calendar Event", now + 2h, now + 150min, "meeting", "Personal", _)));
     EXPECT_THAT(announced(), ElementsAre("+otter-cal-meeting"));
-    EXPECT_THAT(*monitor().unreadCalendars, IsEmpty());
+    EXPECT_THAT(*monitor().failedCalendars, IsEmpty());
 }
 
 TEST_F(CalendarMonitorTest, announcesABotThatIsInvitedLaterAsSoonAsTheServiceTells) {
@@ -170,13 +170,13 @@ TEST_F(CalendarMonitorTest, deliversWhatFoldersHoldWhileTheServiceHangs) {
     EXPECT_GT(ticks, 100) << "the main loop kept turning";
     EXPECT_THAT(announced(), ElementsAre("+gong-cal-evening"));
     EXPECT_THAT(listed(), ElementsAre("otter-cal-meeting", "gong-cal-evening"));
-    EXPECT_THAT(*monitor().unreadCalendars, Contains(FieldsAre("Personal", HasSubstr("answer"))));
-    EXPECT_THAT(*monitor().unreadCalendars, Not(Contains(FieldsAre("Club", _))));
+    EXPECT_THAT(*monitor().failedCalendars, Contains(FieldsAre("Personal", HasSubstr("answer"))));
+    EXPECT_THAT(*monitor().failedCalendars, Not(Contains(FieldsAre("Club", _))));
     EXPECT_EQ(log.count("\"Personal\" can't be read"), 1U);
 
     signalService(SIGCONT);
     scan();
-    EXPECT_THAT(*monitor().unreadCalendars, IsEmpty());
+    EXPECT_THAT(*monitor().failedCalendars, IsEmpty());
     EXPECT_THAT(listed(), ElementsAre("otter-cal-meeting", "gong-cal-evening"));
     EXPECT_THAT(announced(), IsEmpty());
 }
@@ -186,7 +186,7 @@ TEST_F(CalendarMonitorTest, worksFromFoldersAloneWhereThereIsNoService) {
     home.write("calendars/club/evening.ics", vcalendar(vevent("evening", now + 2h, gong)));
     start();
     EXPECT_THAT(announced(), ElementsAre("+gong-cal-evening"));
-    EXPECT_THAT(*monitor().unreadCalendars, IsEmpty());
+    EXPECT_THAT(*monitor().failedCalendars, IsEmpty());
     EXPECT_TRUE(*monitor().isMonitoring);
 }
 

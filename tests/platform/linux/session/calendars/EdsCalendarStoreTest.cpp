@@ -42,7 +42,7 @@ TEST_F(EdsCalendarStoreTest, deliversWhoIsInvitedAsTheInviterWroteIt) {
                "ATTENDEE;PARTSTAT=DECLINED:mailto:bo@example.com\r\n")));
 
     const auto window = fetch();
-    EXPECT_THAT(window.unread, IsEmpty());
+    EXPECT_THAT(window.failed, IsEmpty());
     using Status = ParticipantStatus;
     EXPECT_THAT(
         window.events,
@@ -140,8 +140,8 @@ TEST_F(EdsCalendarStoreTest, reportsAStoppedServiceWithoutStoppingItself) {
 
     const auto window = fetch();
     EXPECT_THAT(window.events, IsEmpty());
-    EXPECT_THAT(window.unread,
-                testing::Contains(testing::Field(&UnreadCalendar::calendarName, "Personal")));
+    EXPECT_THAT(window.failed,
+                testing::Contains(testing::Field(&FailedCalendar::calendarName, "Personal")));
     EXPECT_GT(ticks, 100);
 
     signalService(SIGCONT);
@@ -165,7 +165,7 @@ TEST_F(EdsCalendarStoreTest, saysThatThereIsNoServiceWithoutASessionBus) {
 
     const auto window = fetch();
     EXPECT_EQ(window.calendars, 0U);
-    EXPECT_THAT(window.unread, IsEmpty());
+    EXPECT_THAT(window.failed, IsEmpty());
 }
 
 } // namespace
