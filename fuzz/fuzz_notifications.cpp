@@ -16,7 +16,7 @@ using namespace quorva::notifications;
 
 namespace {
 
-void expectBearable(const std::string& text, std::size_t maxCharacters, bool hasLines) {
+void expectSafe(const std::string& text, std::size_t maxCharacters, bool hasLines) {
     expectText(text);
     expect(static_cast<std::size_t>(g_utf8_strlen(text.data(), static_cast<gssize>(text.size()))) <=
            maxCharacters);
@@ -42,9 +42,9 @@ std::string unescaped(std::string text) {
 
 void showText(const std::string& bytes) {
     for (const std::size_t most : {std::size_t{1}, std::size_t{7}, maxTitle}) {
-        expectBearable(plainText(bytes, most, Lines::keep), most, true);
+        expectSafe(plainText(bytes, most, Lines::keep), most, true);
         const auto line = plainText(bytes, most, Lines::join);
-        expectBearable(line, most, false);
+        expectSafe(line, most, false);
         expect(plainText(line, most, Lines::join) == line);
     }
     const auto markup = escaped(bytes);
@@ -123,10 +123,10 @@ void queue(const std::string& steps) {
             now += std::chrono::seconds(bits % 8);
             while (!plain.empty() && now - plain.front().since > newsworthy)
                 plain.erase(plain.begin());
-            const auto taken = tried.take(now);
-            expect(taken.has_value() == !plain.empty());
-            if (taken) {
-                expect(taken->identifier == plain.front().identifier);
+            const auto popped = tried.pop(now);
+            expect(popped.has_value() == !plain.empty());
+            if (popped) {
+                expect(popped->identifier == plain.front().identifier);
                 plain.erase(plain.begin());
             }
         }

@@ -6,20 +6,21 @@ namespace quorva::notifications {
 namespace {
 
 constexpr const char* programName = "Quorva";
-constexpr const char* programIdentifier = "com.veltran.QuorvaApp"; // of its desktop entry and icon
+constexpr const char* programIdentifier =
+    "com.veltran.QuorvaApp"; // names its desktop entry and icon
 constexpr std::int32_t serversOwnTime = -1;
 
-bool turnsDirection(gunichar character) {
+bool changesDirection(gunichar character) {
     return (character >= 0x202A && character <= 0x202E) ||
            (character >= 0x2066 && character <= 0x2069);
 }
 
-bool isBearable(gunichar character) {
+bool isAllowed(gunichar character) {
     return g_unichar_type(character) != G_UNICODE_CONTROL && (character & 0xFFFE) != 0xFFFE &&
-           !turnsDirection(character);
+           !changesDirection(character);
 }
 
-/// What a character becomes: itself, a line break or a blank in place of another, 0 for nothing.
+/// The character to write instead: mostly the same one; 0 to leave it out.
 gunichar replacementOf(gunichar character, Lines lines) {
     constexpr gunichar lineSeparator = 0x2028;
     constexpr gunichar paragraphSeparator = 0x2029;
@@ -28,10 +29,10 @@ gunichar replacementOf(gunichar character, Lines lines) {
         return lines == Lines::keep ? '\n' : ' ';
     if (character == '\t')
         return ' ';
-    return isBearable(character) ? character : 0;
+    return isAllowed(character) ? character : 0;
 }
 
-/// Whether a character belongs to the one before it.
+/// Whether a character combines with the one before it.
 bool joins(gunichar character) {
     constexpr gunichar zeroWidthJoiner = 0x200D;
     const bool isSkinTone = character >= 0x1F3FB && character <= 0x1F3FF;
@@ -43,7 +44,7 @@ void append(std::u32string& text, gunichar character) {
 }
 
 void cut(std::u32string& text, std::size_t maxCharacters) {
-    constexpr std::size_t longestCluster = 32; // what is longer was made to be
+    constexpr std::size_t longestCluster = 32; // anything longer is an attack
     constexpr char32_t zeroWidthJoiner = 0x200D;
     std::size_t end = maxCharacters - 1;
     const auto isWithin = [&] { return joins(text[end]) || text[end - 1] == zeroWidthJoiner; };
@@ -116,7 +117,7 @@ Capabilities decodeCapabilities(GVariant* reply) {
     while (g_variant_iter_next(names, "&s", &capability) != FALSE) {
         const std::string_view known = capability;
         capabilities.actions |= known == "actions";
-        // Links and images are markup, and dunst reads it although it may name only these.
+        // Links and images are markup too, and dunst parses markup even if it names only these.
         capabilities.bodyMarkup |=
             known == "body-markup" || known == "body-hyperlinks" || known == "body-images";
     }
@@ -133,7 +134,7 @@ std::optional<std::uint32_t> decodeNumber(GVariant* reply) {
 }
 
 std::string plainText(std::string_view text, std::size_t maxCharacters, Lines lines) {
-    // Enough for the longest result, however many of the characters fall away.
+    // Enough for the longest result, even when most characters are left out.
     const auto valid = validUtf8(text.substr(0, maxCharacters * 64));
     std::u32string characters;
     const char* const end = valid.data() + valid.size();

@@ -17,9 +17,9 @@ bool NotificationQueue::push(Entry entry) {
 }
 
 void NotificationQueue::putBack(Entry entry) {
-    const bool isOutdone = std::ranges::any_of(
+    const bool isSuperseded = std::ranges::any_of(
         entries, [&](const Entry& other) { return other.identifier == entry.identifier; });
-    if (!isOutdone && entries.size() < capacity)
+    if (!isSuperseded && entries.size() < capacity)
         entries.push_front(std::move(entry));
 }
 
@@ -31,7 +31,7 @@ void NotificationQueue::dropRemovals() {
     std::erase_if(entries, [](const Entry& entry) { return !entry.request; });
 }
 
-std::optional<NotificationQueue::Entry> NotificationQueue::take(Time now) {
+std::optional<NotificationQueue::Entry> NotificationQueue::pop(Time now) {
     std::erase_if(entries, [&](const Entry& entry) { return now - entry.since > newsworthy; });
     if (entries.empty())
         return std::nullopt;

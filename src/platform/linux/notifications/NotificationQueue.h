@@ -1,4 +1,4 @@
-// What is still to be said to the notification server: what to show and what to take away.
+// The notifications that wait to be shown, and those that wait to be taken away.
 #pragma once
 
 #include "base/Time.h"
@@ -11,37 +11,37 @@
 
 namespace quorva {
 
-/// At most one entry for each identifier, the newest; at most 50 in all, the newest. Main thread
-/// only.
+/// Holds the newest entry for each identifier, and the newest 50 in all. Main thread only.
 class NotificationQueue {
 public:
     static constexpr std::size_t capacity = 50;
 
     struct Entry {
         std::string identifier;
-        std::optional<NotificationRequest> request; ///< nothing: it is to be taken away
+        std::optional<NotificationRequest> request; ///< nothing: take the notification away
         Time since;
     };
 
-    /// What is older than `newsworthy` is dropped.
+    /// Entries older than `newsworthy` are dropped.
     explicit NotificationQueue(Seconds newsworthy);
 
-    /// Adds an entry at the end, in place of the one with its identifier. False when the oldest
-    /// had to be dropped.
+    /// Adds an entry at the end, in place of any with the same identifier. Returns false when the
+    /// queue was full and the oldest entry was dropped.
     bool push(Entry entry);
 
-    /// Brings back an entry that was taken, to the front, unless there is a newer one with its
-    /// identifier.
+    /// Returns a popped entry to the front, unless the queue is full or holds a newer entry with
+    /// the same identifier.
     void putBack(Entry entry);
 
     /// Drops the entry with this identifier, if there is one.
     void drop(const std::string& identifier);
 
-    /// Drops all that is to be taken away: whoever showed it is gone.
+    /// Drops the entries that take a notification away. For when the server that showed them is
+    /// gone.
     void dropRemovals();
 
-    /// Takes the oldest entry that is news still.
-    [[nodiscard]] std::optional<Entry> take(Time now);
+    /// Removes and returns the oldest entry that is still newsworthy; nothing when there is none.
+    [[nodiscard]] std::optional<Entry> pop(Time now);
 
     [[nodiscard]] std::size_t size() const { return entries.size(); }
 

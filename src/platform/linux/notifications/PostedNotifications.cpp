@@ -31,7 +31,7 @@ std::optional<PostedNotifications::Press> PostedNotifications::pressOf(std::stri
 }
 
 void PostedNotifications::noteShown(const std::string& identifier, std::uint32_t number) {
-    noteClosed(number); // of what had it before
+    noteClosed(number); // the server may use a number again
     entryOf(identifier).number = number;
 }
 
@@ -50,7 +50,7 @@ void PostedNotifications::noteClosed(std::uint32_t number) {
         entry->number = 0;
 }
 
-void PostedNotifications::forgetNumbers() {
+void PostedNotifications::invalidateNumbers() {
     for (auto& entry : entries)
         entry.number = 0;
 }

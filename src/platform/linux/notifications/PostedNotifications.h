@@ -1,5 +1,5 @@
-// What has been posted in this run of the program: which number the server gave to what, and how a
-// press of a button finds its way back to the request.
+// The notifications posted in this run of the program: the server's number for each, and which
+// request a pressed button belongs to.
 #pragma once
 
 #include <cstddef>
@@ -13,9 +13,9 @@ namespace quorva {
 
 /// Remembers the newest 1,000 identifiers. Main thread only.
 ///
-/// A server's numbers are good until it restarts, but what it shows may outlive it. So the key of
-/// each button leads back to the request by itself: "ACTION#RUN-TOKEN", where RUN is a number that
-/// no other run has and TOKEN is this run's number for the request's identifier.
+/// A server's numbers are valid until it restarts, but a notification may outlive its server. So
+/// the key of each button names the request by itself: "ACTION#RUN-TOKEN", where RUN is a number
+/// that no other run has and TOKEN is this run's number for the request's identifier.
 class PostedNotifications {
 public:
     static constexpr std::size_t capacity = 1000;
@@ -27,29 +27,30 @@ public:
         bool operator==(const Press&) const = default;
     };
 
-    /// `run` differs from those of other runs.
+    /// `run` is a number that no other run has.
     explicit PostedNotifications(std::uint64_t run);
 
-    /// The key of a button of the request with this identifier, which is remembered from then on.
+    /// Returns the key for a button of the request with this identifier, and remembers the
+    /// identifier.
     [[nodiscard]] std::string key(std::string_view action, const std::string& identifier);
 
-    /// What a press of the button with this key means; nothing when the key is none of this run.
+    /// What a press of the button with this key means; nothing when the key is not from this run.
     [[nodiscard]] std::optional<Press> pressOf(std::string_view key) const;
 
-    /// The server shows `identifier` under `number` from now on.
+    /// Notes that the server shows `identifier` under `number`.
     void noteShown(const std::string& identifier, std::uint32_t number);
 
-    /// The server's number for `identifier`; 0 when it shows no such notification.
+    /// The server's number for `identifier`; 0 when the server does not show it.
     [[nodiscard]] std::uint32_t numberOf(const std::string& identifier) const;
 
     /// Whether the server shows one of these under `number`.
     [[nodiscard]] bool isShown(std::uint32_t number) const;
 
-    /// The server shows nothing under `number` any more. Unknown numbers do nothing.
+    /// Notes that the server shows nothing under `number` any more. Unknown numbers are ignored.
     void noteClosed(std::uint32_t number);
 
-    /// The server's numbers mean nothing any more.
-    void forgetNumbers();
+    /// Drops the numbers of a server that is gone.
+    void invalidateNumbers();
 
 private:
     struct Entry {

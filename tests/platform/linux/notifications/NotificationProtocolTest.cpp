@@ -124,20 +124,20 @@ TEST(NotificationQueueTest, keepsTheNewestOfEachAndFiftyInAll) {
     EXPECT_TRUE(push("a", "old", now));
     EXPECT_TRUE(push("b", "b", now));
     EXPECT_TRUE(push("a", "new", now + 10s));
-    EXPECT_EQ(queue.take(now)->identifier, "b");
-    auto taken = queue.take(now);
+    EXPECT_EQ(queue.pop(now)->identifier, "b");
+    auto taken = queue.pop(now);
     EXPECT_EQ(taken->request->title, "new");
     queue.putBack(*taken);
     EXPECT_EQ(queue.size(), 1U);
     EXPECT_TRUE(push("a", "newest", now + 20s));
     queue.putBack(*taken);
     EXPECT_EQ(queue.size(), 1U) << "a newer one is there";
-    EXPECT_EQ(queue.take(now + 321s), std::nullopt) << "no news any more";
+    EXPECT_EQ(queue.pop(now + 321s), std::nullopt) << "no news any more";
 
     for (int count = 0; count < 50; ++count)
         EXPECT_TRUE(push(std::to_string(count), "", now));
     EXPECT_FALSE(push("50", "", now));
-    EXPECT_EQ(queue.take(now)->identifier, "1");
+    EXPECT_EQ(queue.pop(now)->identifier, "1");
     (void)queue.push({"60", std::nullopt, now});
     queue.dropRemovals();
     EXPECT_EQ(queue.size(), 49U);
