@@ -1,41 +1,37 @@
 // Speaks through Speech Dispatcher, the desktop's speech service.
 #pragma once
 
-#include "base/Lifetime.h"
 #include "base/MainLoop.h"
 #include "platform/SpeechSynthesizer.h"
-#include "platform/linux/glib/Handles.h"
-#include "platform/linux/speech/SsipConnection.h"
+#include "platform/linux/speech/SpeechConnector.h"
+#include "platform/linux/speech/SpeechSession.h"
 
-#include <cstdint>
 #include <deque>
 #include <memory>
 #include <optional>
 #include <string>
-#include <vector>
+#include <variant>
 
 namespace quorva {
 
-/// Connects when there is something to say, and starts the service where it does not run. Half a
-/// minute after the last word it disconnects, so that a service that was started can end and
-/// nothing wakes this program. Main thread only; never waits. How the scales are mapped is said in
-/// SpeechProtocol.h.
+/// Connects when there is something to say, and starts the service where it does not run.
+/// Disconnects half a minute after the last word, so that the service can end and nothing wakes
+/// this program. Main thread only; never waits. SpeechProtocol.h says how the scales are mapped.
 ///
 /// One utterance is with the service at a time; up to 20 wait here. While a fault is known, only
-/// the newest waits. A service that does not answer a command in time is disconnected from, and
-/// what was to be spoken is dropped.
+/// the newest waits. When the service does not answer a command in time, the connection is closed
+/// and all utterances are dropped.
 class SpeechDispatcher final : public SpeechSynthesizer {
 public:
     struct Limits {
         Seconds answer{5}; ///< for a command
-        Seconds start{15}; ///< for a service that is to be started
+        Seconds start{15}; ///< for a service that is being started
         Seconds idle{30};  ///< until disconnecting
     };
 
     /// `loop` must outlive this object.
     explicit SpeechDispatcher(MainLoop& loop);
     SpeechDispatcher(MainLoop& loop, Limits limits);
-    ~SpeechDispatcher() override;
 
     SpeechDispatcher(const SpeechDispatcher&) = delete;
     SpeechDispatcher& operator=(const SpeechDispatcher&) = delete;
@@ -47,20 +43,25 @@ public:
     [[nodiscard]] Subscription onProblemChange(Task callback) override;
 
 private:
-    struct Spoken;
+    struct Disconnected {};
+    struct Connecting {
+        std::optional<SpeechUtterance> first; ///< to be spoken then; nothing if it was stopped
+        std::unique_ptr<SpeechConnector> connector;
+    };
+    using Connected = std::unique_ptr<SpeechSession>;
 
+    /// Disconnected --speak()--> Connecting --socket--> Connected
+    /// Connecting, Connected --failure, nothing to speak for long--> Disconnected
+    /// Connected --an utterance needs a new session--> Connecting
+    ///
+    /// Leaving a state cancels what it was doing: the state owns it.
+    using State = std::variant<Disconnected, Connecting, Connected>;
+
+    void speakNext();
     void begin(SpeechUtterance utterance);
-    void connect();
-    void takeSocket(GObjectPtr<GSocketConnection> socket);
-    void startService();
-    void introduce();
-    void chooseVoice();
-    void listVoices();
-    void send(const SpeechVoice* voice);
-    void takeMessage(std::uint64_t serial, const ssip::Reply& reply);
-    void takeEvent(const ssip::Reply& event);
-    void takeEnd(SsipConnection::End end);
-    void endUtterance();
+    void connect(SpeechUtterance first);
+    void adoptSocket(GObjectPtr<GSocketConnection> socket);
+    void handleSessionOver(const std::optional<std::string>& why);
     void fail(const std::string& why);
     void disconnect();
     void setFault(const std::optional<std::string>& next);
@@ -69,21 +70,10 @@ private:
     const Limits limits;
     const std::string address; ///< the path of the service's socket
     std::optional<std::string> fault;
-    std::deque<SpeechUtterance> waiting;
-    std::unique_ptr<Spoken> current;
-    std::uint64_t lastSerial = 0;
-
-    std::unique_ptr<SsipConnection> connection;
-    std::optional<std::vector<SpeechVoice>> voices; ///< of this connection
-    bool hasVoice = false;                          ///< one was chosen over this connection
-    std::optional<Time> startDeadline;              ///< the service was asked to start
-    GObjectPtr<GCancellable> connecting;            ///< an attempt that is under way
-    Timer attempt;                                  ///< until the next one
-    int attempts = 0;                               ///< the number of the last; others do not count
-    Timer longest; ///< until an utterance is taken for spoken whatever the service says
-    Timer idle;
+    std::deque<SpeechUtterance> waiting; ///< empty unless one is being spoken
     CallbackList<> problemChanges;
-    Lifetime lifetime; // last: tasks that outlive the synthesizer do nothing
+    State state;
+    Timer idle; ///< until disconnecting; not while there is something to speak
 };
 
 } // namespace quorva

@@ -8,11 +8,11 @@
 namespace quorva::ssip {
 namespace {
 
-constexpr int end = 100; ///< of Speech Dispatcher's scales
+constexpr int scaleEnd = 100;
 
 int onScale(double value, double usual) {
     return static_cast<int>(
-        std::lround(std::clamp(std::isnan(value) ? usual : value, -1.0, 1.0) * end));
+        std::lround(std::clamp(std::isnan(value) ? usual : value, -1.0, 1.0) * scaleEnd));
 }
 
 bool isAlphanumeric(std::string_view text) {

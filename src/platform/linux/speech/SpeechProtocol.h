@@ -1,5 +1,5 @@
-// How Speech Dispatcher is spoken to: the lines of its protocol (SSIP) and its scales. Pure
-// functions, callable from any thread.
+// The protocol of Speech Dispatcher (SSIP): its lines and its scales. Pure functions, callable from
+// any thread.
 #pragma once
 
 #include "platform/SpeechSynthesizer.h"
@@ -11,8 +11,8 @@
 
 namespace quorva::ssip {
 
-/// Speech Dispatcher's scales reach from -100 to 100, and 0 is the voice's own value. What is
-/// beyond a scale, or no number, becomes the nearest value on it, or the usual one.
+/// Speech Dispatcher's scales reach from -100 to 100, and 0 is the voice's own value. A value
+/// beyond a scale becomes the nearest one on it, and NaN becomes the usual one.
 ///
 /// Rate: 0 → -100, 0.5 → 0, 1 → 100, linear in between.
 [[nodiscard]] int rate(double value);
@@ -23,11 +23,11 @@ namespace quorva::ssip {
 
 inline constexpr std::string_view undetermined = "und";
 
-/// A language's tag in the spelling of BCP 47, whatever the synthesizer's own is: "en-US" for
-/// "en_US", "EN-us" or "en_US.UTF-8". `undetermined` for what is none.
+/// Spells a language as BCP 47 does: "en-US" for a synthesizer's "en_US", "EN-us" or "en_US.UTF-8".
+/// Returns `undetermined` for a text that does not name a language.
 [[nodiscard]] std::string languageTag(std::string_view spelling);
 
-/// A line of an answer: three digits, "-" where more lines follow, and a text.
+/// A line of an answer: three digits, "-" if more lines follow, and a text.
 struct Line {
     int code = 0;
     bool isLast = false;
@@ -36,10 +36,10 @@ struct Line {
     bool operator==(const Line&) const = default;
 };
 
-/// Nothing when the line is none of the protocol. Text becomes valid UTF-8.
+/// Nothing when the line is malformed. Text becomes valid UTF-8.
 [[nodiscard]] std::optional<Line> decodeLine(std::string_view line);
 
-/// An answer or an event: the texts of all lines but the last, whose text is for people.
+/// An answer or an event. The last line has a text for people, the others have values.
 struct Reply {
     int code = 0;
     std::vector<std::string> values;
@@ -48,14 +48,15 @@ struct Reply {
     [[nodiscard]] bool isSuccess() const { return code >= 200 && code < 300; }
 };
 
-/// A line of the list of voices: name, language and variant, with tabs in between. Nothing for one
-/// without a name.
+/// A line of the list of voices: name, language and variant, separated by tabs. Nothing when the
+/// name is empty.
 [[nodiscard]] std::optional<SpeechVoice> decodeVoice(std::string_view value);
 
-/// A text as it follows SPEAK, with the line that ends it. No line of it can end it early.
+/// A text as it follows SPEAK, with the line that ends it. Lines of the text that would end it are
+/// escaped.
 [[nodiscard]] std::string encodeText(std::string_view text);
 
-/// The words of a command, without what would end it early.
+/// A command and its line end. Characters within it that would end it are removed.
 [[nodiscard]] std::string encodeCommand(std::string_view command);
 
 } // namespace quorva::ssip

@@ -21,8 +21,11 @@ bool isEvent(int code) {
 } // namespace
 
 SsipConnection::SsipConnection(MainLoop& loop_, GObjectPtr<GSocketConnection> socket_,
-                               Seconds answer_, Callbacks callbacks_)
-    : loop(loop_), socket(std::move(socket_)), answer(answer_), callbacks(std::move(callbacks_)) {
+                               Seconds answerTimeout_, Callbacks callbacks_)
+    : loop(loop_),
+      socket(std::move(socket_)),
+      answerTimeout(answerTimeout_),
+      callbacks(std::move(callbacks_)) {
     read();
 }
 
@@ -41,28 +44,31 @@ void SsipConnection::say(std::string_view text, Done done) {
 }
 
 void SsipConnection::sendNext() {
-    if (isAsking || isOver || commands.empty())
+    if (state != State::idle || commands.empty())
         return;
-    isAsking = true;
+    state = State::waiting;
     write(commands.front().line);
 }
 
 void SsipConnection::write(std::string_view bytes) {
-    patience = loop.after(answer, [this] { finish(End::silent); });
+    timeout = loop.after(answerTimeout, [this] { finish(End::silent); });
     unwritten += bytes;
     flush();
 }
 
-/// One writing at a time: an answer can be here before the writing has ended.
+/// Writes what is waiting, unless a write is under way: an answer can arrive before that ends.
 void SsipConnection::flush() {
-    if (isWriting || unwritten.empty() || isOver)
+    if (isWriting || unwritten.empty() || state == State::over)
         return;
     isWriting = true;
     const auto held = std::make_shared<const std::string>(std::exchange(unwritten, {}));
     auto* const stream = g_io_stream_get_output_stream(G_IO_STREAM(socket.get()));
     const auto ended = lifetime.guard([this](bool isWritten) {
         isWriting = false;
-        isWritten ? flush() : finish(End::closed);
+        if (isWritten)
+            flush();
+        else
+            finish(End::closed);
     });
     g_output_stream_write_all_async(
         stream, held->data(), held->size(), G_PRIORITY_DEFAULT, cancellable.get(), asyncCallback,
@@ -76,70 +82,70 @@ void SsipConnection::read() {
     auto* const stream = g_io_stream_get_input_stream(G_IO_STREAM(socket.get()));
     g_input_stream_read_bytes_async(
         stream, mostRead, G_PRIORITY_DEFAULT, cancellable.get(), asyncCallback,
-        asyncData([taken = lifetime.guard([this](std::string_view bytes) { take(bytes); })](
+        asyncData([handle = lifetime.guard([this](std::string_view bytes) { handleBytes(bytes); })](
                       GObject* source, GAsyncResult* result) {
             const BytesPtr bytes(
                 g_input_stream_read_bytes_finish(G_INPUT_STREAM(source), result, nullptr));
             gsize size = 0;
             const auto* const data =
                 bytes ? static_cast<const char*>(g_bytes_get_data(bytes.get(), &size)) : nullptr;
-            taken(data != nullptr ? std::string_view(data, size) : std::string_view());
+            handle(data != nullptr ? std::string_view(data, size) : std::string_view());
         }));
 }
 
-/// Nothing to take: the service has ended the conversation, or it failed.
-void SsipConnection::take(std::string_view bytes) {
+/// No bytes: the service has closed the connection, or it failed.
+void SsipConnection::handleBytes(std::string_view bytes) {
     if (bytes.empty())
         return finish(End::closed);
-    unread += bytes;
-    const auto received = std::exchange(unread, {});
-    unread = received.substr(received.rfind('\n') + 1); // npos + 1 is 0
-    if (unread.size() > longestLine)
-        return finish(End::strange);
-    // Whoever is called may drop this object.
-    const auto takeNext = lifetime.guard([this](std::string_view line) { takeLine(line); });
+    partialLine += bytes;
+    const auto received = std::exchange(partialLine, {});
+    partialLine = received.substr(received.rfind('\n') + 1); // npos + 1 is 0
+    if (partialLine.size() > longestLine)
+        return finish(End::malformed);
+    // A callback may drop this object.
+    const auto handleNext = lifetime.guard([this](std::string_view line) { handleLine(line); });
     const auto readOn = lifetime.guard([this] {
-        if (!isOver)
+        if (state != State::over)
             read();
     });
     const auto lines = std::string_view(received).substr(0, received.rfind('\n') + 1);
     for (std::size_t start = 0; start < lines.size();) {
         const auto lineEnd = lines.find('\n', start);
-        takeNext(lines.substr(start, lineEnd - start));
+        handleNext(lines.substr(start, lineEnd - start));
         start = lineEnd + 1;
     }
     readOn();
 }
 
-void SsipConnection::takeLine(std::string_view bytes) {
-    if (isOver)
+void SsipConnection::handleLine(std::string_view bytes) {
+    if (state == State::over)
         return;
     auto line = ssip::decodeLine(bytes);
-    if (!line || (partial.code != 0 && partial.code != line->code) ||
-        partial.values.size() >= mostLines)
-        return finish(End::strange);
-    partial.code = line->code;
+    if (!line || (partialReply.code != 0 && partialReply.code != line->code) ||
+        partialReply.values.size() >= mostLines)
+        return finish(End::malformed);
+    partialReply.code = line->code;
     if (!line->isLast) {
-        partial.values.push_back(std::move(line->text));
+        partialReply.values.push_back(std::move(line->text));
         return;
     }
-    partial.explanation = std::move(line->text);
-    takeReply(std::exchange(partial, {}));
+    partialReply.explanation = std::move(line->text);
+    handleReply(std::exchange(partialReply, {}));
 }
 
-void SsipConnection::takeReply(const ssip::Reply& reply) {
+void SsipConnection::handleReply(const ssip::Reply& reply) {
     if (isEvent(reply.code)) {
         const auto onEvent = callbacks.onEvent;
         return onEvent(reply);
     }
-    if (!isAsking)
-        return; // to nothing that was asked
+    if (state != State::waiting)
+        return; // answers no command
     if (reply.code == receivingData && !commands.front().text.empty()) {
         write(std::exchange(commands.front().text, {}));
         return;
     }
-    patience.reset();
-    isAsking = false;
+    timeout.reset();
+    state = State::idle;
     const auto done = std::move(commands.front().done);
     commands.pop_front();
     sendNext();
@@ -148,10 +154,10 @@ void SsipConnection::takeReply(const ssip::Reply& reply) {
 }
 
 void SsipConnection::finish(End end) {
-    if (std::exchange(isOver, true))
+    if (std::exchange(state, State::over) == State::over)
         return;
     g_cancellable_cancel(cancellable.get());
-    patience.reset();
+    timeout.reset();
     const auto onEnd = callbacks.onEnd;
     onEnd(end);
 }

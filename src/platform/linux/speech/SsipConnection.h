@@ -1,7 +1,7 @@
-// A conversation with Speech Dispatcher over its socket (Speech Synthesis Interface Protocol).
+// A connection to Speech Dispatcher over its socket (Speech Synthesis Interface Protocol).
 //
-// The protocol is spoken here rather than through libspeechd, whose calls wait without an end for a
-// service that hangs, and which ends the whole program at an answer that it does not understand.
+// libspeechd is not used: its calls wait forever for a service that hangs, and it ends the whole
+// program when it does not understand an answer.
 #pragma once
 
 #include "base/Lifetime.h"
@@ -15,35 +15,47 @@
 
 namespace quorva {
 
-/// Main thread only; never waits. Dropping it ends the conversation without further calls.
+/// Main thread only; never waits. Dropping it closes the connection without further calls.
 class SsipConnection {
 public:
     enum class End {
-        closed,  ///< by the service
-        silent,  ///< a command was not answered in time
-        strange, ///< what came was not the protocol
+        closed,    ///< by the service
+        silent,    ///< a command was not answered in time
+        malformed, ///< the service sent what is not in the protocol
     };
+    /// Each may drop the connection.
     struct Callbacks {
         std::function<void(const ssip::Reply&)> onEvent; ///< codes from 700 to 799
-        std::function<void(End)> onEnd; ///< once, and nothing after it; may drop the connection
+        std::function<void(End)> onEnd; ///< called once, and nothing is called after it
     };
     using Done = std::function<void(const ssip::Reply&)>;
 
-    /// Over a connected socket. A command may take as long as `answer`.
-    SsipConnection(MainLoop& loop, GObjectPtr<GSocketConnection> socket, Seconds answer,
+    /// Over a connected socket. A command may take as long as `answerTimeout`. `loop` must outlive
+    /// this object.
+    SsipConnection(MainLoop& loop, GObjectPtr<GSocketConnection> socket, Seconds answerTimeout,
                    Callbacks callbacks);
     ~SsipConnection();
 
     SsipConnection(const SsipConnection&) = delete;
     SsipConnection& operator=(const SsipConnection&) = delete;
 
-    /// Sends a command after those before it have been answered. `done` gets the answer.
+    /// Sends a command once the earlier ones have been answered. `done` gets the answer, and is not
+    /// called when there is none; it may drop the connection.
     void ask(std::string_view command, Done done = nullptr);
 
-    /// Has a text spoken; the answer's first value is the message's number.
+    /// The same for the command that speaks a text. The answer's first value is the message's
+    /// number.
     void say(std::string_view text, Done done);
 
 private:
+    /// idle    --ask(), say()--> waiting
+    /// waiting --answer--> idle
+    /// either  --end of the connection--> over
+    enum class State {
+        idle,    ///< there is no command to send
+        waiting, ///< the first of `commands` has been sent
+        over,    ///< `onEnd` has been called
+    };
     struct Command {
         std::string line;
         std::string text; ///< sent once the service asks for it
@@ -54,24 +66,23 @@ private:
     void write(std::string_view bytes);
     void flush();
     void read();
-    void take(std::string_view bytes);
-    void takeLine(std::string_view bytes);
-    void takeReply(const ssip::Reply& reply);
+    void handleBytes(std::string_view bytes);
+    void handleLine(std::string_view bytes);
+    void handleReply(const ssip::Reply& reply);
     void finish(End end);
 
     MainLoop& loop;
     const GObjectPtr<GSocketConnection> socket;
-    const Seconds answer;
+    const Seconds answerTimeout;
     const Callbacks callbacks;
     const GObjectPtr<GCancellable> cancellable{g_cancellable_new()};
-    std::deque<Command> commands; ///< the first one has been sent
-    bool isAsking = false;
-    bool isOver = false;
+    State state = State::idle;
+    std::deque<Command> commands;
+    Timer timeout; ///< of the command that has been sent
     std::string unwritten;
-    bool isWriting = false;
-    std::string unread; ///< the beginning of a line
-    ssip::Reply partial;
-    Timer patience;
+    bool isWriting = false; ///< the socket takes one write at a time
+    std::string partialLine;
+    ssip::Reply partialReply;
     Lifetime lifetime;
 };
 
