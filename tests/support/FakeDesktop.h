@@ -11,6 +11,7 @@
 #include "platform/SystemSettings.h"
 #include "platform/UpdateService.h"
 
+#include <deque>
 #include <utility>
 
 namespace quorva {
@@ -23,27 +24,58 @@ public:
 
 class FakeSpeechSynthesizer final : public SpeechSynthesizer {
 public:
-    std::vector<SpeechUtterance> spoken;
+    std::vector<SpeechUtterance> spoken; ///< those that were begun
     std::vector<SpeechVoice> installed{
         {"Ann", "de-DE", 3}, {"Ben", "en-GB", 1}, {"Cy", "en-US", 1}};
     std::vector<std::string> voicesUsed;
     int cutOff = 0;
-    bool speaks = false;
     std::optional<std::string> fault;
     CallbackList<> faultChanges;
 
+    /// What is being spoken comes to its end.
+    void finish() {
+        speaks = false;
+        beginNext();
+    }
+    /// The service fails, for a reason; without one, it works again.
+    void become(std::optional<std::string> next) {
+        if (next) {
+            waiting.clear();
+            speaks = false;
+        }
+        if (std::exchange(fault, next) != next)
+            faultChanges.call();
+    }
+
     [[nodiscard]] bool isSpeaking() const override { return speaks; }
-    void stopSpeaking() override { cutOff += std::exchange(speaks, false) ? 1 : 0; }
+    void stopSpeaking() override {
+        waiting.clear();
+        cutOff += std::exchange(speaks, false) ? 1 : 0;
+    }
     void speak(SpeechUtterance utterance) override {
-        const auto* const voice = utterance.voice(installed);
-        voicesUsed.push_back(voice ? voice->name : "default for " + utterance.language);
-        spoken.push_back(std::move(utterance));
-        speaks = true;
+        waiting.push_back(std::move(utterance));
+        if (!speaks)
+            beginNext();
     }
     [[nodiscard]] std::optional<std::string> problem() const override { return fault; }
     [[nodiscard]] Subscription onProblemChange(Task callback) override {
         return faultChanges.add(std::move(callback));
     }
+
+private:
+    void beginNext() {
+        if (waiting.empty())
+            return;
+        auto utterance = std::move(waiting.front());
+        waiting.pop_front();
+        const auto* const voice = utterance.voice ? utterance.voice(installed) : nullptr;
+        voicesUsed.push_back(voice ? voice->name : "default for " + utterance.language);
+        spoken.push_back(std::move(utterance));
+        speaks = true;
+    }
+
+    std::deque<SpeechUtterance> waiting;
+    bool speaks = false;
 };
 
 class FakeAudioDevices final : public AudioDevices {

@@ -46,7 +46,7 @@ void ownName(GDBusConnection* bus, const char* name) {
     if (reply)
         g_variant_get(reply.get(), "(u)", &outcome);
     if (outcome != 1)
-        throw std::runtime_error("the name is not to be had");
+        throw std::runtime_error("the name has another owner");
 }
 
 PlayedNotificationServer::PlayedNotificationServer(std::vector<std::string> capabilities_)
@@ -68,11 +68,12 @@ PlayedNotificationServer::~PlayedNotificationServer() {
     for (auto* const invocation : held)
         g_object_unref(invocation);
     g_dbus_connection_unregister_object(bus.get(), object);
+    g_dbus_connection_flush_sync(bus.get(), nullptr, nullptr); // closing may drop its last answers
     g_dbus_connection_close_sync(bus.get(), nullptr, nullptr);
 }
 
 void PlayedNotificationServer::receive(GDBusMethodInvocation* invocation) {
-    ++questions;
+    ++calls;
     if (isHanging)
         held.push_back(invocation);
     else
@@ -100,6 +101,7 @@ void PlayedNotificationServer::answer(GDBusMethodInvocation* invocation) {
     } else if (method == "CloseNotification") {
         closed.emplace_back();
         g_variant_get(parameters, "(u)", &closed.back());
+        displayed.erase(closed.back());
         g_dbus_method_invocation_return_value(invocation, nullptr);
     } else if (isBusy) {
         g_dbus_method_invocation_return_dbus_error(
@@ -108,6 +110,8 @@ void PlayedNotificationServer::answer(GDBusMethodInvocation* invocation) {
         g_dbus_method_invocation_return_dbus_error(invocation, "org.example.Refused", "too many");
     } else {
         shown.push_back(read(parameters));
+        displayed.erase(shown.back().replaces);
+        displayed[shown.back().number] = shown.back();
         g_dbus_method_invocation_return_value(invocation,
                                               g_variant_new("(u)", shown.back().number));
     }
@@ -145,7 +149,7 @@ void PlayedNotificationServer::tellClosed(std::uint32_t number) {
     emit("NotificationClosed", g_variant_new("(uu)", number, 2U));
 }
 
-void PlayedNotificationServer::hand(std::uint32_t number, const std::string& activationToken) {
+void PlayedNotificationServer::sendToken(std::uint32_t number, const std::string& activationToken) {
     emit("ActivationToken", g_variant_new("(us)", number, activationToken.c_str()));
 }
 

@@ -1,4 +1,4 @@
-// A notification server that a test plays on the session bus: it shows nothing, and answers as well
+// A notification server that a test plays on the session bus: it draws nothing, and answers as well
 // or as badly as the test says.
 #pragma once
 
@@ -12,10 +12,10 @@
 
 namespace quorva {
 
-/// What a server was asked to show.
+/// A notification that the server was asked to show.
 struct PlayedNotification {
     std::uint32_t replaces = 0;
-    std::uint32_t number = 0; ///< that the server answered, or will
+    std::uint32_t number = 0; ///< the one that the server answers
     std::string title;
     std::string body;
     std::vector<std::string> keys; ///< of the buttons
@@ -26,7 +26,7 @@ struct PlayedNotification {
 /// Answers on the main context, which the test turns.
 class PlayedNotificationServer {
 public:
-    /// Takes the name, or throws. The capabilities are named as freedesktop.org does.
+    /// Owns the name, or throws. The capabilities have the names that freedesktop.org gives them.
     explicit PlayedNotificationServer(std::vector<std::string> capabilities = {"body", "actions",
                                                                                "body-markup"});
     ~PlayedNotificationServer();
@@ -34,19 +34,20 @@ public:
     PlayedNotificationServer(const PlayedNotificationServer&) = delete;
     PlayedNotificationServer& operator=(const PlayedNotificationServer&) = delete;
 
-    bool isHanging = false;      ///< questions are kept until `answerAll`
-    bool inventsNumbers = false; ///< also where something is to be replaced
-    bool refuses = false;        ///< Notify comes to an error
-    bool isBusy = false;         ///< Notify comes to an error of the bus, as for want of room
+    bool isHanging = false;      ///< calls are kept until `answerAll`
+    bool inventsNumbers = false; ///< even when a notification is replaced
+    bool refuses = false;        ///< Notify fails, by the server
+    bool isBusy = false;         ///< Notify fails, as if the bus had no room
 
-    std::vector<PlayedNotification> shown; ///< in the order of asking
+    std::vector<PlayedNotification> shown; ///< all, in the order of the calls
     std::vector<std::uint32_t> closed;
-    int questions = 0; ///< asked, answered or not
+    std::map<std::uint32_t, PlayedNotification> displayed; ///< now, by their numbers
+    int calls = 0;                                         ///< received, answered or not
 
     void answerAll();
     void press(std::uint32_t number, const std::string& key);
     void tellClosed(std::uint32_t number);
-    void hand(std::uint32_t number, const std::string& activationToken);
+    void sendToken(std::uint32_t number, const std::string& activationToken);
 
     [[nodiscard]] GDBusConnection* connection() const { return bus.get(); }
 
@@ -66,7 +67,7 @@ private:
 /// A connection of its own to the session bus; throws where there is none.
 [[nodiscard]] GObjectPtr<GDBusConnection> joinSessionBus();
 
-/// Has `bus` own a name, at once; throws when somebody else does.
+/// Makes `bus` own a name; throws when somebody else owns it.
 void ownName(GDBusConnection* bus, const char* name);
 
 } // namespace quorva

@@ -43,6 +43,15 @@ int PlayedSpeechService::count(const std::string& line) const {
     return static_cast<int>(std::ranges::count(all, line));
 }
 
+std::vector<std::string> PlayedSpeechService::texts() const {
+    const auto all = lines();
+    std::vector<std::string> found;
+    for (std::size_t at = 1; at < all.size(); ++at)
+        if (all[at] == ".")
+            found.push_back(all[at - 1]);
+    return found;
+}
+
 void PlayedSpeechService::tellEnd(int message) {
     write("702-" + std::to_string(message) + "\r\n702-1\r\n702 END\r\n");
 }

@@ -1,4 +1,4 @@
-// A speech service that a test plays on a socket: it says nothing, and answers as well or as badly
+// A speech service that a test plays on a socket: it is silent, and answers as well or as badly
 // as the test says.
 #pragma once
 
@@ -24,14 +24,17 @@ public:
     PlayedSpeechService& operator=(const PlayedSpeechService&) = delete;
 
     std::atomic<Manner> manner = Manner::answer;
-    std::atomic<int> connections = 0;    ///< begun
+    std::atomic<int> connections = 0;    ///< accepted
     std::atomic<int> disconnections = 0; ///< ended by the other side
 
-    /// The lines received, those of texts included.
+    /// The lines received, including those of texts.
     [[nodiscard]] std::vector<std::string> lines() const;
     [[nodiscard]] int count(const std::string& line) const;
 
-    /// Tells that the message with this number has been spoken.
+    /// The texts received whole, each of one line.
+    [[nodiscard]] std::vector<std::string> texts() const;
+
+    /// Reports that the message with this number has been spoken.
     void tellEnd(int message);
 
     /// Ends the present connection.

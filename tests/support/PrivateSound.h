@@ -1,5 +1,5 @@
-// A sound server of the test's own, whose only speaker leads to the test. For private sessions: it
-// listens in the session's runtime folder.
+// A private sound server, whose only speaker a test can listen to. For private sessions: it listens
+// in the session's runtime folder.
 #pragma once
 
 #include "platform/linux/glib/Handles.h"
