@@ -1,6 +1,6 @@
-// Any bytes in place of what is shown in notifications and of what their server says. What is sent
-// is what servers can bear, the keys of buttons lead back to their requests and nowhere else, and
-// the queue of what waits does what a plain list of it does.
+// Any bytes as the texts of notifications and as the replies of their server. Texts are safe to
+// show, the key of a button leads to its own request only, and the queue does what a plain list
+// does.
 #include "Expect.h"
 #include "platform/linux/notifications/NotificationProtocol.h"
 #include "platform/linux/notifications/NotificationQueue.h"
@@ -88,7 +88,7 @@ void press(const std::string& bytes) {
     expect(!PostedNotifications(run + 1).pressOf(own));
 }
 
-/// Each byte is something that happens to the queue; the vector is what it should hold.
+/// Each byte is an operation on the queue; `plain` is what it should hold.
 void queue(const std::string& steps) {
     using Entry = NotificationQueue::Entry;
     constexpr Seconds newsworthy(10);

@@ -1,6 +1,6 @@
-// Any bytes in place of what a speech service says, and of what it is to say. What comes is taken
-// for what the protocol says it is or ends the conversation, once; what is sent ends where it
-// should and nowhere before.
+// Any bytes as the answers of a speech service, and as the texts for it to speak. Answers follow
+// the protocol or end the connection, once; a text that is sent ends where it should and not
+// before.
 #include "Expect.h"
 #include "platform/linux/speech/SsipConnection.h"
 #include "support/VirtualMainLoop.h"
@@ -38,7 +38,7 @@ void readLine(std::string_view bytes) {
         std::string::npos);
 }
 
-/// What the service reads of it: lines up to the one that is a dot, without the dots that protect.
+/// Reads a sent text as the service does: up to the line that is a dot, without the escaping dots.
 void speak(std::string_view bytes) {
     std::string rest = ssip::encodeText(bytes);
     expectUtf8(rest);
@@ -64,7 +64,7 @@ void speak(std::string_view bytes) {
     expect(heard == said + '\n');
 }
 
-/// A conversation in which the service says this.
+/// A connection on which the service sends these bytes.
 void converse(std::string_view bytes) {
     std::array<int, 2> ends{};
     expect(::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends.data()) == 0);

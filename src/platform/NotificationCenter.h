@@ -18,7 +18,7 @@ struct NotificationAction {
     bool operator==(const NotificationAction&) const = default;
 };
 
-/// A kind of notification: which buttons it has, in their order.
+/// A kind of notification, with its buttons in their order.
 struct NotificationCategory {
     std::string identifier;
     std::vector<NotificationAction> actions;
@@ -26,11 +26,11 @@ struct NotificationCategory {
     bool operator==(const NotificationCategory&) const = default;
 };
 
-/// How much a notification may be in the way (the urgency levels of the Desktop Notifications
-/// standard).
+/// How prominently to show a notification (the urgency levels of the Desktop Notifications
+/// Specification).
 enum class NotificationUrgency { low, normal, critical };
 
-/// What is to be shown. Texts are plain UTF-8 of any length and hold no markup.
+/// A notification to be shown. Texts are plain UTF-8 of any length, without markup.
 struct NotificationRequest {
     std::string identifier; ///< a later request with the same one replaces this notification
     std::string title;
@@ -42,7 +42,7 @@ struct NotificationRequest {
     bool operator==(const NotificationRequest&) const = default;
 };
 
-/// A button that the user has pressed.
+/// Reports that the user has pressed a button.
 struct NotificationResponse {
     std::string actionIdentifier;
     std::string requestIdentifier;
@@ -52,51 +52,55 @@ struct NotificationResponse {
 
 enum class NotificationAuthorization { notDetermined, denied, authorized };
 
-/// What shows the notifications.
+/// The program that shows the notifications.
 struct NotificationService {
     enum class State {
-        unknown, ///< being found out
-        absent,  ///< nobody shows notifications
-        silent,  ///< somebody should, but does not answer
+        unknown, ///< not known yet
+        absent,  ///< there is none
+        silent,  ///< there should be one, but it does not answer
         present,
     };
     State state = State::unknown;
-    bool hasActions = false; ///< it shows buttons; false unless present
+    bool hasActions = false; ///< whether it shows buttons; false unless present
 
     bool operator==(const NotificationService&) const = default;
 };
 
-/// Main thread only. No operation waits for another program.
+/// Main thread only. No operation waits for another program. Callbacks run on the main loop, and
+/// none is called once its subscription has been dropped.
 class NotificationCenter {
 public:
     virtual ~NotificationCenter() = default;
 
-    /// Says which categories there are, in place of all said before.
+    /// Sets the categories, in place of any set before. They apply to requests shown from then on.
     virtual void setCategories(std::vector<NotificationCategory> categories) = 0;
 
-    /// Calls `done` once, on the main loop or within this call, with whether notifications may be
-    /// posted: authorized when somebody shows them, notDetermined while nobody does.
+    /// Calls `done` once, on the main loop or within this call, when it is known whether
+    /// notifications may be posted: authorized while the service is present, notDetermined
+    /// otherwise.
     virtual void fetchAuthorization(std::function<void(NotificationAuthorization)> done) = 0;
 
-    /// Asks to be allowed to post; calls `done` once, as above, with what went wrong, if anything.
+    /// Asks for permission to post; calls `done` once, as above, with nothing on success, or else
+    /// with the reason for the log.
     virtual void requestAuthorization(std::function<void(std::optional<std::string>)> done) = 0;
 
-    /// Shows a notification, in place of the one shown with the same identifier. One that cannot
-    /// be shown now is shown when somebody can, unless that takes longer than it would be news.
+    /// Shows a notification, in place of any with the same identifier. While there is no service it
+    /// waits, for as long as it is news; a newer one with its identifier replaces it, and
+    /// `removeDelivered` drops it.
     virtual void post(NotificationRequest request) = 0;
 
-    /// Takes the notification with this identifier away, if it is shown.
+    /// Takes away the notification with this identifier, if there is one.
     virtual void removeDelivered(const std::string& identifier) = 0;
 
-    /// Calls `callback` on the main loop after the user has pressed a button of a notification that
-    /// this object has posted. A press brings the identifier back also after the service restarted.
+    /// Calls `callback` after the user has pressed a button of a notification that this object has
+    /// posted, even if the service has restarted since.
     [[nodiscard]] virtual Subscription
     onResponse(std::function<void(const NotificationResponse&)> callback) = 0;
 
-    /// What shows the notifications now, as far as that is known.
+    /// The state of the service, as far as it is known.
     [[nodiscard]] virtual NotificationService service() const = 0;
 
-    /// Calls `callback` on the main loop after that has changed.
+    /// Calls `callback` after each change of `service()`.
     [[nodiscard]] virtual Subscription onServiceChange(Task callback) = 0;
 };
 

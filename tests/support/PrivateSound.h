@@ -46,7 +46,7 @@ public:
         return std::filesystem::path(g_get_user_runtime_dir()) / "pulse" / "native";
     }
 
-    /// Whether it serves; wait for it.
+    /// Whether it accepts connections; tests wait for that.
     [[nodiscard]] bool isReady() const { return std::filesystem::exists(socket()); }
 
     [[nodiscard]] GSubprocess* server() const { return process.get(); }

@@ -12,8 +12,8 @@
 
 namespace quorva {
 
-/// Dropping it ends the connection without further calls; the service then stops speaking. Main
-/// thread only; never waits. SpeechProtocol.h says how the scales are mapped.
+/// Dropping it closes the connection without further calls. Main thread only; never waits.
+/// SpeechProtocol.h says how the scales are mapped.
 class SpeechSession {
 public:
     /// Each may drop the session.

@@ -1,4 +1,4 @@
-// What is said to notification servers, without one: texts, parameters, keys and the queue.
+// The calls to notification servers, without a server: texts, parameters, keys and the queue.
 #include "platform/linux/notifications/NotificationProtocol.h"
 
 #include "platform/linux/notifications/NotificationQueue.h"
@@ -21,7 +21,7 @@ std::string printed(GVariant* value) {
 
 } // namespace
 
-TEST(NotificationTextTest, holdsNothingThatServersCannotBear) {
+TEST(NotificationTextTest, holdsOnlyWhatIsSafeToShow) {
     struct Row {
         std::string text;
         std::string kept;
@@ -56,7 +56,7 @@ TEST(NotificationTextTest, isCutBetweenCharacters) {
     EXPECT_LE(g_utf8_strlen(plainText(marks, maxBody, Lines::keep).c_str(), -1), 4000);
 }
 
-TEST(NotificationProtocolTest, saysWhatIsAskedFor) {
+TEST(NotificationProtocolTest, encodesARequest) {
     const NotificationRequest request{.identifier = "x",
                                       .title = "Otter <b>\njoined",
                                       .body = "\"Ann\" & Bo <script>\nmeet",
@@ -77,7 +77,7 @@ TEST(NotificationProtocolTest, saysWhatIsAskedFor) {
         "'suppress-sound': <true>}, -1)");
 }
 
-TEST(NotificationProtocolTest, bearsAnswersThatMakeNoSense) {
+TEST(NotificationProtocolTest, toleratesMalformedReplies) {
     const auto decoded = [](const char* text) {
         const GVariantPtr reply(g_variant_parse(nullptr, text, nullptr, nullptr, nullptr));
         return std::pair(decodeCapabilities(reply.get()), decodeNumber(reply.get()));
@@ -109,7 +109,7 @@ TEST(PostedNotificationsTest, leadsKeysBackToTheRequestsOfThisRunOnly) {
 
     for (std::size_t count = 1; count < PostedNotifications::capacity; ++count)
         posted.noteShown("filler " + std::to_string(count), 5);
-    EXPECT_EQ(posted.pressOf(key), std::nullopt) << "the oldest is forgotten";
+    EXPECT_EQ(posted.pressOf(key), std::nullopt) << "the oldest is dropped";
     EXPECT_TRUE(posted.pressOf(other));
     EXPECT_EQ(posted.numberOf("filler 1"), 0U) << "the server gave its number to another";
     EXPECT_EQ(posted.numberOf("filler 999"), 5U);
@@ -132,7 +132,7 @@ TEST(NotificationQueueTest, keepsTheNewestOfEachAndFiftyInAll) {
     EXPECT_TRUE(push("a", "newest", now + 20s));
     queue.putBack(*taken);
     EXPECT_EQ(queue.size(), 1U) << "a newer one is there";
-    EXPECT_EQ(queue.pop(now + 321s), std::nullopt) << "no news any more";
+    EXPECT_EQ(queue.pop(now + 321s), std::nullopt) << "too old";
 
     for (int count = 0; count < 50; ++count)
         EXPECT_TRUE(push(std::to_string(count), "", now));

@@ -1,4 +1,4 @@
-// How Speech Dispatcher is spoken to, without it.
+// The protocol of Speech Dispatcher, without the service.
 #include "platform/linux/speech/SpeechProtocol.h"
 
 #include <gmock/gmock.h>
@@ -10,7 +10,7 @@ namespace quorva::ssip {
 using testing::Eq;
 using testing::Optional;
 
-TEST(SpeechProtocolTest, mapsScalesByTheirLandmarks) {
+TEST(SpeechProtocolTest, mapsScales) {
     struct Row {
         int (*map)(double);
         double value;
@@ -65,7 +65,7 @@ TEST(SpeechProtocolTest, readsLinesAndVoices) {
     EXPECT_EQ(decodeVoice("\ten\tnone"), std::nullopt);
 }
 
-TEST(SpeechProtocolTest, letsNoTextEndItself) {
+TEST(SpeechProtocolTest, escapesWhatWouldEndATextOrCommand) {
     EXPECT_EQ(encodeText("Hello"), "Hello\r\n.\r\n");
     EXPECT_EQ(encodeText(".\r\n.\nQUIT\n..x."), "..\r\n..\r\nQUIT\r\n...x.\r\n.\r\n");
     EXPECT_EQ(encodeText(std::string("a\0b\xff", 4)), "a\uFFFDb\uFFFD\r\n.\r\n");

@@ -47,7 +47,7 @@ protected:
 
 } // namespace
 
-TEST_F(DBusNotificationCenterTest, replacesByIdentifierAlsoWhereTheServerInventsNumbers) {
+TEST_F(DBusNotificationCenterTest, replacesByIdentifierEvenIfTheServerInventsNumbers) {
     PlayedNotificationServer server;
     server.inventsNumbers = true;
     start();
@@ -75,7 +75,7 @@ TEST_F(DBusNotificationCenterTest, replacesByIdentifierAlsoWhereTheServerInvents
     EXPECT_THAT(server.closed, ElementsAre(2U));
 }
 
-TEST_F(DBusNotificationCenterTest, bringsAPressBackAlsoAfterTheServerRestarted) {
+TEST_F(DBusNotificationCenterTest, reportsAPressEvenAfterTheServerRestarted) {
     std::string key;
     {
         PlayedNotificationServer server;
@@ -103,7 +103,7 @@ TEST_F(DBusNotificationCenterTest, bringsAPressBackAlsoAfterTheServerRestarted) 
     EXPECT_EQ(next.shown[0].replaces, 0U) << "not a number of the previous server";
 }
 
-TEST_F(DBusNotificationCenterTest, hearsNobodyButTheServer) {
+TEST_F(DBusNotificationCenterTest, ignoresSignalsFromOthers) {
     PlayedNotificationServer server;
     start();
     center->post(request("a"));
@@ -146,7 +146,7 @@ TEST_F(DBusNotificationCenterTest, leavesOneCallWithAServerThatHangs) {
     EXPECT_EQ(log.count("does not answer"), 1U);
 }
 
-TEST_F(DBusNotificationCenterTest, keepsWhatIsNewsForTheServerToCome) {
+TEST_F(DBusNotificationCenterTest, keepsWhatIsNewsForTheNextServer) {
     start({.answer = Seconds(20), .newsworthy = Seconds(0.5)});
     ASSERT_TRUE(becomes(State::absent));
     center->post(request("old"));
@@ -190,7 +190,7 @@ TEST_F(DBusNotificationCenterTest, goesOnAfterARefusal) {
     ASSERT_TRUE(shows(server, 1));
 }
 
-TEST_F(DBusNotificationCenterTest, triesAgainWhatTheBusHadNoRoomFor) {
+TEST_F(DBusNotificationCenterTest, retriesWhenTheBusHadNoRoom) {
     PlayedNotificationServer server;
     start({.answer = Seconds(0.3)});
     ASSERT_TRUE(becomes(State::present));
@@ -218,12 +218,12 @@ TEST_F(DBusNotificationCenterTest, passesOnTheTokenOfItsOwnNotificationsOnly) {
         const char* const token = std::getenv("XDG_ACTIVATION_TOKEN");
         return std::string(token != nullptr ? token : "none");
     };
-    EXPECT_EQ(tokenAfterPress(99), "none") << "of another program's";
+    EXPECT_EQ(tokenAfterPress(99), "none") << "another program's notification";
     EXPECT_EQ(tokenAfterPress(1), "token");
     ::unsetenv("XDG_ACTIVATION_TOKEN");
 }
 
-TEST_F(DBusNotificationCenterTest, knowsThatThereIsNoBus) {
+TEST_F(DBusNotificationCenterTest, reportsThatThereIsNoBus) {
     center.emplace(loop, log, nullptr);
     std::optional<NotificationAuthorization> authorization;
     center->fetchAuthorization([&](auto answer) { authorization = answer; });

@@ -1,5 +1,5 @@
-// Notifications that a real server shows on a screen of the test's own: dunst under Xvfb. Its menu
-// of buttons is played by grep(1), which picks one.
+// Notifications that a real server shows on a private screen: dunst under Xvfb. grep(1) plays its
+// menu of buttons, and picks one.
 #include "platform/linux/notifications/DBusNotificationCenter.h"
 #include "support/PlayedNotificationServer.h"
 #include "support/PrivateSound.h"
@@ -22,7 +22,7 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using State = NotificationService::State;
 
-/// A display in memory; its number is in DISPLAY from then on.
+/// A display in memory. Sets DISPLAY to its number.
 class PrivateScreen {
 public:
     PrivateScreen() {
@@ -53,7 +53,7 @@ protected:
         return comesTo([&] { return center.service().state == state; });
     }
 
-    /// What dunstctl(1) says, with the main loop turning meanwhile.
+    /// Runs dunstctl(1) while the main loop turns, and returns what it prints.
     std::string control(std::initializer_list<const char*> words) {
         std::vector<const gchar*> arguments{"dunstctl"};
         arguments.insert(arguments.end(), words.begin(), words.end());

@@ -48,10 +48,10 @@ protected:
     std::optional<SpeechDispatcher> speech;
 };
 
-/// As SpeechDispatcherTest, with the address that the real service has.
+/// With the real service, at its usual address.
 class RealSpeechTest : public testing::Test, protected TurningMainLoop {
 protected:
-    /// What has been heard so far.
+    /// The sound recorded so far.
     [[nodiscard]] std::vector<std::int16_t> heard() const {
         std::ifstream file(recording, std::ios::binary);
         const std::string bytes{std::istreambuf_iterator<char>(file), {}};
@@ -145,14 +145,14 @@ TEST_F(SpeechDispatcherTest, saysWhyNothingIsSpoken) {
     service.reset();
     fs::remove(address);
     ::setenv("PATH", "/nowhere", 1);
-    speech->speak({.text = "five"}); // over a connection that is not known to have ended
+    speech->speak({.text = "five"}); // it is not known yet that the connection has ended
     EXPECT_TRUE(comesToFault("has ended"));
     speech->speak({.text = "six"});
     EXPECT_TRUE(comesToFault("No speech service is installed."));
     EXPECT_EQ(SpeechDispatcher(loop).problem(), "No speech service is installed.");
 }
 
-TEST_F(SpeechDispatcherTest, letsGoOfAServiceThatIsNotNeeded) {
+TEST_F(SpeechDispatcherTest, disconnectsFromAServiceThatIsNotNeeded) {
     PlayedSpeechService service(address);
     start({.answer = Seconds(10), .idle = Seconds(0.1)});
     EXPECT_EQ(service.connections, 0);
