@@ -6,63 +6,61 @@
 namespace quorva {
 namespace {
 
-/// A state stands for the longest end of what was read that some pattern begins with.
 using State = std::size_t;
-constexpr State start = 0; // stands for none
+constexpr State root = 0; // in the trie: also "no child"
 
-/// The states while they are made: paths that spell the patterns, with a column for each byte.
-struct States {
-    explicit States(std::size_t width_) : width(width_) { add(); }
+/// The trie of the patterns, and the automaton it becomes.
+struct Trie {
+    explicit Trie(std::size_t width_) : width(width_) { addState(); }
 
-    State& nextOf(State state, std::size_t column) { return next[state * width + column]; }
-    State add();
-    State addPath(std::string_view pattern, const std::array<std::uint16_t, 256>& columnOf);
+    State& next(State state, std::size_t column) { return table[state * width + column]; }
+    State addState();
+    State insert(std::string_view pattern, const std::array<std::uint16_t, 256>& columnOf);
     void completeTransitions();
 
     std::size_t width;
-    std::vector<State> next; ///< by state and column
-    std::vector<std::vector<std::size_t>> endings;
+    std::vector<State> table; ///< by state and column
+    std::vector<std::vector<std::size_t>> outputs;
 };
 
-State States::add() {
-    next.resize(next.size() + width, start);
-    endings.emplace_back();
-    return endings.size() - 1;
+State Trie::addState() {
+    table.resize(table.size() + width, root);
+    outputs.emplace_back();
+    return outputs.size() - 1;
 }
 
-/// The state at the end of a path from the start that spells the pattern.
-State States::addPath(std::string_view pattern, const std::array<std::uint16_t, 256>& columnOf) {
-    State state = start;
+/// Returns the state that spells the pattern.
+State Trie::insert(std::string_view pattern, const std::array<std::uint16_t, 256>& columnOf) {
+    State state = root;
     for (const char c : pattern) {
         const auto column = columnOf[static_cast<unsigned char>(c)];
-        if (nextOf(state, column) == start) {
-            const State added = add(); // moves the others
-            nextOf(state, column) = added;
+        if (next(state, column) == root) {
+            const State added = addState(); // may reallocate the table
+            next(state, column) = added;
         }
-        state = nextOf(state, column);
+        state = next(state, column);
     }
     return state;
 }
 
-/// Where no path leads on, the longest shorter end of what was read decides. Its state is nearer to
-/// the start: going outwards, it is complete already.
-void States::completeTransitions() {
-    std::vector<State> shorterEnd(endings.size(), start);
-    std::deque<State> pending{start};
+/// Computes the failure links breadth first, and replaces each missing child by the transition of
+/// the state's failure link. That state is less deep, so its transitions and outputs are complete.
+void Trie::completeTransitions() {
+    std::vector<State> failure(outputs.size(), root);
+    std::deque<State> pending{root};
     for (; !pending.empty(); pending.pop_front()) {
         const State state = pending.front();
-        const State shorter = shorterEnd[state];
-        if (state != start)
-            endings[state].insert(endings[state].end(), endings[shorter].begin(),
-                                  endings[shorter].end());
+        const State link = failure[state];
+        if (state != root)
+            outputs[state].insert(outputs[state].end(), outputs[link].begin(), outputs[link].end());
         for (std::size_t column = 1; column < width; ++column) {
-            State& onward = nextOf(state, column);
-            const State fallback = state == start ? start : nextOf(shorter, column);
-            if (onward == start) {
-                onward = fallback;
+            State& child = next(state, column);
+            const State fallback = state == root ? root : next(link, column);
+            if (child == root) {
+                child = fallback;
             } else {
-                shorterEnd[onward] = fallback;
-                pending.push_back(onward);
+                failure[child] = fallback;
+                pending.push_back(child);
             }
         }
     }
@@ -76,17 +74,17 @@ PatternAutomaton::PatternAutomaton(const std::vector<std::string_view>& patterns
             if (auto& column = columnOf[static_cast<unsigned char>(c)]; column == 0)
                 column = static_cast<std::uint16_t>(width++);
 
-    States states(width);
+    Trie trie(width);
     for (std::size_t index = 0; index < patterns.size(); ++index) {
-        const State end = states.addPath(patterns[index], columnOf);
-        states.endings[end].push_back(index);
+        const State end = trie.insert(patterns[index], columnOf);
+        trie.outputs[end].push_back(index);
     }
-    states.completeTransitions();
+    trie.completeTransitions();
 
-    endings = std::move(states.endings);
-    for (const State state : states.next)
+    outputs = std::move(trie.outputs);
+    for (const State state : trie.table)
         transitions.push_back({static_cast<std::uint32_t>(state * width) & 0x7FFF'FFFFU,
-                               endings[state].empty() ? 0U : 1U});
+                               outputs[state].empty() ? 0U : 1U});
 }
 
 } // namespace quorva

@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <map>
 #include <random>
 #include <set>
 
@@ -58,26 +57,30 @@ struct LinearReference {
     }
 };
 
-TEST(BotSignatureDatabase, holdsEveryProductOnceInItsCategory) {
-    std::map<BotCategory, int> rows;
+TEST(BotSignatureDatabase, hasNoRowThatIsIncompleteRepeatedOrNeverFound) {
     std::set<std::string> ids;
-    for (const auto& signature : database.signatures()) {
-        ++rows[signature.category];
-        ids.insert(signature.id);
-        EXPECT_FALSE(signature.processNames.empty()) << signature.id;
-        EXPECT_FALSE(signature.bundleIdentifiers.empty()) << signature.id;
-        EXPECT_FALSE(signature.pathPatterns.empty()) << signature.id;
+    for (const auto& row : database.signatures()) {
+        EXPECT_TRUE(ids.insert(row.id).second) << row.id;
+        EXPECT_EQ(row.id, lowerCased(row.id));
+        EXPECT_FALSE(row.name.empty()) << row.id;
+        EXPECT_TRUE(row.baseConfidence > 0 && row.baseConfidence <= 100) << row.id;
+        for (const auto* list : {&row.processNames, &row.bundleIdentifiers, &row.pathPatterns}) {
+            EXPECT_FALSE(list->empty()) << row.id;
+            for (const auto& entry : *list)
+                EXPECT_EQ(trimmed(entry), entry) << row.id;
+        }
+        for (const auto& pattern : row.pathPatterns)
+            EXPECT_EQ(pattern.find('/'), std::string::npos) << pattern << " is not one folder";
+
+        const auto finds = [&](const std::optional<BotMatch>& match) {
+            return match && match->signature.id == row.id;
+        };
+        const auto isFoundByName = [&](const auto& name) {
+            return finds(database.matchProcessName(name));
+        };
+        EXPECT_TRUE(std::any_of(row.processNames.begin(), row.processNames.end(), isFoundByName))
+            << row.id << ": the rows above match all of its names";
     }
-    EXPECT_EQ(ids.size(), 58U);
-    EXPECT_EQ(rows, (std::map<BotCategory, int>{{BotCategory::transcription, 32},
-                                                {BotCategory::sales, 12},
-                                                {BotCategory::recruiting, 3},
-                                                {BotCategory::productivity, 2},
-                                                {BotCategory::localRecorder, 9}}));
-    const auto& chorus = database.signatures()[33];
-    EXPECT_EQ(chorus.name, "Chorus.ai (ZoomInfo)");
-    EXPECT_EQ(chorus.bundleIdentifiers,
-              (std::vector<std::string>{"ai.chorus", "com.zoominfo.chorus"}));
 }
 
 TEST(BotSignatureDatabase, matchesIdentifiersThatAreOrContainAnEntry) {

@@ -8,7 +8,6 @@
 
 #include <algorithm>
 #include <array>
-#include <map>
 #include <random>
 #include <set>
 
@@ -28,41 +27,27 @@ std::string shown(const std::optional<IndicatorMatch>& match) {
     return std::string(match->phrase) + " | " + std::string(rawValue(match->type));
 }
 
-bool isLowerAscii(std::string_view text) {
-    return std::all_of(text.begin(), text.end(),
+/// Whether a pattern can match at all: texts are compared in lower case, and patterns hold ASCII.
+bool isPattern(std::string_view text) {
+    return !text.empty() && trimmed(text) == text &&
+           std::all_of(text.begin(), text.end(),
                        [](char c) { return c >= ' ' && c <= '~' && !(c >= 'A' && c <= 'Z'); });
 }
 
-TEST(ParticipantBotPatterns, areDistinctAndInLowerCase) {
+TEST(ParticipantTables, holdDistinctPatternsInLowerCase) {
     std::set<std::string_view> patterns;
-    std::map<BotCategory, int> categories;
     for (const auto& row : tables::participantBotPatterns) {
-        EXPECT_TRUE(isLowerAscii(row.pattern) && trimmed(row.pattern) == row.pattern)
-            << row.pattern;
+        EXPECT_TRUE(isPattern(row.pattern)) << row.pattern;
         EXPECT_TRUE(patterns.insert(row.pattern).second) << row.pattern;
-        ++categories[row.category];
+        EXPECT_FALSE(row.displayName.empty()) << row.pattern;
     }
-    EXPECT_EQ(categories, (std::map<BotCategory, int>{{BotCategory::transcription, 85},
-                                                      {BotCategory::sales, 24},
-                                                      {BotCategory::recruiting, 7},
-                                                      {BotCategory::platform, 9},
-                                                      {BotCategory::unknown, 7}}));
     for (const auto word : tables::genericBotWords)
-        EXPECT_TRUE(patterns.contains(word)) << word;
-    EXPECT_EQ(std::size(tables::uiActionPrefixes), 24U);
-}
-
-TEST(IndicatorPhrases, areDistinctAndInLowerCase) {
+        EXPECT_TRUE(patterns.contains(word)) << word << " is not a pattern of its own";
     std::set<std::string_view> phrases;
-    std::map<std::string_view, int> platforms;
     for (const auto& row : tables::indicatorPhrases) {
-        EXPECT_TRUE(isLowerAscii(row.phrase)) << row.phrase;
+        EXPECT_TRUE(isPattern(row.phrase)) << row.phrase;
         EXPECT_TRUE(phrases.insert(row.phrase).second) << row.phrase;
-        ++platforms[row.onlyOnPlatform];
     }
-    EXPECT_EQ(platforms, (std::map<std::string_view, int>{
-                             {"", 12}, {"Zoom", 4}, {"Teams", 3}, {"Google Meet", 3}}));
-    EXPECT_EQ(std::size(tables::recordingControlPrefixes), 11U);
 }
 
 TEST(ParticipantMatching, findsTheLongestPatternInParticipantsNames) {
@@ -243,8 +228,9 @@ TEST(ParticipantMatching, matchesAsAWalkThroughTheRowsWould) {
             phrases.insert(indicator ? std::string(indicator->phrase) : "");
         }
     }
-    EXPECT_EQ(patterns.size(), 1 + std::size(tables::participantBotPatterns)); // each has won once
-    EXPECT_EQ(phrases.size(), 1 + std::size(tables::indicatorPhrases) - 3); // 3 hold an earlier one
+    EXPECT_GT(patterns.size(), std::size(tables::participantBotPatterns) / 2)
+        << "the texts no longer try the rules";
+    EXPECT_GT(phrases.size(), std::size(tables::indicatorPhrases) / 2);
 }
 
 TEST(PatternAutomaton, findsEveryOccurrenceOfOverlappingAndRepeatedPatterns) {
