@@ -1,5 +1,5 @@
-// Follows the fields that a view shows, and has the view brought up to date once for however many
-// of them have changed.
+// Follows the published fields that a view shows, and updates the view once after any number of
+// changes.
 #pragma once
 
 #include "base/Lifetime.h"
@@ -14,8 +14,9 @@ namespace quorva {
 /// Main thread only.
 class ChangeWatch {
 public:
-    /// `loop` must outlive the watch. `onChange` is called as a task of its own: fields tell of
-    /// a change before it is made, and a button's own operation must not take the button away.
+    /// `loop` must outlive the watch. `onChange` runs as a separate task of the loop, because a
+    /// field calls its observers before it changes, and because an operation of a button must not
+    /// destroy that button.
     ChangeWatch(MainLoop& loop_, Task onChange_) : loop(loop_), onChange(std::move(onChange_)) {}
 
     ChangeWatch(const ChangeWatch&) = delete;
@@ -27,7 +28,7 @@ public:
         (subscriptions.push_back(fields.observe([this](const auto&) { schedule(); })), ...);
     }
 
-    /// Has `onChange` called soon.
+    /// Posts `onChange`, unless it is posted already.
     void schedule() {
         if (isScheduled)
             return;
@@ -43,7 +44,7 @@ private:
     const Task onChange;
     bool isScheduled = false;
     std::vector<Subscription> subscriptions;
-    Lifetime lifetime; // last: goes first
+    Lifetime lifetime; // last: destroyed first
 };
 
 } // namespace quorva

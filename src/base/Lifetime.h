@@ -1,4 +1,4 @@
-// The guard between an owner and the tasks, timers and callbacks that may outlive it.
+// Protects an owner from tasks, timers and callbacks that outlive it.
 #pragma once
 
 #include <memory>
@@ -6,8 +6,8 @@
 
 namespace quorva {
 
-/// A member of an owner, declared last so that it goes first. Callables that pass through `guard`
-/// do nothing once the owner is gone. Guard, call and destroy on one thread.
+/// Declare it as the last member of the owner, so that it is destroyed first. A callable returned
+/// by `guard` does nothing once the owner is gone. Guard, call and destroy on one thread.
 class Lifetime {
 public:
     Lifetime() = default;

@@ -1,6 +1,5 @@
-// Everything that has to do with time and turn-taking. Whoever needs to know the time, to wait, or
-// to do something later asks the main loop; no other clock and no other timer is used above
-// platform/linux, so that a test can let hours pass in milliseconds.
+// The main loop: the clock, timers and posted tasks. Code above platform/linux uses no other clock
+// and no other timer, so that a test can pass hours in milliseconds.
 #pragma once
 
 #include "base/Subscription.h"
@@ -18,16 +17,15 @@ public:
     /// The wall clock. Callable from any thread.
     [[nodiscard]] virtual Time now() const = 0;
 
-    /// Runs `task` later, on the main thread, after the tasks posted before it. Never runs it at
-    /// once. Callable from any thread; a task posted after the loop has ended is dropped.
+    /// Runs `task` later on the main thread, after the tasks posted before it; never within this
+    /// call. Callable from any thread. A task posted after the loop has ended is dropped.
     virtual void post(Task task) = 0;
 
-    /// Runs `task` once, on the main thread, not before `delay` (>= 0) has passed. Main thread
-    /// only.
+    /// Runs `task` once on the main thread, after at least `delay` (>= 0). Main thread only.
     [[nodiscard]] virtual Timer after(Seconds delay, Task task) = 0;
 
-    /// Runs `task` each time `period` (> 0) has passed, on the main thread; runs that were missed
-    /// are not made up for. Main thread only.
+    /// Runs `task` on the main thread each time `period` (> 0) has passed; missed runs are skipped.
+    /// Main thread only.
     [[nodiscard]] virtual Timer every(Seconds period, Task task) = 0;
 };
 

@@ -1,4 +1,4 @@
-// Ownership of "call me when …": a Subscription ends what it stands for when it is dropped.
+// Subscriptions to events: a Subscription owns a registration and ends it when it is destroyed.
 #pragma once
 
 #include <algorithm>
@@ -9,11 +9,11 @@
 
 namespace quorva {
 
-/// A piece of work for the main loop, or something to be told.
+/// Work for the main loop, or a callback without arguments.
 using Task = std::function<void()>;
 
-/// Runs its ending once: when destroyed, assigned over, or reset. An empty one does nothing.
-/// Movable, not copyable. Belongs to the thread that made it.
+/// Runs its end function once: when it is destroyed, assigned to, or reset. An empty one does
+/// nothing. Movable, not copyable. Use it on the thread that made it.
 class [[nodiscard]] Subscription {
 public:
     Subscription() = default;
@@ -39,8 +39,8 @@ private:
     Task ending;
 };
 
-/// Those who want to be told of one kind of event. Subscriptions may end, and new ones begin, while
-/// they are being told, and may outlive the list. Main thread only.
+/// The subscribers to one event. A subscription may begin or end during a call, and may outlive the
+/// list. Main thread only.
 template <typename... Arguments>
 class CallbackList {
 public:
@@ -56,7 +56,8 @@ public:
         });
     }
 
-    /// Calls each subscriber in the order of subscribing; those who join meanwhile are left out.
+    /// Calls the subscribers in the order in which they subscribed, without those that subscribe
+    /// during the call.
     void call(Arguments... arguments) const {
         const auto present = *entries;
         for (const auto& entry : present) {

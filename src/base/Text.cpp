@@ -30,8 +30,8 @@ bool hasCategory(UChar32 c, uint32_t mask) {
     return (U_GET_GC_MASK(c) & mask) != 0;
 }
 
-/// Whether this character becomes several in lower case, or one that depends on its neighbours. No
-/// others do but by the rules of a language (Unicode's SpecialCasing).
+/// Whether the lower case of this character is several characters, or depends on its neighbours
+/// (Unicode's SpecialCasing, without the rules for single languages).
 constexpr bool isLoweredInContext(UChar32 c) {
     constexpr UChar32 dottedI = 0x130;
     constexpr UChar32 sigma = 0x3A3;
@@ -47,7 +47,8 @@ std::string fullyLowerCased(std::string_view text) {
 
 constexpr uint32_t letterOrNumber = U_GC_L_MASK | U_GC_N_MASK;
 
-/// Whether the last character but for marks is of the categories in `mask`, which holds no marks.
+/// Whether the last character that is not a mark is in the categories of `mask`, which contains no
+/// marks.
 bool endsIn(std::string_view text, uint32_t mask) {
     const auto* bytes = reinterpret_cast<const uint8_t*>(text.data());
     for (auto at = static_cast<int32_t>(text.size()); at > 0;) {
@@ -69,7 +70,7 @@ bool beginsWith(std::string_view text, uint32_t mask) {
     return hasCategory(c, mask);
 }
 
-/// The text without the characters at both ends that are of a kind.
+/// The text without leading and trailing characters of a kind.
 std::string_view trimmedOf(std::string_view text, UBool (*isOfKind)(UChar32)) {
     const auto* bytes = reinterpret_cast<const uint8_t*>(text.data());
     auto length = static_cast<int32_t>(text.size());
@@ -89,7 +90,7 @@ std::string_view trimmedOf(std::string_view text, UBool (*isOfKind)(UChar32)) {
     return text.substr(static_cast<std::size_t>(start), static_cast<std::size_t>(length - start));
 }
 
-/// Finds where user-perceived characters end; null when ICU's rules are missing.
+/// An iterator over user-perceived characters; null when ICU's rules are missing.
 std::unique_ptr<icu::BreakIterator> makeClusterBreaks() {
     UErrorCode status = U_ZERO_ERROR;
     std::unique_ptr<icu::BreakIterator> breaks(
@@ -106,14 +107,14 @@ struct Clusters {
 
 /// The first `most` user-perceived characters of the text.
 Clusters walkClusters(std::string_view text, std::size_t most) {
-    thread_local const auto breaks = makeClusterBreaks(); // takes longer than most texts do
+    thread_local const auto breaks = makeClusterBreaks(); // making one takes longer than most texts
     UErrorCode status = U_ZERO_ERROR;
     const icu::LocalUTextPointer characters(
         utext_openUTF8(nullptr, text.data(), static_cast<int64_t>(text.size()), &status));
     if (breaks)
         breaks->setText(characters.getAlias(), status);
     Clusters walked;
-    if (!breaks || U_FAILURE(status)) { // code points are the nearest
+    if (!breaks || U_FAILURE(status)) { // code points are the closest substitute
         for (; walked.end < text.size(); ++walked.end)
             if (startsCodePoint(text[walked.end]) && walked.count++ == most)
                 return {most, walked.end};
@@ -137,7 +138,7 @@ std::string lowerCased(std::string_view text) {
         std::transform(lower.begin(), lower.end(), lower.begin(), lowerAscii);
         return lower;
     }
-    constexpr std::size_t mostGrowth = 3; // an invalid byte becomes the three of U+FFFD
+    constexpr std::size_t mostGrowth = 3; // an invalid byte becomes the three bytes of U+FFFD
     lower.resize(text.size() * mostGrowth);
     const auto* bytes = reinterpret_cast<const uint8_t*>(text.data());
     const auto length = static_cast<int32_t>(text.size());
@@ -195,7 +196,7 @@ std::size_t characterCount(std::string_view text) {
 
 std::string_view firstCharacters(std::string_view text, std::size_t count) {
     if (text.size() <= count)
-        return text; // no character takes less than a byte
+        return text; // a character has at least one byte
     return text.substr(0, walkClusters(text, count).end);
 }
 

@@ -1,5 +1,5 @@
-// Points in time and durations as every layer uses them, and their machine-readable form.
-// Pure functions, callable from any thread; nothing here asks a clock.
+// Points in time and durations, and their machine-readable form. Pure functions, callable from any
+// thread; nothing here reads a clock.
 #pragma once
 
 #include <chrono>

@@ -1,6 +1,6 @@
-// The catalogue of note-taker, recorder and sales-intelligence applications that can run on the
-// user's computer, and the rules that decide whether an application or a process is one of them.
-// Immutable once built, safe to read from any thread; the operations have no side effects.
+// The catalogue of note-takers, recorders and sales-intelligence assistants that run on the user's
+// computer, and the rules that match an application or a process against it. Immutable after
+// construction; callable from any thread.
 #pragma once
 
 #include "catalogue/Enumerations.h"
@@ -15,10 +15,10 @@
 
 namespace quorva {
 
-/// One product and what it is recognised by. The three lists are stored in lower case.
+/// A product and its patterns. The three lists are in lower case.
 struct BotSignature {
     /// Lower-cases the entries of the three lists and keeps their order. A path pattern is the name
-    /// of one folder or file and holds no "/".
+    /// of one folder or file, without "/".
     BotSignature(std::string id, std::string name, BotCategory category, int baseConfidence,
                  std::vector<std::string> processNames, std::vector<std::string> bundleIdentifiers,
                  std::vector<std::string> pathPatterns);
@@ -32,7 +32,7 @@ struct BotSignature {
     std::vector<std::string> pathPatterns;
 };
 
-/// A signature that matched, and how sure that is. Valid as long as its database.
+/// A match and its confidence. Valid as long as its database.
 struct BotMatch {
     const BotSignature& signature;
     int confidence; ///< 0 to 100
@@ -40,41 +40,40 @@ struct BotMatch {
 
 class BotSignatureDatabase {
 public:
-    /// A database of the given rows. Where several rows match, the first one wins.
+    /// If several rows match, the first one wins.
     explicit BotSignatureDatabase(std::vector<BotSignature> signatures);
 
     BotSignatureDatabase(const BotSignatureDatabase&) = delete;
     BotSignatureDatabase& operator=(const BotSignatureDatabase&) = delete;
 
-    /// The built-in catalogue, made on first use.
+    /// The built-in catalogue, constructed on first use.
     [[nodiscard]] static const BotSignatureDatabase& shared();
 
     [[nodiscard]] const std::vector<BotSignature>& signatures() const { return rows; }
 
-    /// Matches an application's identifier: equal to an entry or containing one, letter case aside.
-    /// Confidence: the row's base and 10, at most 100. Nothing when no row matches.
+    /// Matches an application's identifier against entries that it equals or contains, ignoring
+    /// case. Confidence: the row's base plus 10, at most 100. Nothing when no row matches.
     [[nodiscard]] std::optional<BotMatch> matchBundleIdentifier(std::string_view identifier) const;
 
-    /// Matches an executable's path: one of its folders, or its last component, is a path pattern,
-    /// letter case aside. Confidence: the row's base. Nothing when no row matches, and for a path
-    /// that is excluded.
+    /// Matches an executable's path: one of its folders, or its last component, equals a path
+    /// pattern, ignoring case. Confidence: the row's base. Nothing when no row matches or the path
+    /// is excluded.
     [[nodiscard]] std::optional<BotMatch> matchProcessPath(std::string_view path) const;
 
-    /// Matches the name of an application or of an executable file, letter case aside: equal to an
-    /// entry (the row's base confidence), or its first occurrence in the name stands as a word of
-    /// its own, with no letter or number on either side (5 less, at least 50). Nothing else
-    /// matches.
+    /// Matches the name of an application or of an executable file, ignoring case. Either it equals
+    /// an entry (the row's base confidence), or the entry's first occurrence in it is a whole word,
+    /// without a letter or number on either side (5 less, at least 50). Nothing otherwise.
     [[nodiscard]] std::optional<BotMatch> matchProcessName(std::string_view name) const;
 
-    /// Whether `path`, letter case aside, is a system utility that shares its name with a product.
+    /// Whether `path`, ignoring case, is a system utility that has the name of a product.
     [[nodiscard]] bool isExcludedProcessPath(std::string_view path) const;
 
 private:
-    /// One entry of a signature's list, in catalogue order.
+    /// An entry of a signature's list; entries are in catalogue order.
     struct Entry {
         std::string text;
         std::size_t row;
-        std::uint64_t letters; ///< the set of bytes that a text needs to hold this entry
+        std::uint64_t letters; ///< bytes that a text must have to contain this entry
     };
 
     std::vector<BotSignature> rows;

@@ -1,5 +1,5 @@
-// The catalogue of note-taker, recorder and sales-intelligence applications, one product a row. The
-// order matters: where two rows match, the upper one wins. Lists are filled up with empty texts.
+// The catalogue of note-takers, recorders and sales-intelligence assistants, one product a row. If
+// several rows match, the first one wins. Lists are padded with empty texts.
 #pragma once
 
 #include "catalogue/Enumerations.h"

@@ -50,11 +50,12 @@ CalendarBotSignature::CalendarBotSignature(std::string id_, std::string name_,
 CalendarBotDatabase::CalendarBotDatabase(std::vector<CalendarBotSignature> signatures,
                                          std::vector<std::string> genericBotPrefixes)
     : rows(std::move(signatures)), prefixes(lowerCasedEach(std::move(genericBotPrefixes))) {
-    const auto isSpared = [this](const std::string& pattern) { // a name that holds it holds another
-        return std::any_of(namePatterns.begin(), namePatterns.end(), [&](const Pattern& other) {
-            return pattern.find(other.text) != std::string::npos;
-        });
-    };
+    const auto isSpared =
+        [this](const std::string& pattern) { // it contains an earlier pattern, which matches first
+            return std::any_of(namePatterns.begin(), namePatterns.end(), [&](const Pattern& other) {
+                return pattern.find(other.text) != std::string::npos;
+            });
+        };
     for (std::size_t row = 0; row < rows.size(); ++row) {
         for (const auto& address : rows[row].exactEmails)
             rowOfAddress.add(address, row);

@@ -1,5 +1,5 @@
-// The catalogue of bots that are invited to meetings, one product a row. The order matters: where
-// two rows match, the upper one wins. Lists are filled up with empty texts.
+// The catalogue of bots that are invited to meetings, one product a row. If several rows match, the
+// first one wins. Lists are padded with empty texts.
 #pragma once
 
 #include "catalogue/Enumerations.h"
@@ -15,7 +15,8 @@ struct CalendarBotSignatureRow {
     BotCategory category;
     int baseConfidence;
     std::array<std::string_view, 3> emailDomains;
-    std::array<std::string_view, 5> mailboxes; ///< at the first domain, where not written out
+    std::array<std::string_view, 5>
+        mailboxes; ///< at the first domain, unless the whole address is given
     std::array<std::string_view, 3> emailPatterns;
     std::array<std::string_view, 5> displayNamePatterns;
 };
@@ -65,7 +66,7 @@ inline constexpr CalendarBotSignatureRow calendarBotSignatureTable[] = {
 };
 // clang-format on
 
-/// Beginnings of mailbox names that tell a bot of whatever product. The first that fits wins.
+/// Prefixes of mailbox names that suggest a bot of any product. The first match wins.
 inline constexpr std::string_view genericBotPrefixTable[] = {
     "notetaker",         "note-taker",        "note_taker",  "meeting-bot",      "meetingbot",
     "meeting-notetaker", "ai-notetaker",      "bot",         "recorder",         "meeting-recorder",

@@ -1,6 +1,6 @@
-// The enumerations that every detector reports in. Each case has a raw value, the text that stands
-// for it in stored and printed JSON; the raw value equals the case's name and never changes.
-// Plain values; callable from any thread.
+// The enumerations that detectors report in. Each case has a raw value, its text in stored and
+// printed JSON; it equals the case's name and never changes. Plain values; callable from any
+// thread.
 #pragma once
 
 #include <array>
@@ -9,7 +9,7 @@
 
 namespace quorva {
 
-/// What kind of product was found.
+/// The kind of product.
 enum class BotCategory {
     transcription,
     sales,
@@ -30,7 +30,7 @@ enum class DetectionMethod {
     recordingIndicator
 };
 
-/// Which family of detectors made a detection.
+/// The kind of detector that made a detection.
 enum class DetectionSource { process, calendar, participant, indicator };
 
 /// The kind of a recording or assistant banner in a meeting window.
@@ -98,7 +98,7 @@ inline constexpr std::array namedCases<ObjectionTemplate>{
     NamedCase{ObjectionTemplate::brief, "brief"},
 };
 
-/// The text that stands for `value` in JSON.
+/// The text of `value` in JSON.
 template <typename Enumeration>
 [[nodiscard]] constexpr std::string_view rawValue(Enumeration value) {
     for (const auto& named : namedCases<Enumeration>)
@@ -107,7 +107,7 @@ template <typename Enumeration>
     return {};
 }
 
-/// The case with this raw value, letter case included; nothing when there is none.
+/// The case with this raw value, case-sensitive; nothing when there is none.
 template <typename Enumeration>
 [[nodiscard]] constexpr std::optional<Enumeration> fromRawValue(std::string_view text) {
     for (const auto& named : namedCases<Enumeration>)

@@ -1,5 +1,5 @@
-// What banners in meeting windows say while a recording, a transcription or an assistant is on, one
-// phrase a row, in lower case. The order matters: where two rows match, the upper one wins.
+// The texts of banners that announce a recording, a transcription or an assistant, one phrase a
+// row, in lower case. If several rows match, the first one wins.
 #pragma once
 
 #include "catalogue/Enumerations.h"
@@ -11,7 +11,7 @@ namespace quorva {
 struct IndicatorPhraseRow {
     std::string_view phrase;
     IndicatorType type;
-    std::string_view onlyOnPlatform; ///< its name; empty: the phrase stands for any platform
+    std::string_view onlyOnPlatform; ///< the platform's name; empty: any platform
 };
 
 namespace tables {
@@ -43,7 +43,7 @@ inline constexpr IndicatorPhraseRow indicatorPhrases[] = {
 };
 // clang-format on
 
-/// Beginnings of the labels of controls that would start or stop what a banner tells of.
+/// Prefixes of the labels of controls that would start or stop what a banner announces.
 inline constexpr std::string_view recordingControlPrefixes[] = {
     "start recording",
     "stop recording",

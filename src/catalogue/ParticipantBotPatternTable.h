@@ -1,5 +1,5 @@
-// What note-takers are called in the lists of participants, one pattern a row, in lower case and
-// ASCII. The longest pattern that a name contains wins, the upper row where two are as long.
+// The names of note-takers in lists of participants, one pattern a row, in lower-case ASCII. The
+// longest pattern in a name wins; of equally long ones, the first row.
 #pragma once
 
 #include "catalogue/Enumerations.h"
@@ -11,7 +11,7 @@ namespace quorva {
 struct ParticipantBotPatternRow {
     std::string_view pattern;
     std::string_view displayName;
-    BotCategory category; ///< unknown: the pattern names no product, only what it does
+    BotCategory category; ///< unknown: the pattern says what the bot does, not which product it is
 };
 
 namespace tables {
@@ -155,13 +155,14 @@ inline constexpr ParticipantBotPatternRow participantBotPatterns[] = {
 };
 // clang-format on
 
-/// Words that tell what a bot does. After a name that is not in the table they make a bot of it.
+/// Words for what a bot does. A name that contains one after another word is a bot of an unknown
+/// product.
 inline constexpr std::string_view genericBotWords[] = {
     "notetaker",   "note taker",   "meeting recorder",  "recording bot",
     "meeting bot", "ai assistant", "transcription bot",
 };
 
-/// Beginnings of the labels of buttons and menus, with the blanks that end the words.
+/// Prefixes of the labels of buttons and menus, with the blank that ends a word.
 inline constexpr std::string_view uiActionPrefixes[] = {
     "add ",    "invite ",  "remove ", "mute ", "unmute ", "settings", "preferences", "configure",
     "enable ", "disable ", "start ",  "stop ", "end ",    "leave ",   "share ",      "pin ",

@@ -17,11 +17,12 @@ using tables::participantBotPatterns;
 
 constexpr std::string_view ownName = "quorva";
 constexpr std::string_view ownProgram = "quorvaapp";
-constexpr int strongConfidence = 85;    ///< from here on, even the label of a control counts
+constexpr int strongConfidence =
+    85; ///< enough even for a text that looks like the label of a control
 constexpr std::size_t longestName = 60; ///< in characters
 constexpr char blank = ' ';
 
-/// The automaton of a table's column; patterns have the numbers of their rows.
+/// The automaton of a table's column; the index of a pattern is that of its row.
 template <typename Row, std::size_t N>
 PatternAutomaton automatonOf(const Row (&rows)[N], std::string_view Row::*column) {
     std::vector<std::string_view> patterns;
@@ -40,7 +41,7 @@ bool beginsWithAny(std::string_view text, const std::string_view (&beginnings)[N
                        [text](auto beginning) { return text.starts_with(beginning); });
 }
 
-/// Whether this is our own product's name, or contains it as a word.
+/// Whether this is this product's own name, or contains it as a word.
 bool isOwnAppName(std::string_view lower) {
     if (contains(lower, ownProgram))
         return true;
@@ -59,7 +60,8 @@ bool hasSeveralWords(std::string_view text) {
            text.find_first_not_of(blank, gap) != std::string_view::npos;
 }
 
-/// Whether a bot without a row of its own has this name: another word before what the bot does.
+/// Whether this is the name of a bot of an unknown product: another word before the word for what
+/// the bot does.
 bool isGenericBotName(std::string_view lower) {
     return hasSeveralWords(lower) &&
            std::any_of(
@@ -67,7 +69,7 @@ bool isGenericBotName(std::string_view lower) {
                [lower](auto word) { return contains(lower, word) && !lower.starts_with(word); });
 }
 
-/// The name without what follows a comma or a bracket; the whole where nothing is before them.
+/// The name up to a comma or a bracket; the whole name if nothing comes before them.
 std::string_view cleanDisplayName(std::string_view name) {
     const auto beforeComma = name.substr(0, name.find(','));
     const auto cleaned = trimmedOfBlanks(beforeComma.substr(0, beforeComma.find('(')));
@@ -87,7 +89,7 @@ const ParticipantBotPatternRow* rowOfLongestPattern(std::string_view lower) {
     return best;
 }
 
-/// The longer the pattern, the surer the match.
+/// A longer pattern gives a higher confidence.
 int confidenceOf(const ParticipantBotPatternRow& row, std::string_view lower, bool isGeneric) {
     const auto length = row.pattern.size(); // in characters too: patterns are ASCII
     if (lower == row.pattern)

@@ -66,7 +66,7 @@ bool require(const Json& object, const char* key, Field& out) {
     return found != object.end() && read(*found, out);
 }
 
-/// A missing key and a null are both "absent"; a value of another type fails.
+/// A missing key and null both mean "absent"; a value of another type is an error.
 template <typename Field>
 bool allow(const Json& object, const char* key, std::optional<Field>& out) {
     const auto found = object.find(key);

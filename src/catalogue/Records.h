@@ -1,5 +1,5 @@
-// The records that detections and objections travel in. Plain values: they own their texts, are
-// copied freely, compare memberwise and are identified by `id` where they have one.
+// The records of detections and objections. Plain values: they own their texts, are copied freely,
+// compare memberwise, and are identified by `id` where they have one.
 #pragma once
 
 #include "base/Time.h"
@@ -44,8 +44,8 @@ struct CalendarBotDetection {
 
     bool operator==(const CalendarBotDetection&) const = default;
 
-    /// How long it is from `now` until the event starts, for people: "now" once it has started,
-    /// else whole minutes as "45m", "1h" or "1h 5m".
+    /// The time from `now` until the event starts, for people: "now" once it has started, otherwise
+    /// whole minutes as "45m", "1h" or "1h 5m".
     [[nodiscard]] std::string timeUntilStartLabel(Time now) const;
 };
 
@@ -77,7 +77,7 @@ struct RecordingIndicatorDetection {
 };
 
 /// One entry of the detection history, as it is stored. Category, method and source are raw values
-/// and not enumerations, so that an entry of a build that knows more of them still decodes.
+/// rather than enumerations, so that an entry written by a newer version still decodes.
 struct DetectionEvent {
     std::string botName;
     std::string category;

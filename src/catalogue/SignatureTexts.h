@@ -1,5 +1,5 @@
-// What the catalogues are made with: entries of a table's row, and a test that spares most of the
-// searches for them. Pure functions, callable from any thread.
+// Helpers of the catalogues: entries of a table row, and a filter that avoids most substring
+// searches. Pure functions, callable from any thread.
 #pragma once
 
 #include "base/Text.h"
@@ -12,8 +12,8 @@
 
 namespace quorva {
 
-/// The set of bytes that occur in a text, folded into 64 bits. A text can only hold an entry whose
-/// set is part of its own: one comparison spares most of the searches.
+/// The set of bytes in a text, folded into 64 bits. A text can contain an entry only if its set
+/// includes the entry's set, which is one comparison.
 [[nodiscard]] inline std::uint64_t lettersOf(std::string_view text) {
     std::uint64_t letters = 0;
     for (const char c : text)
@@ -21,7 +21,7 @@ namespace quorva {
     return letters;
 }
 
-/// Whether a text of the set `letters` can hold an entry of the set `needed`.
+/// Whether a text with the set `letters` may contain an entry with the set `needed`.
 [[nodiscard]] constexpr bool mayHold(std::uint64_t letters, std::uint64_t needed) {
     return (needed & ~letters) == 0;
 }
@@ -32,7 +32,7 @@ namespace quorva {
     return texts;
 }
 
-/// The texts of a table's cell, without the empty ones that fill it up.
+/// The texts of a table cell, without the empty ones that pad it.
 template <std::size_t N>
 [[nodiscard]] std::vector<std::string> entriesOf(const std::array<std::string_view, N>& texts) {
     std::vector<std::string> entries;

@@ -1,4 +1,4 @@
-// What helps where a source can't be looked at, in the words that every place says it in.
+// What helps when a source cannot be read, in the same words everywhere.
 #pragma once
 
 namespace quorva::remedies {

@@ -10,7 +10,7 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr auto identifier = "quorva-drill@quorva.invalid";
-constexpr auto attendee = "drill-attendee@quorva.invalid"; // a domain that nobody can have
+constexpr auto attendee = "drill-attendee@quorva.invalid"; // a domain that cannot be registered
 constexpr auto lookAhead = 24h;
 constexpr int confidence = 90;
 
@@ -51,11 +51,11 @@ void CalendarDrill::read(const CalendarStandIn& written) {
 }
 
 void CalendarDrill::check(const CalendarWindow& window) {
-    const BrokenStep broken{"read the calendar", ""};
+    const BrokenStep failed{"read the calendar", ""};
     if (!window.failed.empty())
-        return fail({broken.step, window.failed.front().reason});
+        return fail({failed.step, window.failed.front().reason});
     if (std::none_of(window.events.begin(), window.events.end(), isDrill))
-        return fail({broken.step, fmt::format("calendars read: {}; the event is in none of them: "
+        return fail({failed.step, fmt::format("calendars read: {}; the event is in none of them: "
                                               "this is a fault of the program, please report it",
                                               window.calendars)});
     pass("read");
@@ -75,10 +75,10 @@ void CalendarDrill::look() {
 void CalendarDrill::askService() {
     step = Step::ask;
     question = standIns.askCalendarService(
-        lifetime.guard([this](CalendarServiceState service) { take(service); }));
+        lifetime.guard([this](CalendarServiceState service) { handle(service); }));
 }
 
-void CalendarDrill::take(CalendarServiceState service) {
+void CalendarDrill::handle(CalendarServiceState service) {
     if (service == CalendarServiceState::silent)
         return fail(unfinished());
     pass(service == CalendarServiceState::answers

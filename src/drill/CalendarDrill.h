@@ -1,6 +1,6 @@
-// Tries the way from an invitation to its detection: has a calendar written with one event to which
-// a stand-in is invited, reads it, has the calendar monitor look for it with a catalogue of that
-// one row, and asks whether the desktop's calendar service answers.
+// Tests detection in calendars: writes a calendar with one event to which a stand-in is invited,
+// reads it, runs the calendar monitor over it with a catalogue of one row, and asks whether the
+// desktop's calendar service answers.
 #pragma once
 
 #include "detectors/CalendarMonitor.h"
@@ -24,7 +24,7 @@ private:
     void check(const CalendarWindow& window);
     void look();
     void askService();
-    void take(CalendarServiceState service);
+    void handle(CalendarServiceState service);
 
     Log& log;
     const Sha256 sha256;
@@ -32,7 +32,7 @@ private:
     const CalendarBotDatabase catalogue;
     NoPreferences preferences;
     CalendarStore* store = nullptr;
-    Subscription standIn; // outlives those who use its store
+    Subscription standIn; // outlives the users of its store
     std::optional<CalendarMonitor> monitor;
     Subscription reading;
     Subscription question;

@@ -9,7 +9,7 @@ Drill::Drill(MainLoop& loop_, DrillLink link) : loop(loop_), finding{.link = lin
 void Drill::run(Done done_) {
     done = std::move(done_);
     begun = loop.now();
-    deadline = loop.after(patience, lifetime.guard([this] { fail(unfinished()); }));
+    deadline = loop.after(timeout, lifetime.guard([this] { fail(unfinished()); }));
     begin();
 }
 
@@ -18,7 +18,7 @@ void Drill::fail(BrokenStep broken) {
     finish();
 }
 
-/// What comes after the end changes nothing.
+/// Events after the end change nothing.
 void Drill::finish() {
     if (!done)
         return;

@@ -1,5 +1,5 @@
-// One link of the chain from this computer to a detection, tried with a stand-in: what was done
-// step by step, or which step failed and what helps. Main thread only.
+// A test of one detector's source with a stand-in. It records the steps that worked, or the step
+// that failed and what helps. Main thread only.
 #pragma once
 
 #include "base/Lifetime.h"
@@ -11,21 +11,21 @@
 
 namespace quorva {
 
-/// The detectors' sources, each with all that lies between it and a detection.
+/// The sources, each with everything between it and a detection.
 enum class DrillLink { process, calendar, meeting };
 
 /// The step that failed.
 struct BrokenStep {
     std::string step;    ///< "start the stand-in"
-    std::string problem; ///< a sentence: what was seen instead, and what helps
+    std::string problem; ///< a sentence: what happened instead, and what helps
 
     bool operator==(const BrokenStep&) const = default;
 };
 
-/// What came of trying a link.
+/// The result of a drill.
 struct DrillFinding {
     DrillLink link = DrillLink::process;
-    std::vector<std::string> passed; ///< the steps that were seen to work: "started a stand-in"
+    std::vector<std::string> passed; ///< the steps that worked: "started a stand-in"
     BrokenStep broken;               ///< empty: none
     Seconds took{0};
 
@@ -43,15 +43,14 @@ public:
     Drill(const Drill&) = delete;
     Drill& operator=(const Drill&) = delete;
 
-    /// Tries the link, once, and calls `done` once: after 10 seconds at the latest, as a task of
-    /// the main loop, in which the drill may be destroyed. Destroying it earlier ends it without a
-    /// call.
+    /// Runs the drill, once, and calls `done` once: after 10 seconds at most, as a task of the main
+    /// loop, in which the drill may be destroyed. Destroying it earlier ends it without a call.
     void run(Done done);
 
 protected:
     virtual void begin() = 0;
 
-    /// The step that has not come to an end, for a drill that is out of time.
+    /// The step that has not finished, for a drill that ran out of time.
     [[nodiscard]] virtual BrokenStep unfinished() = 0;
 
     void pass(std::string step) { finding.passed.push_back(std::move(step)); }
@@ -62,7 +61,7 @@ protected:
     Lifetime lifetime;
 
 private:
-    const Seconds patience{10.0};
+    const Seconds timeout{10.0};
 
     DrillFinding finding;
     Done done;

@@ -11,7 +11,7 @@ namespace {
 
 constexpr auto hostIdentifier = "us.zoom.xos";
 constexpr auto title = "Quorva drill: Zoom Meeting";
-constexpr auto participant = "Drill Notetaker"; // the rules for names of no product know it
+constexpr auto participant = "Drill Notetaker"; // matched by the rules for unknown products
 
 } // namespace
 
@@ -52,11 +52,11 @@ void MeetingDrill::look(const RunningStandIn& shown) {
     pass(fmt::format("showed a window (process {})", shown.process));
     applications.standIn = shown.process;
     monitor.emplace(loop, applications, accessibility, log);
-    monitor->onBotDetected = [this](const ParticipantBotDetection& bot) { take(bot); };
+    monitor->onBotDetected = [this](const ParticipantBotDetection& bot) { handle(bot); };
     monitor->startMonitoring();
 }
 
-void MeetingDrill::take(const ParticipantBotDetection& bot) {
+void MeetingDrill::handle(const ParticipantBotDetection& bot) {
     if (bot.matchedParticipantName != participant)
         return;
     pass(fmt::format("read as a meeting in {}", bot.platformName));

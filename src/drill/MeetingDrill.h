@@ -1,5 +1,5 @@
-// Tries the way from a participant in a meeting's window to its detection: has a stand-in show such
-// a window, and has the meeting monitor look at it as if it were the meeting application's.
+// Tests detection in meetings: a stand-in shows a meeting window with a bot among its participants,
+// and the meeting monitor looks at it as if it were a meeting application's window.
 #pragma once
 
 #include "detectors/MeetingParticipantMonitor.h"
@@ -11,8 +11,8 @@
 
 namespace quorva {
 
-/// The stand-in as the only application, under a meeting application's identifier. Other looks at
-/// the computer do not take it for one.
+/// Lists the stand-in as the only application, under the identifier of a meeting application. No
+/// other code takes it for one.
 class DrillApplications final : public Applications {
 public:
     /// The process table must outlive this.
@@ -31,8 +31,8 @@ private:
 
 class MeetingDrill final : public Drill {
 public:
-    /// The services must outlive the drill. What is requested of `accessibility` is replaced for as
-    /// long as the drill goes on: whoever monitors meetings meanwhile has another one.
+    /// The services must outlive the drill. It replaces the requests made of `accessibility` while
+    /// it runs, so a monitor that runs meanwhile needs a tree of its own.
     MeetingDrill(MainLoop& loop, Log& log, ProcessTable& processTable,
                  AccessibilityTree& accessibility, DrillStandIns& standIns);
     ~MeetingDrill() override;
@@ -41,7 +41,7 @@ private:
     void begin() override;
     [[nodiscard]] BrokenStep unfinished() override;
     void look(const RunningStandIn& shown);
-    void take(const ParticipantBotDetection& bot);
+    void handle(const ParticipantBotDetection& bot);
 
     Log& log;
     AccessibilityTree& accessibility;

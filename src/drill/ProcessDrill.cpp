@@ -38,11 +38,11 @@ void ProcessDrill::look(const RunningStandIn& started) {
         return fail({"start the stand-in", started.problem});
     process = started.process;
     pass(fmt::format("started a stand-in (process {})", process));
-    monitor.onBotDetected = [this](const DetectedBot& bot) { take(bot); };
+    monitor.onBotDetected = [this](const DetectedBot& bot) { handle(bot); };
     monitor.startMonitoring();
 }
 
-void ProcessDrill::take(const DetectedBot& bot) {
+void ProcessDrill::handle(const DetectedBot& bot) {
     if (bot.processIdentifier != process)
         return;
     pass(fmt::format("listed among {} processes", monitor.coverage->processes));

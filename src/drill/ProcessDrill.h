@@ -1,5 +1,5 @@
-// Tries the way from a running program to its detection: starts a stand-in, has the process monitor
-// look for it with a catalogue of that one row.
+// Tests detection of processes: starts a stand-in, and runs the process monitor with a catalogue of
+// one row.
 #pragma once
 
 #include "detectors/ProcessMonitor.h"
@@ -13,7 +13,7 @@ namespace quorva {
 
 class ProcessDrill final : public Drill {
 public:
-    /// The services must outlive the drill. `name` is the stand-in's, known to no catalogue.
+    /// The services must outlive the drill. `name` is the stand-in's; no catalogue contains it.
     ProcessDrill(MainLoop& loop, Applications& applications, ProcessTable& processTable,
                  DrillStandIns& standIns, std::string name);
 
@@ -21,14 +21,14 @@ private:
     void begin() override;
     [[nodiscard]] BrokenStep unfinished() override;
     void look(const RunningStandIn& started);
-    void take(const DetectedBot& bot);
+    void handle(const DetectedBot& bot);
 
     ProcessTable& processTable;
     DrillStandIns& standIns;
     const std::string name;
     const BotSignatureDatabase catalogue;
     ProcessMonitor monitor;
-    ProcessIdentifier process = 0; ///< 0: the stand-in does not run yet
+    ProcessIdentifier process = 0; ///< 0: the stand-in has not been started yet
     Subscription standIn;
 };
 

@@ -13,7 +13,8 @@
 namespace quorva {
 namespace {
 
-/// So that what another drill has left, or anybody else runs, is not taken for this one's.
+/// A name of its own for each test, so that a leftover stand-in or another program is not mistaken
+/// for this test's stand-in.
 std::string uniqueName() {
     return fmt::format("quorva-drill-{:08x}", std::random_device()());
 }
@@ -53,11 +54,11 @@ void SelfTest::next() {
     }
     drill = make(waiting.back());
     waiting.pop_back();
-    drill->run([this](const DrillFinding& finding) { take(finding); });
+    drill->run([this](const DrillFinding& finding) { handle(finding); });
 }
 
-/// Takes the stand-in of a link down before the next one is tried.
-void SelfTest::take(const DrillFinding& finding) {
+/// Removes the stand-in of a source before the next source is tested.
+void SelfTest::handle(const DrillFinding& finding) {
     findings.push_back(finding);
     if (progress)
         progress(findings.back());

@@ -1,6 +1,6 @@
-// The fire drill: sends a harmless stand-in through each detector's real source to a detection, one
-// link after the other, and names the step that fails. Main thread only. Detectors that run
-// meanwhile see nothing of it, and nothing is stored.
+// The self-test: sends a harmless stand-in through each source to a detection, one source after the
+// other, and names the step that fails. Main thread only. Detectors that run meanwhile do not
+// notice it, and nothing is stored.
 #pragma once
 
 #include "drill/Drill.h"
@@ -18,13 +18,13 @@ public:
     using Progress = std::function<void(const DrillFinding&)>;
     using Done = std::function<void(const std::vector<DrillFinding>&)>;
 
-    /// The services must outlive the test. What is requested of the platform's accessibility tree
-    /// is replaced while it runs, and of its calendar store nothing is asked.
+    /// The services must outlive the test. It replaces the requests made of the platform's
+    /// accessibility tree while it runs, and does not use its calendar store.
     SelfTest(Platform& platform, DrillStandIns& standIns);
 
-    /// Tries these links in this order. Calls `progress` after each, then `done` once, as tasks of
-    /// the main loop; a link is given 10 seconds. Not while it runs already. Destroying the test
-    /// ends it without a call, and takes the stand-ins down.
+    /// Tests these sources in this order, each for at most 10 seconds. Calls `progress` after each,
+    /// then `done` once, as tasks of the main loop. Must not be called while a test runs.
+    /// Destroying the test ends it without a call and removes the stand-ins.
     void run(std::vector<DrillLink> links, Progress progress, Done done);
 
     [[nodiscard]] bool isRunning() const { return drill != nullptr; }
@@ -32,11 +32,11 @@ public:
 private:
     [[nodiscard]] std::unique_ptr<Drill> make(DrillLink link);
     void next();
-    void take(const DrillFinding& finding);
+    void handle(const DrillFinding& finding);
 
     Platform& platform;
     DrillStandIns& standIns;
-    std::vector<DrillLink> waiting; ///< the next one last
+    std::vector<DrillLink> waiting; ///< in reverse order
     std::vector<DrillFinding> findings;
     Progress progress;
     Done done;

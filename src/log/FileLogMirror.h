@@ -1,5 +1,5 @@
 // The log file: appends lines to "quorva.log" and rotates it at 5 MiB, keeping three older files.
-// Everything but construction happens on one serial queue, so nobody else ever waits for the disk.
+// Everything except construction runs on one serial queue, so no other thread waits for the disk.
 #pragma once
 
 #include "base/MainLoop.h"
@@ -15,7 +15,7 @@
 
 namespace quorva {
 
-/// What the boot line says of the program.
+/// What the boot line says about the program.
 struct BuildInfo {
     std::optional<std::string> shortVersion; ///< "?" when absent
     std::optional<std::string> buildVersion; ///< "?" when absent
@@ -27,24 +27,25 @@ public:
     static constexpr std::uint64_t maxBytes = 5'242'880;
     static constexpr int maxFiles = 3;
 
-    /// Takes the text of a failure, for the plain console.
+    /// Prints the text of a failure on the console.
     using Console = std::function<void(std::string_view message)>;
 
-    /// Opens nothing yet. The file system and the loop, of which only the clock is used, must
-    /// outlive the mirror. Any thread.
+    /// Opens nothing yet. The file system and the loop (used only as a clock) must outlive the
+    /// mirror. Any thread.
     FileLogMirror(FileSystem& files, const MainLoop& loop, std::filesystem::path logDir,
                   BuildInfo build, Console console);
 
-    /// Opens the current file and writes the boot line. A failure is told on the console and leaves
-    /// the mirror closed: later lines are dropped until the next start. On the queue.
+    /// Opens the current file and writes the boot line. On failure, prints the reason on the
+    /// console and leaves the mirror closed: later lines are dropped until the program starts
+    /// again. On the queue.
     void start();
 
-    /// Appends one line, which ends in a line feed, and rotates when the file has reached
-    /// `maxBytes`. Dropped while the mirror is closed; lost, with a word on the console, when it
-    /// cannot be written. A current file that was deleted or moved away is made anew. On the queue.
+    /// Appends one line, which must end in a line feed, and rotates when the file has reached
+    /// `maxBytes`. Drops the line while the mirror is closed. Prints a failure on the console; that
+    /// line is lost. Recreates a current file that was deleted or moved away. On the queue.
     void append(std::string_view line);
 
-    /// The file that is appended to. Any thread.
+    /// The current file. Any thread.
     [[nodiscard]] const std::filesystem::path& currentLogPath() const { return currentPath; }
 
 private:

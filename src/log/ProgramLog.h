@@ -12,8 +12,8 @@
 
 namespace quorva {
 
-/// Has `log` write its file too, below `stateFolder` ($XDG_STATE_HOME). Problems with the file are
-/// printed on standard error. `files` and `loop` must outlive the log.
+/// Makes `log` write to its file too, below `stateFolder` ($XDG_STATE_HOME). Failures with the file
+/// are printed on standard error. `files` and `loop` must outlive the log.
 inline void startLogFile(QuorvaLog& log, FileSystem& files, const MainLoop& loop,
                          const std::filesystem::path& stateFolder, const BuildInfo& build) {
     log.bootstrap(std::make_shared<FileLogMirror>(

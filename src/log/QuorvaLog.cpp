@@ -7,7 +7,7 @@
 namespace quorva {
 namespace {
 
-constexpr std::size_t sizeOfTheRest = 96; ///< of a line, as a rule, beside its message
+constexpr std::size_t sizeOfTheRest = 96; ///< the usual length of a line without its message
 
 constexpr std::string_view nameOf(LogLevel level) {
     switch (level) {

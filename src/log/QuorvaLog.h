@@ -12,27 +12,26 @@
 
 namespace quorva {
 
-/// Callable from any thread, but for construction, bootstrap and destruction (main thread). The
-/// caller's part is to build the line; both logs are written on one serial queue.
+/// Callable from any thread, except construction, bootstrap and destruction (main thread). The
+/// caller only formats the line; one serial queue writes both logs.
 class QuorvaLog final : public Log {
 public:
-    /// The services must outlive the log. Messages reach the system's log from now on.
+    /// The services must outlive the log. Messages go to the system's log from now on.
     QuorvaLog(const MainLoop& loop, SystemLog& systemLog);
 
-    /// Writes out what is still waiting.
+    /// Writes the messages that are still queued.
     ~QuorvaLog() override;
 
     QuorvaLog(const QuorvaLog&) = delete;
     QuorvaLog& operator=(const QuorvaLog&) = delete;
 
-    /// Starts the log file and says where it is. Messages before this one are not in it. Once.
+    /// Starts the log file and logs its path. Earlier messages are not in the file. Call it once.
     void bootstrap(std::shared_ptr<FileLogMirror> logFile);
 
     void write(LogLevel level, std::string_view message, QuorvaLogCategory category,
                CallSite site) override;
 
-    /// Waits until the messages logged so far have been written. Not for use where waiting for a
-    /// disk matters.
+    /// Waits until the messages logged so far have been written, which may wait for a disk.
     void flush();
 
 private:

@@ -1,4 +1,4 @@
-// The sound devices of this computer. Nothing is ever recorded or played through them here.
+// The sound devices of this computer, listed only: nothing is recorded or played.
 #pragma once
 
 #include "base/Subscription.h"
@@ -14,7 +14,7 @@ namespace quorva {
 struct AudioDevice {
     std::uint32_t id = 0;            ///< the sound server's index
     std::optional<std::string> name; ///< for people, UTF-8; absent when it could not be read
-    bool isMicrophone = false;       ///< a source that is no monitor of a sink
+    bool isMicrophone = false;       ///< a source that does not monitor a sink
 
     bool operator==(const AudioDevice&) const = default;
 };
@@ -25,8 +25,8 @@ public:
     virtual ~AudioDevices() = default;
 
     /// Lists the devices and calls `done` once, on the main loop or within this call: with the
-    /// devices in the server's order, sinks first, or with nothing when they cannot be listed.
-    /// Dropping the subscription ends the wait without a call.
+    /// devices in the server's order, sinks first, or with nothing when listing failed. Dropping
+    /// the subscription cancels the request; `done` is then not called.
     [[nodiscard]] virtual Subscription
     fetchDevices(std::function<void(std::optional<std::vector<AudioDevice>>)> done) = 0;
 };

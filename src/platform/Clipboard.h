@@ -1,4 +1,4 @@
-// The clipboard that copy and paste use.
+// The clipboard of copy and paste.
 #pragma once
 
 #include <string_view>
@@ -10,9 +10,8 @@ class Clipboard {
 public:
     virtual ~Clipboard() = default;
 
-    /// Puts a plain UTF-8 text there in place of whatever it holds. It stays until another program
-    /// puts something else there; where the desktop keeps no clipboard, no longer than this program
-    /// runs.
+    /// Replaces the contents with a plain UTF-8 text. It stays until another program replaces it,
+    /// or, on a desktop without a clipboard manager, until this program ends.
     virtual void setText(std::string_view text) = 0;
 };
 

@@ -1,5 +1,5 @@
-// A trial of detection as a whole: harmless stand-ins sent through every source, so that "nothing
-// found" can be told from "could not have been found".
+// A test of detection as a whole: harmless stand-ins go through every source, to distinguish
+// "nothing found" from "could not have been found".
 #pragma once
 
 #include "base/Subscription.h"
@@ -14,10 +14,10 @@ class DetectionTest {
 public:
     virtual ~DetectionTest() = default;
 
-    /// Tries every source; calls `onLine` on the main loop with what each has come to and, last,
-    /// with all of it in one line, for people, in UTF-8; then `done` once, with whether everything
-    /// works. A trial that cannot be made says so in a line. Dropping the subscription ends it,
-    /// without a further call.
+    /// Tests every source. Calls `onLine` on the main loop with the result of each source and,
+    /// last, with the overall result, as UTF-8 for people; then `done` once, with whether
+    /// everything works. If the test cannot run, a line says why. Dropping the subscription ends
+    /// the test without further calls.
     [[nodiscard]] virtual Subscription run(std::function<void(const std::string& line)> onLine,
                                            std::function<void(bool works)> done) = 0;
 };

@@ -1,5 +1,5 @@
-// What every layer writes its diagnostic messages to. core/QuorvaLog stands behind it in the
-// programs, a recording double in the tests.
+// The interface for diagnostic messages. log/QuorvaLog implements it in the programs, and a
+// recording fake in the tests.
 #pragma once
 
 #include <string_view>
@@ -8,7 +8,7 @@ namespace quorva {
 
 enum class LogLevel { debug, info, notice, error };
 
-/// The place in the source that a message comes from, filled in where the log is called.
+/// The source line of a message, filled in at the call of the log.
 struct CallSite {
     const char* file;
     int line;
@@ -31,8 +31,8 @@ inline constexpr QuorvaLogCategory calendar{"calendar"};
 inline constexpr QuorvaLogCategory notification{"notification"};
 } // namespace logCategory
 
-/// Callable from any thread. Returns at once, never waits for a disk or another process, and does
-/// not fail: what could not be logged is lost, and the log says so where it can.
+/// Callable from any thread. Never waits for a disk or another process, and never fails: a message
+/// that cannot be logged is lost, and the log says so where it can.
 class Log {
 public:
     virtual ~Log() = default;

@@ -1,4 +1,4 @@
-// Whether the desktop has a panel that shows the icons of programs.
+// Whether the desktop has a panel for the icons of programs.
 #pragma once
 
 #include "base/Subscription.h"
@@ -10,7 +10,7 @@ class PanelWatch {
 public:
     virtual ~PanelWatch() = default;
 
-    /// Whether a panel takes icons now, as far as that is known.
+    /// Whether a panel accepts icons now, as far as that is known.
     [[nodiscard]] virtual bool hasPanel() const = 0;
 
     /// Calls `callback` on the main loop after that has changed.

@@ -1,5 +1,5 @@
-// The services of the computer, gathered for the place where a program is put together. Classes
-// take the services they use, never this bundle.
+// The computer's services, bundled for the code that constructs a program. Classes take the
+// services they use, never this bundle.
 #pragma once
 
 #include "base/MainLoop.h"

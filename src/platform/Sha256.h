@@ -9,7 +9,7 @@ namespace quorva {
 
 using Sha256Digest = std::array<std::uint8_t, 32>;
 
-/// Gives the digest of some bytes. Callable from any thread; does not fail.
+/// Returns the digest of `bytes`. Callable from any thread; does not fail.
 using Sha256 = Sha256Digest (*)(std::string_view bytes);
 
 } // namespace quorva

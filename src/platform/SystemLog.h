@@ -11,8 +11,8 @@ class SystemLog {
 public:
     virtual ~SystemLog() = default;
 
-    /// Hands over one message, readable by whoever may read the log. May wait for the log service;
-    /// failure is silent. Callable from any thread.
+    /// Sends one message, readable by everybody who may read the log. May wait for the log service;
+    /// ignores failures. Callable from any thread.
     virtual void send(LogLevel level, std::string_view message, QuorvaLogCategory category,
                       CallSite site) = 0;
 };

@@ -1,5 +1,4 @@
-// Other programs' windows that the user is led to: the desktop's settings, a web page in the
-// browser.
+// Opens other programs for the user: the desktop's settings, a web page in the browser.
 #pragma once
 
 #include <string>
@@ -13,12 +12,12 @@ class SystemSettings {
 public:
     virtual ~SystemSettings() = default;
 
-    /// Opens a pane of the desktop's settings. False when this desktop is not known to have one,
-    /// or it could not be started.
+    /// Opens a pane of the desktop's settings. False when no such pane is known for this desktop,
+    /// or its program could not be started.
     virtual bool open(SettingsPane pane) = 0;
 
-    /// Opens an address ("https:", "appstream:") in the program that is there for it. False when
-    /// there is none.
+    /// Opens an address ("https:", "appstream:") in the program that handles it. False when there
+    /// is none.
     virtual bool openAddress(const std::string& address) = 0;
 };
 

@@ -1,5 +1,5 @@
-// Whoever installs programs on this computer knows of newer versions. This program itself never
-// asks the network.
+// The computer's package service, which knows of newer versions. This program itself never uses the
+// network.
 #pragma once
 
 #include "base/Subscription.h"
@@ -9,7 +9,7 @@
 
 namespace quorva {
 
-/// What asking for a newer version has come to.
+/// The result of asking for a newer version.
 struct UpdateAnswer {
     enum class Kind { upToDate, available, unknown };
     Kind kind = Kind::unknown;
@@ -24,8 +24,8 @@ class UpdateService {
 public:
     virtual ~UpdateService() = default;
 
-    /// Asks for a newer version of this program, and calls `done` once on the main loop. An answer
-    /// that does not come within a minute is unknown. Dropping the subscription ends the wait.
+    /// Asks for a newer version of this program and calls `done` once on the main loop, after at
+    /// most a minute. Dropping the subscription cancels the request; `done` is then not called.
     [[nodiscard]] virtual Subscription
     checkForUpdates(std::function<void(const UpdateAnswer&)> done) = 0;
 };

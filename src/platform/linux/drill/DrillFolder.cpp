@@ -6,7 +6,7 @@
 namespace quorva {
 
 DrillFolder::DrillFolder(const std::filesystem::path& place) {
-    std::error_code ignored; // the folder within it can't be made then
+    std::error_code ignored; // creating the folder in it fails then
     std::filesystem::create_directories(place, ignored);
     auto path = (place / "quorva-drill-XXXXXX").string();
     if (::mkdtemp(path.data()) == nullptr)
@@ -15,7 +15,7 @@ DrillFolder::DrillFolder(const std::filesystem::path& place) {
 }
 
 DrillFolder::~DrillFolder() {
-    std::error_code ignored; // nobody is left to be told
+    std::error_code ignored; // there is nobody to report to
     std::filesystem::remove_all(folder, ignored);
 }
 

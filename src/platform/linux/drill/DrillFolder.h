@@ -1,4 +1,4 @@
-// A folder of this program's own among the temporary files, gone with all that is in it at the end.
+// A folder below the system's temporary files, removed with its contents by the destructor.
 #pragma once
 
 #include <filesystem>
@@ -7,11 +7,11 @@
 
 namespace quorva {
 
-/// Not for the main thread, but for the removal of the few files that a drill needs.
+/// Not for the main thread, except the destructor: it removes the few files of a drill.
 class DrillFolder {
 public:
-    /// Makes the folder below this one, which is made too where it is missing. Throws
-    /// std::system_error where that is not possible.
+    /// Creates a folder below `place`, and `place` itself if it is missing. Throws
+    /// std::system_error on failure.
     explicit DrillFolder(const std::filesystem::path& place);
     ~DrillFolder();
 

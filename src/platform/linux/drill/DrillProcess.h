@@ -1,5 +1,5 @@
-// A stand-in's process: this program in its stand-in mode, held by its standard input. It ends when
-// that is closed, so that it does not outlive whoever started it, whatever becomes of that.
+// A stand-in's process: this program in its stand-in mode. It ends when its standard input is
+// closed, so it never outlives the process that started it, not even when that is killed.
 #pragma once
 
 #include "base/Lifetime.h"
@@ -16,13 +16,13 @@ namespace quorva {
 /// Main thread only; needs a loop that runs GLib's default main context.
 class DrillProcess {
 public:
-    /// Starts the program, and calls `done` once, on the main loop, when it has said that it is
-    /// ready, or what keeps it from that. `isForbidden` tells that programs can't be run from where
-    /// this one lies.
+    /// Starts the program and calls `done` once, on the main loop, when the program reports that it
+    /// is ready or what went wrong. `isForbidden` says that programs may not be executed from its
+    /// folder.
     DrillProcess(const std::filesystem::path& program, const std::vector<std::string>& arguments,
                  std::function<void(const RunningStandIn&, bool isForbidden)> done);
 
-    /// Ends it.
+    /// Ends the process.
     ~DrillProcess();
 
     DrillProcess(const DrillProcess&) = delete;

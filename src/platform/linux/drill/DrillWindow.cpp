@@ -10,7 +10,7 @@
 namespace quorva {
 namespace {
 
-constexpr std::uint64_t patience = 5'000'000; // microseconds
+constexpr std::uint64_t timeout = 5'000'000; // microseconds
 constexpr const char* tree = "/org/a11y/atspi/accessible";
 constexpr std::string_view folder = "/org/a11y/atspi/accessible/";
 constexpr std::string_view rootName = "root";
@@ -25,13 +25,13 @@ constexpr auto visibleState = 30U;
                                     "\"systemctl --user restart at-spi-dbus-bus\"");
 }
 
-/// Where the session's accessibility bus is; the launcher is started by the question.
+/// The address of the session's accessibility bus; asking for it starts the launcher.
 std::string accessibilityBus() {
     sd_bus* opened = nullptr;
     if (sd_bus_open_user(&opened) < 0)
         throw std::runtime_error("there is no session bus here: run this in the desktop session");
     const std::unique_ptr<sd_bus, Release<sd_bus_flush_close_unref>> session(opened);
-    sd_bus_set_method_call_timeout(opened, patience);
+    sd_bus_set_method_call_timeout(opened, timeout);
     sd_bus_message* sent = nullptr;
     const int result = sd_bus_call_method(opened, "org.a11y.Bus", "/org/a11y/bus", "org.a11y.Bus",
                                           "GetAddress", nullptr, &sent, nullptr);
@@ -59,7 +59,7 @@ DrillWindow::DrillWindow(const std::string& title, const std::vector<std::string
     bus.reset(made);
     const char* name = nullptr;
     if (sd_bus_set_address(made, accessibilityBus().c_str()) < 0 ||
-        sd_bus_set_bus_client(made, 1) < 0 || sd_bus_set_method_call_timeout(made, patience) < 0 ||
+        sd_bus_set_bus_client(made, 1) < 0 || sd_bus_set_method_call_timeout(made, timeout) < 0 ||
         sd_bus_add_fallback(made, nullptr, tree, receive, this) < 0 || sd_bus_start(made) < 0 ||
         sd_bus_get_unique_name(made, &name) < 0)
         refuse("the accessibility bus can't be reached");
@@ -98,7 +98,7 @@ int DrillWindow::receive(sd_bus_message* message, void* self, sd_bus_error*) {
     return static_cast<const DrillWindow*>(self)->answer(message);
 }
 
-/// 0, on which the caller is told of an unknown method, for all that no reader needs.
+/// Returns 0, which sd-bus answers with an "unknown method" error, for calls that no reader needs.
 int DrillWindow::answer(sd_bus_message* message) const {
     const auto* const element = elementAt(sd_bus_message_get_path(message));
     if (element == nullptr)
@@ -108,7 +108,7 @@ int DrillWindow::answer(sd_bus_message* message) const {
     };
     if (is(atspi::properties, "Get"))
         return answerProperty(message, *element);
-    if (is(atspi::properties, "Set")) // the registry gives applications a number
+    if (is(atspi::properties, "Set")) // the registry numbers the applications
         return sd_bus_reply_method_return(message, nullptr);
     if (is(atspi::accessible, "GetRole"))
         return sd_bus_reply_method_return(message, "u", element->role);

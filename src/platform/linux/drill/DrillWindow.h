@@ -1,6 +1,6 @@
-// A window that is there for screen readers only: an application on the accessibility bus with one
-// window, which holds a list of names. Answers what a reader asks of AT-SPI 2 (org.a11y.atspi), and
-// nothing more. For a process of its own: it waits where it must.
+// A window that only screen readers see: an application on the accessibility bus with one window
+// that contains a list of names. It answers what a reader asks through AT-SPI 2 (org.a11y.atspi),
+// and nothing else. It blocks, so it needs a process of its own.
 #pragma once
 
 #include "platform/linux/accessibility/AtspiProtocol.h"
@@ -18,15 +18,14 @@ namespace quorva {
 
 class DrillWindow {
 public:
-    /// Joins the session's accessibility bus and has itself listed there. Throws
-    /// std::runtime_error, with a sentence for people, where that is not possible within some
-    /// seconds.
+    /// Joins the session's accessibility bus and registers there. Throws std::runtime_error, with a
+    /// sentence for people, when that fails or takes longer than some seconds.
     DrillWindow(const std::string& title, const std::vector<std::string_view>& names);
 
     DrillWindow(const DrillWindow&) = delete;
     DrillWindow& operator=(const DrillWindow&) = delete;
 
-    /// Answers until this file descriptor has come to its end, or the bus has gone.
+    /// Answers until `input` reaches its end or the bus is gone.
     void showUntilEnd(int input);
 
 private:

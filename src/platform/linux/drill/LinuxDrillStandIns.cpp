@@ -18,14 +18,14 @@ namespace {
 
 using Places = std::vector<std::filesystem::path>;
 
-/// Files that have been made in a folder of their own, or why not.
+/// A folder with files, or the reason why it could not be created.
 struct MadeFiles {
     std::shared_ptr<DrillFolder> folder;
     std::string problem;
-    std::size_t place = 0; ///< in which it is
+    std::size_t place = 0; ///< the index of its place
 };
 
-/// Makes them in the first place from this one on where that is possible.
+/// Creates the files in the first usable place, beginning with this one.
 MadeFiles makeFiles(const Places& places, std::size_t first,
                     const std::function<void(const std::filesystem::path& folder)>& make) {
     MadeFiles made{.folder = nullptr, .problem = "there is no folder for temporary files"};
@@ -48,7 +48,7 @@ std::string utcText(Time time) {
     return text;
 }
 
-/// RFC 5545, an event that nobody sees but the drill.
+/// An event (RFC 5545) that only the drill sees.
 std::string iCalendarOf(const DrillEvent& event) {
     return "BEGIN:VCALENDAR\r\nVERSION:2.0\r\nPRODID:-//Quorva//Drill//EN\r\nBEGIN:VEVENT\r\nUID:" +
            event.identifier + "\r\nDTSTAMP:" + utcText(event.start) +
@@ -64,7 +64,7 @@ void writeFile(const std::filesystem::path& path, const std::string& content) {
         throw std::system_error(errno, std::system_category(), path.string());
 }
 
-/// A subscription that owns something.
+/// A subscription that owns an object.
 template <typename Owned>
 Subscription owning(std::shared_ptr<Owned> owned) {
     return Subscription([owned = std::move(owned)]() mutable { owned.reset(); });
@@ -83,7 +83,7 @@ CalendarServiceState stateOf(EdsCalendarStore::Service service) {
 
 } // namespace
 
-/// A program that is being copied, or runs. Its folder goes after it.
+/// A program that is being copied, or runs. The folder is removed after the process has ended.
 struct LinuxDrillStandIns::Program {
     std::string name;
     std::function<void(const RunningStandIn&)> done;
@@ -91,7 +91,7 @@ struct LinuxDrillStandIns::Program {
     std::unique_ptr<DrillProcess> process;
 };
 
-/// A calendar that is being written, or can be read.
+/// A calendar that is being written, or is ready.
 struct LinuxDrillStandIns::Calendar {
     std::function<void(const CalendarStandIn&)> done;
     std::shared_ptr<DrillFolder> folder;
@@ -119,7 +119,7 @@ Subscription LinuxDrillStandIns::startProgram(const std::string& name,
     return owning(std::move(running));
 }
 
-/// Copies it to a place, or one after that, and starts it there.
+/// Copies the program to a place, or to one after it, and starts it there.
 void LinuxDrillStandIns::copyProgram(const std::weak_ptr<Program>& weak, std::size_t firstPlace) {
     const auto asked = weak.lock();
     if (!asked)
@@ -143,7 +143,7 @@ void LinuxDrillStandIns::copyProgram(const std::weak_ptr<Program>& weak, std::si
         }));
 }
 
-/// A place may be one from which the system lets no programs be run: then the next one is tried.
+/// A place may be mounted without the permission to execute programs: then the next one is tried.
 void LinuxDrillStandIns::runCopy(const std::weak_ptr<Program>& weak, std::size_t place) {
     const auto copied = weak.lock();
     copied->process = std::make_unique<DrillProcess>(

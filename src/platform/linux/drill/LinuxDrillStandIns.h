@@ -1,5 +1,5 @@
-// The stand-ins of a self-test on Linux: child processes that run this program itself in a mode of
-// its own, and an .ics file in a temporary folder.
+// The self-test's stand-ins on Linux: child processes that run this program in its stand-in mode,
+// and an .ics file in a temporary folder.
 #pragma once
 
 #include "base/Lifetime.h"
@@ -15,9 +15,9 @@ namespace quorva {
 
 class LinuxDrillStandIns final : public DrillStandIns {
 public:
-    /// `program` is one that calls runAsDrillStandIn first of all, as this one does; `places` are
-    /// the folders for temporary files, of which the first is taken in which programs may be run.
-    /// The loop and the calendars must outlive this.
+    /// `program` must call runAsDrillStandIn first, as this program does. `places` are folders for
+    /// temporary files; the first one from which programs may be executed is used. The loop and the
+    /// calendars must outlive this.
     LinuxDrillStandIns(MainLoop& loop, LinuxCalendarStore& calendars,
                        std::filesystem::path program = "/proc/self/exe",
                        std::vector<std::filesystem::path> places = temporaryPlaces());
@@ -33,7 +33,7 @@ public:
     [[nodiscard]] Subscription
     askCalendarService(std::function<void(CalendarServiceState)> done) override;
 
-    /// The system's folder for temporary files, and the user's for what can be made anew.
+    /// The system's folder for temporary files, and the user's cache folder.
     [[nodiscard]] static std::vector<std::filesystem::path> temporaryPlaces();
 
 private:
