@@ -50,12 +50,12 @@ CalendarBotSignature::CalendarBotSignature(std::string id_, std::string name_,
 CalendarBotDatabase::CalendarBotDatabase(std::vector<CalendarBotSignature> signatures,
                                          std::vector<std::string> genericBotPrefixes)
     : rows(std::move(signatures)), prefixes(lowerCasedEach(std::move(genericBotPrefixes))) {
-    const auto isSpared =
-        [this](const std::string& pattern) { // it contains an earlier pattern, which matches first
-            return std::any_of(namePatterns.begin(), namePatterns.end(), [&](const Pattern& other) {
-                return pattern.find(other.text) != std::string::npos;
-            });
-        };
+    // A name that contains such a pattern matches the earlier one first.
+    const auto containsEarlier = [this](const std::string& pattern) {
+        return std::any_of(namePatterns.begin(), namePatterns.end(), [&](const Pattern& other) {
+            return pattern.find(other.text) != std::string::npos;
+        });
+    };
     for (std::size_t row = 0; row < rows.size(); ++row) {
         for (const auto& address : rows[row].exactEmails)
             rowOfAddress.add(address, row);
@@ -64,7 +64,7 @@ CalendarBotDatabase::CalendarBotDatabase(std::vector<CalendarBotSignature> signa
         for (const auto& pattern : rows[row].emailPatterns)
             mailboxPatterns.push_back({pattern, row, lettersOf(pattern)});
         for (const auto& pattern : rows[row].displayNamePatterns)
-            if (!isSpared(pattern))
+            if (!containsEarlier(pattern))
                 namePatterns.push_back({pattern, row, lettersOf(pattern)});
     }
     for (const auto& prefix : prefixes)

@@ -15,8 +15,7 @@ struct CalendarBotSignatureRow {
     BotCategory category;
     int baseConfidence;
     std::array<std::string_view, 3> emailDomains;
-    std::array<std::string_view, 5>
-        mailboxes; ///< at the first domain, unless the whole address is given
+    std::array<std::string_view, 5> mailboxes; ///< at the first domain, or whole addresses
     std::array<std::string_view, 3> emailPatterns;
     std::array<std::string_view, 5> displayNamePatterns;
 };

@@ -17,8 +17,7 @@ using tables::participantBotPatterns;
 
 constexpr std::string_view ownName = "quorva";
 constexpr std::string_view ownProgram = "quorvaapp";
-constexpr int strongConfidence =
-    85; ///< enough even for a text that looks like the label of a control
+constexpr int strongConfidence = 85;    ///< counts even in what looks like a control's label
 constexpr std::size_t longestName = 60; ///< in characters
 constexpr char blank = ' ';
 

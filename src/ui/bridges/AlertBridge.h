@@ -1,4 +1,4 @@
-// The alert panel's texts, and its close button.
+// The alert panel's texts and its close button.
 #pragma once
 
 #include "core/AlertPanel.h"
@@ -22,7 +22,7 @@ public:
     [[nodiscard]] QString platform() const { return isolated(shown.platform); }
     [[nodiscard]] QString category() const { return isolated(shown.category); }
 
-    /// The alert that shows from now on.
+    /// The alert to show from now on.
     void show(const BotAlert& alert);
 
     Q_INVOKABLE void dismiss() { panel.dismiss(); }

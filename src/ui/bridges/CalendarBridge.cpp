@@ -8,8 +8,7 @@ CalendarBridge::CalendarBridge(AppState& state_, CalendarConsentDialog& consent_
 }
 
 void CalendarBridge::openCalendarSettings() {
-    // Quorva keeps the user's answer itself: where the desktop has no pane for it, the question is
-    // asked once more.
+    // Quorva keeps the user's answer itself. If the desktop has no settings pane for it, ask again.
     if (!state.openSettingsPane(SettingsPane::calendarPrivacy))
         state.showCalendarPermissionWindow();
 }

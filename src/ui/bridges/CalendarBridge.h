@@ -1,4 +1,4 @@
-// The calendar permission window, and the question whether calendars may be read.
+// The calendar permission window, and the question whether Quorva may read calendars.
 #pragma once
 
 #include "base/ChangeWatch.h"
@@ -28,7 +28,7 @@ signals:
 private:
     AppState& state;
     CalendarConsentDialog& consent;
-    ChangeWatch watch; // last: follows what is above
+    ChangeWatch watch; // last: follows the fields above
 };
 
 } // namespace quorva

@@ -15,7 +15,7 @@ namespace quorva {
 
 namespace {
 
-/// A spreadsheet takes a text that begins so for a formula, and a bot names itself.
+/// A spreadsheet interprets text with such a prefix as a formula, and a bot chooses its own name.
 bool looksLikeFormula(std::string_view text) {
     constexpr std::string_view beginnings = "=+-@\t\r";
     return !text.empty() && beginnings.find(text.front()) != std::string_view::npos;
@@ -95,7 +95,7 @@ void EvidenceExport::write(const QString& path, const std::vector<ObjectionRecor
         queue = std::make_unique<SerialQueue>(8);
     const bool isJson = path.endsWith(".json", Qt::CaseInsensitive);
     auto bytes = isJson ? evidenceAsJson(records) : evidenceAsCsv(records);
-    // Guarded here, and not on the other thread: a Lifetime belongs to one thread.
+    // Guarded on this thread: a Lifetime belongs to one thread.
     auto report = lifetime.guard(std::move(done));
     const bool isAccepted = queue->post([&mainLoop = loop, path, bytes = std::move(bytes), report] {
         mainLoop.post([outcome = save(path, bytes), report] { report(outcome); });

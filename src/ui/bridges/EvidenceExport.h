@@ -1,5 +1,5 @@
-// The objection log as a file that others can read: comma-separated values (RFC 4180) for
-// spreadsheets, JSON for programs.
+// The objection log as a file: comma-separated values (RFC 4180) for spreadsheets, JSON for
+// programs.
 #pragma once
 
 #include "base/Lifetime.h"
@@ -18,36 +18,36 @@ class QFileDialog;
 
 namespace quorva {
 
-/// One line a record after a line of headings, each ended by CR LF. A field that a spreadsheet
-/// would take for a formula begins with an apostrophe. Pure function.
+/// One line a record after a line of headings; lines end in CR LF. A field that a spreadsheet would
+/// interpret as a formula gets an apostrophe in front. Pure function.
 [[nodiscard]] std::string evidenceAsCsv(const std::vector<ObjectionRecord>& records);
 
-/// An array of the records, as they are stored. Pure function.
+/// A JSON array of the records in their stored form. Pure function.
 [[nodiscard]] std::string evidenceAsJson(const std::vector<ObjectionRecord>& records);
 
-/// Asks where to, and writes. Main thread only; the file is written on another one.
+/// Asks for a file name and writes the file. Main thread only; a worker thread writes.
 class EvidenceExport {
 public:
     /// The loop must outlive this.
     explicit EvidenceExport(MainLoop& loop);
     ~EvidenceExport();
 
-    /// Called on the main loop with what it has come to, for people.
+    /// Called on the main loop with the outcome, for people.
     using Outcome = std::function<void(const QString&)>;
 
     /// Shows the desktop's file dialog, which needs a QApplication, and writes the records to the
-    /// file that is chosen: JSON when its name ends in ".json", else comma-separated values.
-    /// Calls `done` when it has been written, or could not be; not when nothing is chosen.
+    /// chosen file: JSON if its name ends in ".json", otherwise comma-separated values. Calls
+    /// `done` when the file was written or could not be written; not when the user cancels.
     void ask(const std::vector<ObjectionRecord>& records, Outcome done);
 
-    /// The same without asking.
+    /// The same, without the dialog.
     void write(const QString& path, const std::vector<ObjectionRecord>& records, Outcome done);
 
 private:
     MainLoop& loop;
     QPointer<QFileDialog> dialog;
     std::unique_ptr<SerialQueue> queue;
-    Lifetime lifetime; // last: goes first
+    Lifetime lifetime; // last: destroyed first
 };
 
 } // namespace quorva

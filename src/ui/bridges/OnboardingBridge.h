@@ -1,4 +1,4 @@
-// The first run in the form that OnboardingView.qml binds to.
+// The first run, as OnboardingView.qml binds to it.
 #pragma once
 
 #include "base/ChangeWatch.h"
@@ -96,7 +96,7 @@ private:
     RowModel accountRows;
     FindingRows rows;
     PaneHelp help;
-    ChangeWatch watch; // last: follows what is above
+    ChangeWatch watch; // last: follows the fields above
 };
 
 } // namespace quorva

@@ -14,7 +14,7 @@ constexpr std::array steps{OnboardingStep::welcome, OnboardingStep::privacyPledg
 
 constexpr Seconds firstAccessibilityPoll{0.5};
 constexpr Seconds accessibilityPollPeriod{2.0};
-constexpr int mostAccessibilityPolls = 31; ///< the first one, and 30 more
+constexpr int mostAccessibilityPolls = 31; ///< the first one and 30 more
 
 constexpr Seconds calendarPollPeriod{3.0};
 constexpr int mostCalendarPolls = 40;
@@ -125,7 +125,7 @@ void OnboardingViewModel::refreshCalendarAccounts() {
 }
 
 void OnboardingViewModel::startScan() {
-    // What the user is shown has just been looked at, whether monitoring runs by itself or not.
+    // The results are of a scan that has just run, whether monitoring starts by itself or not.
     state.refreshAllScans();
     scanComplete = false;
     scanPhase = ScanPhase::process;

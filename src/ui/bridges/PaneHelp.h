@@ -1,4 +1,4 @@
-// Leading the user to the desktop's settings, and what to say where this desktop has no such pane.
+// Opens the desktop's settings, or says what to do if this desktop has no such pane.
 #pragma once
 
 #include "core/AppState.h"
@@ -7,15 +7,15 @@
 
 namespace quorva {
 
-/// What is to be done by hand where a pane could not be opened; empty where it could. Main thread
-/// only.
+/// What the user must do by hand because a pane could not be opened; empty if it was opened. Main
+/// thread only.
 struct PaneHelp {
     QString accounts;
     QString accessibility;
 
     void openInternetAccounts(AppState& state);
 
-    /// Where there is no pane, this switches accessibility on: the user has just asked for it.
+    /// If there is no pane, switches accessibility on: the user has just asked for it.
     void openAccessibilitySettings(AppState& state);
 };
 

@@ -1,5 +1,5 @@
-// What the popover shows and does: the application state, in the form that MenuBarView.qml binds
-// to. Holds nothing of its own but what its buttons have just been told.
+// What the popover shows and does: the application state, as MenuBarView.qml binds to it. It holds
+// no state except the outcome of its own buttons.
 #pragma once
 
 #include "base/ChangeWatch.h"
@@ -40,10 +40,10 @@ public:
     /// Both must outlive the bridge.
     PopoverBridge(AppState& state, MainLoop& loop);
 
-    /// What the footer leads to; both may be empty.
+    /// The actions of the footer's buttons; both may be empty.
     Task onOpenSettings;
     Task onQuit;
-    /// Wants the popover away.
+    /// Asks to close the popover.
     Task onClose;
 
     [[nodiscard]] bool isMonitoring() const { return state.isMonitoring; }
@@ -53,7 +53,7 @@ public:
     [[nodiscard]] bool needsCalendarAccess() const;
     [[nodiscard]] bool needsCalendarAccount() const;
     [[nodiscard]] bool needsAccessibility() const;
-    [[nodiscard]] QVariantList chips() const; ///< name, symbol, look, reason, of each source
+    [[nodiscard]] QVariantList chips() const; ///< name, symbol, look and reason of each source
     [[nodiscard]] QString uncovered() const;
     [[nodiscard]] QString accountsHelp() const { return help.accounts; }
     [[nodiscard]] QString accessibilityHelp() const { return help.accessibility; }
@@ -70,7 +70,7 @@ public:
     [[nodiscard]] RowModel* onMac() { return rows.of(processFindings); }
     [[nodiscard]] RowModel* history() { return &historyRows; }
 
-    /// While the popover is in sight, the times that it shows go on.
+    /// While the popover is visible, the times in it are updated.
     void setVisible(bool isVisible);
 
     Q_INVOKABLE void toggleMonitoring();
@@ -105,7 +105,7 @@ private:
     Timer shareToastTimer;
     Timer refreshTimer;
     Timer clockTimer;
-    ChangeWatch watch; // last: follows what is above
+    ChangeWatch watch; // last: follows the fields above
 };
 
 } // namespace quorva

@@ -1,4 +1,4 @@
-// What the settings window shows and changes, in the form that SettingsView.qml binds to.
+// What the settings window shows and changes, as SettingsView.qml binds to it.
 #pragma once
 
 #include "base/ChangeWatch.h"
@@ -78,10 +78,10 @@ public:
     [[nodiscard]] QString activeMeeting() const;
     [[nodiscard]] QString accountsHelp() const { return help.accounts; }
     [[nodiscard]] QString accessibilityHelp() const { return help.accessibility; }
-    [[nodiscard]] QString limitations() const; ///< all that does not work just now, a line each
+    [[nodiscard]] QString limitations() const; ///< what does not work now, one line each
 
     [[nodiscard]] bool isTrying() const { return state.detectionTrial.isRunning; }
-    [[nodiscard]] QString trialText() const; ///< what the trial of detection has said, a line each
+    [[nodiscard]] QString trialText() const; ///< output of the detection test
 
     [[nodiscard]] int selectedTemplate() const;
     void selectTemplate(int index);
@@ -118,8 +118,8 @@ private:
     EvidenceExport evidenceExport;
     PaneHelp help;
     QString noBrowser; ///< why the website could not be opened
-    QString exported;  ///< what copying or exporting has come to
-    ChangeWatch watch; // last: follows what is above
+    QString exported;  ///< outcome of copying or exporting
+    ChangeWatch watch; // last: follows the fields above
 };
 
 } // namespace quorva

@@ -24,7 +24,7 @@ QString categoryText(BotCategory category) {
     return ours(displayName(category));
 }
 
-/// A stored category may be one that this version does not know.
+/// A category that this version does not know may be stored.
 QString categoryText(const std::string& rawCategory) {
     const auto known = fromRawValue<BotCategory>(rawCategory);
     return known ? categoryText(*known) : foreign(rawCategory);
@@ -65,8 +65,8 @@ std::vector<Row> rowsOf(const std::vector<DetectionEvent>& history) {
     QHash<QString, int> same;
     for (const auto& each : history) {
         const QString time = shortDateAndTime(each.detectedAt);
-        // Entries have no id of their own: one is made of what tells them apart, and a last number
-        // for those that nothing does.
+        // Entries have no id: one is made of the fields that distinguish them, and a number for
+        // identical ones.
         const QString what = ours(each.botName) + ours(each.source.value_or("")) +
                              QString::number(each.detectedAt.time_since_epoch().count());
         rows.push_back(
@@ -111,7 +111,7 @@ std::vector<Row> rowsOfAccounts(const std::vector<CalendarSource>& accounts) {
     for (const auto& account : accounts) {
         const auto& name = account.title;
         const auto label = accountLabel(account.provider);
-        const auto number = QString::number(rows.size()); // two accounts may have one name
+        const auto number = QString::number(rows.size()); // two accounts may have the same name
         const QString provider = ours(label.provider);
         rows.push_back(
             {.id = ours(name) + "-" + number,

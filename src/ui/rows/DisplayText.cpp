@@ -32,7 +32,7 @@ QString foreign(std::string_view text) {
 
 QString isolated(std::string_view text) {
     const QString line = foreign(text);
-    if (!line.isRightToLeft()) // the usual case stays as it is, for those who search or compare
+    if (!line.isRightToLeft()) // the usual case needs no isolation
         return line;
     return QChar(firstStrongIsolate) + line + QChar(popIsolate);
 }

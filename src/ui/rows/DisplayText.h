@@ -1,4 +1,4 @@
-// Texts on their way to the screen.
+// Prepares texts for the screen.
 #pragma once
 
 #include <QString>
@@ -7,20 +7,20 @@
 
 namespace quorva {
 
-/// A text of our own.
+/// A text of this program.
 [[nodiscard]] inline QString ours(std::string_view text) {
     return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
 }
 
-/// A text from elsewhere, such as a participant's name, made fit for one line: line breaks and
-/// other control characters become blanks, marks that would turn the line's direction around are
-/// left out, blanks in a row become one. What is written from right to left stays so.
+/// A text from outside, such as a participant's name, for one line: line breaks and other control
+/// characters become blanks, consecutive blanks become one, and marks that change the text
+/// direction are removed. Right-to-left text stays right-to-left.
 [[nodiscard]] QString foreign(std::string_view text);
 
-/// The same, set apart from what stands beside it, so that its direction does not spread.
+/// The same, isolated so that its direction does not affect the text around it.
 [[nodiscard]] QString isolated(std::string_view text);
 
-/// UTF-8 of what the user interface says.
+/// A text of the user interface as UTF-8.
 [[nodiscard]] inline std::string utf8(const QString& text) {
     return text.toStdString();
 }

@@ -1,4 +1,4 @@
-// A list for a view. Every list of the user interface has rows of this one shape.
+// A list for a view. Every list of the user interface has this kind of row.
 #pragma once
 
 #include <QAbstractListModel>
@@ -8,16 +8,16 @@
 
 namespace quorva {
 
-/// What a row shows; what a list has no use for stays empty.
+/// The contents of a row; a list leaves the fields it does not use empty.
 struct Row {
-    QString id;       ///< tells the rows of a list apart, and a row before from the same one after
+    QString id;       ///< unique in a list, and the same before and after an update
     QString title;    ///< the product, the banner, the account
     QString subtitle; ///< its category, what triggered it
     QString detail;   ///< platform, time
     QString badge;    ///< a symbol's name, or a short word
-    QString note;     ///< what matched; for those who ask
+    QString note;     ///< what matched; for tooltips
     QString spoken;   ///< how a screen reader names the row
-    QString key;      ///< what an operation on the row takes
+    QString key;      ///< the argument of operations on the row
 
     bool operator==(const Row&) const = default;
 };
@@ -34,8 +34,8 @@ public:
     [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override;
     [[nodiscard]] QHash<int, QByteArray> roleNames() const override;
 
-    /// Shows these rows from now on. Rows that were there stay the same rows, so that what the
-    /// pointer or the keyboard is at stays where it is. Of rows with one id the first counts.
+    /// Shows these rows from now on. Rows that stay keep their identity, so that the pointer and
+    /// the keyboard focus stay with them. Of rows with the same id only the first is shown.
     void show(std::vector<Row> next);
 
 signals:

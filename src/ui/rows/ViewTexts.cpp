@@ -27,7 +27,7 @@ std::string statusPillLabel(std::size_t count) {
 std::string relativeTime(Time then, Time now) {
     using namespace std::chrono;
     const auto passed = duration_cast<seconds>(now - then).count();
-    if (passed < 5) // a scan comes every 3 seconds: a count of them would only flicker
+    if (passed < 5) // scans run every 3 seconds: a count of seconds would flicker
         return "now";
     if (passed < 60)
         return fmt::format("{} sec. ago", passed);

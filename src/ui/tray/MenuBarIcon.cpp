@@ -7,7 +7,7 @@
 namespace quorva {
 namespace {
 
-// Measures are parts of a square of 18 by 18.
+// Measures are in units of a square of 18 by 18.
 constexpr double designSize = 18;
 constexpr double left = 3;
 constexpr double top = 2.5;
@@ -23,7 +23,7 @@ struct Colour {
     double opacity;
 };
 struct Bar {
-    double part; ///< of the longest one
+    double part; ///< relative to the longest bar
     Colour clear;
     Colour alert;
 };

@@ -1,4 +1,4 @@
-// The icon in the desktop's panel: five bars, whose colours tell whether something was found.
+// The icon in the desktop's panel: five bars, whose colours show whether something was found.
 #pragma once
 
 #include <QColor>
@@ -10,17 +10,17 @@ namespace quorva {
 
 /// One of the bars.
 struct IconBar {
-    double part; ///< its length, as part of the longest one's
+    double part; ///< its length relative to the longest bar
     QColor colour;
 };
 
 /// From top to bottom.
 [[nodiscard]] std::array<IconBar, 5> iconBars(bool hasActiveThreats);
 
-/// The icon at `size` by `size` pixels; drawn anew for each size, so that it is sharp at any scale.
+/// The icon at `size` by `size` pixels, drawn for that size so that it is sharp at any scale.
 [[nodiscard]] QImage menuBarImage(bool hasActiveThreats, int size);
 
-/// The same at the sizes that panels ask for.
+/// The same, in the sizes that panels ask for.
 [[nodiscard]] QIcon menuBarIcon(bool hasActiveThreats);
 
 } // namespace quorva

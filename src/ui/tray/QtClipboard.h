@@ -1,4 +1,4 @@
-// The clipboard of the desktop's window system (X11 selection CLIPBOARD, wl_data_device), by Qt.
+// The clipboard of the window system, through Qt (X11 selection CLIPBOARD, wl_data_device).
 #pragma once
 
 #include "platform/Clipboard.h"
@@ -8,11 +8,11 @@
 
 namespace quorva {
 
-/// Needs a QGuiApplication. What has been set is handed to a clipboard manager, where there is one,
-/// when the program ends.
+/// Needs a QGuiApplication. When the program ends, the contents pass to the clipboard manager, if
+/// there is one.
 ///
-/// Wayland lets only the program that has the keyboard set the clipboard: there, a text that is set
-/// without it is set again as soon as a window of this program gets it.
+/// On Wayland only the program with the keyboard focus may set the clipboard. A text that is set
+/// without the focus is set again as soon as a window of this program gets it.
 class QtClipboard final : public Clipboard {
 public:
     QtClipboard();
@@ -23,7 +23,7 @@ public:
 
     void setText(std::string_view text) override;
 
-    /// Whether a text waits for a window to get the keyboard.
+    /// Whether a text is waiting for a window to get the keyboard focus.
     [[nodiscard]] bool isWaiting() const { return !waiting.isNull(); }
 
 private:

@@ -18,13 +18,13 @@ namespace quorva {
 /// Main thread only. Needs a QApplication.
 class TrayIcon {
 public:
-    /// All must outlive the icon. `onActivate` gets the icon's place on the screen, where the
-    /// desktop tells it. The icon shows as soon as there is a panel; without one for 10 seconds,
-    /// `state.hasTray` says so.
+    /// All must outlive the icon. `onActivate` gets the icon's place on the screen, if the desktop
+    /// reports it. The icon appears as soon as there is a panel; `state.hasTray` becomes false
+    /// after 10 seconds without one.
     TrayIcon(AppState& state, MainLoop& loop, PanelWatch& panels, TrayCommands commands,
              std::function<void(std::optional<QRect>)> onActivate);
 
-    /// Where the icon is on the screen, if that is known.
+    /// The icon's place on the screen, if it is known.
     [[nodiscard]] std::optional<QRect> geometry() const;
 
 private:
@@ -45,7 +45,7 @@ private:
     bool isUpdateDue = false;
     Timer panelTimeout;
     std::vector<Subscription> subscriptions;
-    Lifetime lifetime; // last: goes first
+    Lifetime lifetime; // last: destroyed first
 };
 
 } // namespace quorva

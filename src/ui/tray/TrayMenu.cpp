@@ -5,7 +5,7 @@
 namespace quorva {
 namespace {
 
-/// An ampersand marks a menu's shortcut unless it is doubled.
+/// A single ampersand marks a menu's shortcut, so it is doubled.
 QString menuText(const std::string& text) {
     return QString::fromStdString(text).replace(u'&', QStringLiteral("&&"));
 }

@@ -1,5 +1,5 @@
-// The menu of the icon in the panel: the state in words, what cannot be done, and everything that
-// must be reachable where there is no popover.
+// The menu of the icon in the panel: the state in words, the limitations, and everything that must
+// be reachable without the popover.
 #pragma once
 
 #include "base/Lifetime.h"
@@ -12,7 +12,7 @@
 
 namespace quorva {
 
-/// What the entries of the menu do besides what AppState does itself.
+/// The actions of menu entries that AppState does not handle itself.
 struct TrayCommands {
     Task openPopover;
     Task openHistory;
@@ -28,7 +28,7 @@ public:
 
     [[nodiscard]] QMenu& menu() { return widget; }
 
-    /// Takes the texts over as they are now.
+    /// Updates the texts of the menu.
     void update();
 
 private:

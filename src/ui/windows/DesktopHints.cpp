@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <memory>
-#undef signals // GIO names a member so
+#undef signals // GIO has a member of this name
 #include <gio/gio.h>
 
 #include <xcb/xcb.h>
@@ -38,8 +38,8 @@ bool wantsAnimations() {
     return wants;
 }
 
-/// Under X11 a compositing manager owns the selection _NET_WM_CM_Sn (Extended Window Manager
-/// Hints); elsewhere there is always one.
+/// On X11 the compositing manager owns the selection _NET_WM_CM_Sn (Extended Window Manager Hints);
+/// other platforms always have one.
 bool isCompositing() {
     const auto* const x11 = qApp->nativeInterface<QNativeInterface::QX11Application>();
     auto* const connection = x11 ? x11->connection() : nullptr;

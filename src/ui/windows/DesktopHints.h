@@ -1,4 +1,4 @@
-// What the user has asked of all programs of the desktop: less motion, larger texts, and whether
+// The user's preferences for all programs of the desktop: less motion, larger text; and whether
 // windows can be translucent.
 #pragma once
 
@@ -6,22 +6,21 @@
 
 namespace quorva {
 
-/// Main thread only. Follows org.gnome.desktop.interface (GSettings), which desktops keep that are
-/// not GNOME too; where its schema is not installed, or lacks a key, motion is wanted and texts
-/// have their usual size.
+/// Main thread only. Follows org.gnome.desktop.interface (GSettings), which other desktops set too.
+/// If the schema or a key is missing, motion is wanted and text has its usual size.
 class DesktopHints final : public QObject {
     Q_OBJECT
     Q_PROPERTY(bool reducesMotion READ reducesMotion CONSTANT)
     Q_PROPERTY(qreal textScale READ textScale CONSTANT)
     Q_PROPERTY(bool isTranslucent READ isTranslucent CONSTANT)
 public:
-    /// Looks it all up. A QGuiApplication must be there.
+    /// Reads all of it. A QGuiApplication must exist.
     DesktopHints();
 
     [[nodiscard]] bool reducesMotion() const { return hasReducedMotion; }
-    /// How much larger than usual the application's font is.
+    /// The size of the application's font relative to the usual one.
     [[nodiscard]] qreal textScale() const { return scale; }
-    /// Whether what is not painted of a window lets through what lies behind it.
+    /// Whether unpainted parts of a window are transparent.
     [[nodiscard]] bool isTranslucent() const { return isComposited; }
 
 private:

@@ -11,7 +11,7 @@ constexpr int alertMarginRight = 16;
 
 int within(int from, int wanted, int to) {
     return std::max(from,
-                    std::min(wanted, to)); // what is larger than the screen starts at its edge
+                    std::min(wanted, to)); // a window larger than the screen starts at its edge
 }
 
 } // namespace

@@ -1,4 +1,4 @@
-// Where windows go that the user has not placed. Pure functions.
+// The positions of windows that the user has not placed. Pure functions.
 #pragma once
 
 #include <QRect>
@@ -7,12 +7,12 @@
 
 namespace quorva {
 
-/// Where the popover's top left corner goes: at the tray icon, where that is known, else in the
-/// corner where the desktop's panel is; always wholly within what the panels leave free.
+/// The popover's top left corner: at the tray icon if its place is known, otherwise in the corner
+/// at the desktop's panel; always inside the area that the panels leave free.
 [[nodiscard]] QPoint popoverPosition(QSize popover, const std::optional<QRect>& trayIcon,
                                      const QRect& screen, const QRect& available);
 
-/// Where the alert panel's top left corner goes: 16 from the right edge, 8 below the top.
+/// The alert panel's top left corner: 16 from the right edge, 8 from the top.
 [[nodiscard]] QPoint alertPosition(int width, const QRect& available);
 
 } // namespace quorva

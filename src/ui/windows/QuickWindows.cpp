@@ -51,7 +51,7 @@ QQuickWindow* QuickWindows::make(const QString& view, QObject& bridge) {
 void QuickWindows::load() {
     if (engine)
         return;
-    // Small windows, seldom shown: the graphics card would cost memory for nothing.
+    // Small windows, rarely shown: rendering with the graphics card would only cost memory.
     if (QQuickWindow::sceneGraphBackend().isEmpty())
         QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
     QIcon::setFallbackThemeName("Adwaita");
@@ -85,14 +85,14 @@ void QuickWindows::freeLater() {
 }
 
 void QuickWindows::free() {
-    // A window tells of its closing while it goes, and those who hear it ask which ones are left.
+    // A window emits signals while it is destroyed, and the handlers ask which windows are left.
     for (auto* const window : std::exchange(windows, {}))
         delete window;
     freeing.reset();
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete); // those let go of before
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete); // windows deleted before
     engine.reset();
     hints.reset();
-    ::malloc_trim(0); // the program goes on for days: what the windows needed goes back
+    ::malloc_trim(0); // return the windows' memory: the program runs for days
 }
 
 } // namespace quorva

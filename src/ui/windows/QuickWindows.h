@@ -1,5 +1,5 @@
-// The windows made of QML, and the engine that runs them: made with the first window, freed a
-// minute after the last one has closed.
+// The QML windows and their engine, which is created with the first window and freed a minute after
+// the last one has closed.
 #pragma once
 
 #include "base/Lifetime.h"
@@ -18,31 +18,31 @@ namespace quorva {
 /// Main thread only.
 class QuickWindows {
 public:
-    /// The loop must outlive this. Nothing of Qt Quick is made yet.
+    /// The loop must outlive this. Creates nothing of Qt Quick yet.
     explicit QuickWindows(MainLoop& loop);
     ~QuickWindows();
 
     QuickWindows(const QuickWindows&) = delete;
     QuickWindows& operator=(const QuickWindows&) = delete;
 
-    /// The window of a view, such as "MenuBarView", which is made unless it is there already; not
-    /// shown yet. `bridge` is what the view binds to, and must outlive the window. Null when the
-    /// view's file is broken, which the tests rule out.
+    /// The window of a view such as "MenuBarView", created if necessary, but not shown. The view
+    /// binds to `bridge`, which must outlive the window. Null if the view's file is broken, which
+    /// the tests rule out.
     QQuickWindow* make(const QString& view, QObject& bridge);
 
-    /// The window, if it has been made.
+    /// The window; null when there is none.
     [[nodiscard]] QQuickWindow* find(const QString& view) const { return windows.value(view); }
 
-    /// Hides the window and lets it go, once whatever it is doing is done.
+    /// Hides the window and deletes it after it has handled the current event.
     void close(const QString& view);
 
-    /// Hides the window, to be shown again soon.
+    /// Hides the window but keeps it, because it will be shown again soon.
     void hide(const QString& view);
 
-    /// Whether the engine is there.
+    /// Whether the engine exists.
     [[nodiscard]] bool isLoaded() const { return static_cast<bool>(engine); }
 
-    /// What this desktop is like; null while nothing is loaded.
+    /// The desktop's preferences; null while nothing is loaded.
     [[nodiscard]] const DesktopHints* desktopHints() const { return hints.get(); }
 
 private:
@@ -55,7 +55,7 @@ private:
     std::unique_ptr<QQmlEngine> engine;
     QHash<QString, QQuickWindow*> windows;
     Timer freeing;
-    Lifetime lifetime; // last: goes first
+    Lifetime lifetime; // last: destroyed first
 };
 
 } // namespace quorva

@@ -7,7 +7,7 @@
 
 namespace quorva {
 
-/// Pure function; a QGuiApplication must be there.
+/// Pure function; a QGuiApplication must exist.
 [[nodiscard]] inline QRegion roundedMask(QSize size, int radius) {
     QBitmap outline(size);
     outline.clear();

@@ -1,5 +1,5 @@
-// The symbols that the views name, and what draws them: an icon of the desktop's theme, by its name
-// in the Adwaita icon theme, or where the theme has none one of our own (icons/SYMBOL.svg).
+// The symbols of the views, and their icons: an icon of the desktop's theme, by its name in the
+// Adwaita icon theme, or, if the theme has none, one of this program's (icons/SYMBOL.svg).
 #pragma once
 
 #include <array>
@@ -9,7 +9,7 @@ namespace quorva {
 
 struct SymbolIcon {
     std::string_view symbol;
-    std::string_view icon; ///< empty: no theme has one that says the same
+    std::string_view icon; ///< empty: themes have no equivalent
 };
 
 // clang-format off

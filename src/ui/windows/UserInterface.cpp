@@ -29,7 +29,7 @@ void bringToFront(QWindow& window) {
     window.requestActivate();
 }
 
-/// What the user does to a window by the desktop's own means: closes it.
+/// Closes a window as the desktop does on the user's behalf.
 void onClosed(QWindow& window, QObject& context, Task task) {
     QObject::connect(&window, &QWindow::visibleChanged, &context,
                      [task = std::move(task)](bool isVisible) {
@@ -158,7 +158,7 @@ void UserInterface::followAlert() {
     alertBridge->show(*alert);
     if (auto* const panel = windows.make(alertView, *alertBridge)) {
         placeAlert();
-        panel->show(); // without asking for the focus, which stays where the user is at work
+        panel->show(); // without taking the focus from the user's work
         panel->raise();
     }
 }
@@ -223,7 +223,7 @@ void UserInterface::followOnboarding() {
         if (delegate.onboardingWindow)
             delegate.closeOnboardingWindow();
     });
-    // What the first run goes on looking for ends with its window.
+    // Polling of the first run ends with its window.
     QObject::connect(onboarding, &QObject::destroyed,
                      lifetime.guard([this, closed = onboardingBridge.get()](QObject*) {
                          if (onboardingBridge.get() == closed)

@@ -1,5 +1,5 @@
-// All windows of the program: shows them when they are asked for or something wants them shown,
-// and takes them away.
+// All windows of the program: shows them on request or when the state asks for them, and closes
+// them.
 #pragma once
 
 #include "base/ChangeWatch.h"
@@ -20,11 +20,11 @@
 
 namespace quorva {
 
-/// Main thread only. Needs a QApplication. Until a window is to be shown, nothing of Qt Quick is
-/// made.
+/// Main thread only. Needs a QApplication. Loads nothing of Qt Quick until the first window is
+/// shown.
 class UserInterface {
 public:
-    /// All must outlive the user interface. Windows that are wanted already are shown soon.
+    /// All must outlive the user interface. Windows that the state already asks for are shown soon.
     UserInterface(AppState& state, AppDelegate& delegate, CalendarConsentDialog& consent,
                   Updates& updates, MainLoop& loop);
     ~UserInterface();
@@ -32,24 +32,24 @@ public:
     UserInterface(const UserInterface&) = delete;
     UserInterface& operator=(const UserInterface&) = delete;
 
-    /// What "Quit Quorva" does; may be empty.
+    /// The action of "Quit Quorva"; may be empty.
     Task quit;
 
-    /// Shows the popover at the tray icon, whose place on the screen some desktops tell.
+    /// Shows the popover at the tray icon, if the desktop says where that is.
     void openPopover(std::optional<QRect> trayIconGeometry = std::nullopt);
     void closePopover();
-    /// Opens or closes it. What a press on the tray icon does: where that press has itself just
-    /// closed the popover, by taking the focus, it stays closed.
+    /// Opens or closes the popover, when the user presses the tray icon. If that press has just
+    /// closed it by taking the focus, it stays closed.
     void togglePopover(std::optional<QRect> trayIconGeometry = std::nullopt);
 
-    /// The popover with the detection history.
+    /// Opens the popover with the detection history.
     void openHistory();
 
     void openSettings();
 
-    /// Whether anything of Qt Quick is there.
+    /// Whether Qt Quick is loaded.
     [[nodiscard]] bool isLoaded() const { return windows.isLoaded(); }
-    /// A view's window, if it has been made.
+    /// The window of a view; null when there is none.
     [[nodiscard]] QQuickWindow* window(const QString& view) const { return windows.find(view); }
 
 private:
@@ -78,7 +78,7 @@ private:
     bool hasPopoverBeenActive = false;
     std::optional<Time> popoverLostFocusAt;
     ChangeWatch watch;
-    Lifetime lifetime; // last: goes first
+    Lifetime lifetime; // last: destroyed first
 };
 
 } // namespace quorva

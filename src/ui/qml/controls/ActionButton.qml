@@ -1,4 +1,4 @@
-// A button with a text, and a symbol before it where there is one.
+// A button with a text and an optional symbol.
 import QtQuick
 import QtQuick.Controls.Basic
 
@@ -58,7 +58,7 @@ Button {
             AppText {
                 id: label
                 anchors.verticalCenter: parent.verticalCenter
-                // A button that is narrower than its text has the text in several lines.
+                // Text wider than the button is wrapped.
                 width: Math.min(Math.ceil(implicitWidth),
                                 button.availableWidth - parent.parent.symbolWidth)
                 horizontalAlignment: Text.AlignHCenter

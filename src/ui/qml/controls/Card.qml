@@ -1,4 +1,4 @@
-// A box that sets apart what belongs together.
+// A box around related items.
 import QtQuick
 
 Rectangle {

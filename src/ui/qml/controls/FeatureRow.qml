@@ -1,4 +1,4 @@
-// A symbol in a tinted square, a title, perhaps with a tag, and a text.
+// A symbol in a tinted square, a title, an optional tag, and a text.
 import QtQuick
 import QtQuick.Layouts
 

@@ -1,4 +1,4 @@
-// Shows where the keyboard is.
+// Shows the keyboard focus.
 import QtQuick
 
 Rectangle {

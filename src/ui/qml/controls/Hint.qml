@@ -1,5 +1,4 @@
-// What the pointer that rests on something is told. Made when it is wanted, so that rows without a
-// pointer on them cost nothing.
+// A tooltip. Created on demand, so that rows without it cost nothing.
 import QtQuick
 import QtQuick.Controls.Basic
 

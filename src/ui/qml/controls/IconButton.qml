@@ -1,4 +1,4 @@
-// A button of a symbol alone; its name is said to screen readers, and to the pointer that rests.
+// A button with a symbol only; its name is in the tooltip and read by screen readers.
 import QtQuick
 import QtQuick.Controls.Basic
 

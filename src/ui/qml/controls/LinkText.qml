@@ -1,4 +1,4 @@
-// A word that leads elsewhere.
+// A word that works as a link.
 import QtQuick
 import QtQuick.Controls.Basic
 

@@ -1,4 +1,4 @@
-// A small remark behind a symbol.
+// A small remark after a symbol.
 import QtQuick
 import QtQuick.Layouts
 

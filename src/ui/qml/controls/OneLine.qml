@@ -1,4 +1,4 @@
-// A text of one line, which ends in dots where it does not fit.
+// A text of one line, elided if it is too long.
 import QtQuick
 
 AppText {

@@ -1,4 +1,4 @@
-// Three dots that come and go while a scan runs; they stand still where less motion is wanted.
+// Three dots that pulse during a scan; static if the user wants less motion.
 import QtQuick
 
 Row {

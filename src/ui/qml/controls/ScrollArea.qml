@@ -1,5 +1,5 @@
-// A column that is scrolled where it is higher than the room there is. What gets the keyboard's
-// focus is scrolled into view; a text without controls is scrolled by the arrow keys.
+// A column that scrolls if it is too high. It scrolls the focused item into view; if it has no
+// controls, the arrow keys scroll it.
 import QtQuick
 import QtQuick.Controls.Basic
 import QtQuick.Window

@@ -1,4 +1,5 @@
-// A symbol by its name, in one colour. For the eye only: what it stands beside says the same.
+// A symbol by its name, in one colour. Hidden from screen readers: the text beside it says the
+// same.
 import QtQuick
 import QtQuick.Window
 

@@ -1,4 +1,4 @@
-// Colours, sizes and motion of all views. Light, whatever the desktop's own colours are.
+// Colours, sizes and animations of all views. Always light, whatever colours the desktop has.
 pragma Singleton
 import QtQuick
 
@@ -20,8 +20,8 @@ QtObject {
     readonly property color lightRed: "#FEF2F2"
     readonly property color redLine: "#FECACA"
 
-    // Texts. The palette's red, orange, teal and blue have less than 4.5:1 on white: as the colour
-    // of a text they are darkened.
+    // Text colours. The palette's red, orange, teal and blue have a contrast below 4.5:1 on white,
+    // so they are darkened for text.
     readonly property color text: slate
     readonly property color secondaryText: grey600
     readonly property color redText: "#A81D29"
@@ -32,11 +32,11 @@ QtObject {
     readonly property color surface: "#FFFFFF"
     readonly property int radius: 10
 
-    /// A length or font size that grows with the font the user has chosen for the desktop.
+    /// A length or font size, scaled with the desktop's font size.
     function size(points) {
         return Math.round(points * desktopHints.textScale)
     }
-    /// How long a motion takes: no time when the user wants none.
+    /// The duration of an animation: none if the user wants no motion.
     function duration(milliseconds) {
         return desktopHints.reducesMotion ? 0 : milliseconds
     }

@@ -1,4 +1,4 @@
-// What could not be looked at, so that "All Clear" does not stand alone over it.
+// Lists what could not be read, so that "All Clear" never stands alone above it.
 import QtQuick
 
 Rectangle {

@@ -1,4 +1,4 @@
-// Which calendar accounts are there, and how to add one.
+// The calendar accounts, and how to add one.
 import QtQuick
 import QtQuick.Layouts
 

@@ -1,4 +1,4 @@
-// Explains the question for access to calendars while it is asked, and says when it is granted.
+// Explains the question for calendar access while it is open, and says when access is granted.
 import QtQuick
 import QtQuick.Layouts
 import QtQuick.Window
@@ -42,7 +42,7 @@ Window {
             Layout.fillWidth: true
             visible: !helper.bridge.hasAccess
             horizontalAlignment: Text.AlignHCenter
-            textFormat: Text.StyledText // a text of ours: it holds a word in bold
+            textFormat: Text.StyledText // this program's own text, with a word in bold
             text: "Click <b>Allow</b> in the system dialog to let Quorva scan your calendars for bot attendees."
             Accessible.name: "Click Allow in the system dialog to let Quorva scan your calendars for bot attendees."
         }

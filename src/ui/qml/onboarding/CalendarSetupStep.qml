@@ -1,4 +1,4 @@
-// The fourth step: access to calendars, and the accounts that they come from.
+// The fourth step: calendar access and accounts.
 import QtQuick
 import QtQuick.Layouts
 

@@ -1,4 +1,4 @@
-// The last step: the first scan, what it has found, and where the program is from now on.
+// The last step: the first scan, its results, and where to find the program from now on.
 import QtQuick
 import QtQuick.Layouts
 

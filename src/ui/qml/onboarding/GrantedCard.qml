@@ -1,4 +1,4 @@
-// A permission is there.
+// Says that a permission is granted.
 import QtQuick
 
 Card {

@@ -1,4 +1,4 @@
-// What the user has to do elsewhere.
+// What the user must do in another program.
 import QtQuick
 
 Card {

@@ -1,4 +1,4 @@
-// A box with a title and short lines behind a symbol each.
+// A box with a title and short lines, each after a symbol.
 import QtQuick
 
 Card {

@@ -1,4 +1,4 @@
-// The button that leads on: filled where it is the way meant, plain where it is the other one.
+// A button that continues: filled for the recommended way, plain for the other one.
 import QtQuick
 
 ActionButton {

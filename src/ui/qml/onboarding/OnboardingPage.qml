@@ -1,4 +1,4 @@
-// What the steps of the first run have in common: a title, what is told, and the buttons beneath.
+// The common layout of the steps of the first run: a title, the content, and the buttons below.
 import QtQuick
 import QtQuick.Layouts
 
@@ -14,7 +14,7 @@ ColumnLayout {
     property bool animateContent: false
     readonly property real margin: Theme.size(28)
 
-    /// Scrolls to something that has just appeared.
+    /// Scrolls to an item that has just appeared.
     function reveal(item) {
         Qt.callLater(() => area.reveal(item))
     }

@@ -1,4 +1,4 @@
-// How far the first run has come.
+// The progress of the first run.
 import QtQuick
 
 Column {

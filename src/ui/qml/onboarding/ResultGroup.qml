@@ -1,4 +1,4 @@
-// A group of what the first scan has found.
+// A group of results of the first scan.
 import QtQuick
 
 Card {

@@ -1,4 +1,4 @@
-// Whether something is on, in one line.
+// One line that says whether something is on.
 import QtQuick
 
 NoteLine {

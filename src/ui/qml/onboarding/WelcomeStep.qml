@@ -87,7 +87,7 @@ OnboardingPage {
         },
         Flow {
             id: legalLine
-            // Centred as a whole where it fits one line.
+            // Centred if it fits one line.
             x: Math.max(0, (parent.width - agreement.implicitWidth - privacy.implicitWidth
                             - joint.implicitWidth - terms.implicitWidth) / 2)
             width: parent.width - x

@@ -1,7 +1,7 @@
-// The alert panel: a bot has been detected. It never takes the focus from what the user is doing.
+// The alert panel: a bot has been detected. It never takes the focus.
 //
-// Alert red and white are the panel's given colours; together they have a contrast of 4.2:1, so all
-// of its text is opaque and none of it is smaller than 11.
+// Alert red and white are given; their contrast is 4.2:1, so all text here is opaque and none is
+// smaller than 11.
 import QtQuick
 import QtQuick.Controls.Basic
 import QtQuick.Layouts
@@ -12,7 +12,7 @@ Window {
 
     required property var bridge
     readonly property int radius: 12
-    /// Room for the shadow, where windows can be translucent.
+    /// Space for the shadow, if windows can be translucent.
     readonly property int shadowMargin: desktopHints.isTranslucent ? 18 : 0
 
     title: "Quorva alert"
@@ -55,7 +55,7 @@ Window {
                 implicitWidth: Theme.size(36)
                 implicitHeight: implicitWidth
                 radius: width / 2
-                // Alert red on alert red would not be seen: the discs are told apart by a light one.
+                // A light ring separates the discs, which have the same red.
                 color: Qt.rgba(1, 1, 1, 0.22)
                 Rectangle {
                     anchors.centerIn: parent

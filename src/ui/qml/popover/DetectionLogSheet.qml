@@ -1,4 +1,4 @@
-// What has been detected before, newest first.
+// The detection history, newest first.
 import QtQuick
 import QtQuick.Controls.Basic
 import QtQuick.Layouts

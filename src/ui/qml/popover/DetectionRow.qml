@@ -1,5 +1,5 @@
-// What the rows of all kinds of detections have in common: two lines of text, the buttons that a
-// kind adds, and the menu.
+// The common part of all detection rows: two lines of text, the buttons that a kind adds, and the
+// menu.
 import QtQuick
 import QtQuick.Layouts
 

@@ -1,4 +1,4 @@
-// Nothing is detected; and what that does not cover.
+// Says that nothing is detected, and what that does not cover.
 import QtQuick
 
 Column {

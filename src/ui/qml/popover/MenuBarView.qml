@@ -101,7 +101,8 @@ Window {
     DetectionLogSheet {
         entries: popover.bridge.history
         visible: popover.bridge.showsHistory
-        // Already when it begins to go: until the state says so, whatever else changes would show it anew.
+        // Set when the sheet begins to close: otherwise any other change of the state would open it
+        // again.
         onAboutToHide: if (popover.bridge.showsHistory) popover.bridge.closeHistory()
     }
 }

@@ -1,4 +1,4 @@
-// Asks for a permission that is missing.
+// Asks for a missing permission.
 import QtQuick
 import QtQuick.Layouts
 

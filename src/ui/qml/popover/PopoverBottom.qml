@@ -1,4 +1,4 @@
-// The bottom of the popover: what can be done, when was last looked, and the way elsewhere.
+// The bottom of the popover: actions, the time of the last scan, and links.
 import QtQuick
 import QtQuick.Layouts
 

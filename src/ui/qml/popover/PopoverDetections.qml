@@ -1,4 +1,4 @@
-// What is detected, in three groups.
+// The current detections, in three groups.
 import QtQuick
 
 Column {

@@ -1,4 +1,4 @@
-// The top of the popover: the product, whether it watches and what it has found, and the switch.
+// The top of the popover: the product, its state, and the monitoring switch.
 import QtQuick
 import QtQuick.Layouts
 

@@ -1,4 +1,4 @@
-// The permissions that are missing, each a card.
+// A card for each missing permission.
 import QtQuick
 
 Column {

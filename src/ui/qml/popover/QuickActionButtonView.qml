@@ -1,4 +1,4 @@
-// One of the square buttons beneath the detections.
+// A square button below the detections.
 import QtQuick
 import QtQuick.Controls.Basic
 

@@ -1,5 +1,5 @@
-// Whether a source is looked at: lit, not lit, or crossed by a warning where it is wanted but could
-// not be looked at.
+// The state of a source: lit when it is on, unlit when it is off, with a warning when it is wanted
+// but could not be read.
 import QtQuick
 
 Rectangle {

@@ -1,4 +1,4 @@
-// Tells for a moment that something has been done.
+// Confirms an action for a moment.
 import QtQuick
 import QtQuick.Layouts
 

@@ -1,4 +1,4 @@
-// What the program is, and its legal documents.
+// The program's name and version, and its legal documents.
 import QtQuick
 
 SettingsTab {

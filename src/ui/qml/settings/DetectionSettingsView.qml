@@ -1,4 +1,4 @@
-// The detectors, each with its permission, and what the user does not want to be told of.
+// The detectors with their permissions, and the products that the user allows.
 import QtQuick
 import QtQuick.Layouts
 

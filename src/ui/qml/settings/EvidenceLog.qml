@@ -1,4 +1,4 @@
-// The objections that were filed, newest first.
+// The recorded objections, newest first.
 import QtQuick
 import QtQuick.Layouts
 

@@ -1,4 +1,4 @@
-// How the program starts, tells and keeps up to date.
+// Settings for the start, notifications and updates.
 import QtQuick
 
 SettingsTab {

@@ -4,7 +4,7 @@ import QtQuick
 Sheet {
     id: document
 
-    /// Each with an id, a heading, which may be missing, and a body.
+    /// Sections: an id, an optional heading, and a body.
     required property var sections
 
     ScrollArea {

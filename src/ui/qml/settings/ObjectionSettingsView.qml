@@ -1,4 +1,4 @@
-// Which statement an objection makes, and the objections made.
+// The statement of objections, and the recorded objections.
 import QtQuick
 
 SettingsTab {

@@ -1,4 +1,4 @@
-// A part of a settings tab: a heading, and a box.
+// A section of a settings tab: a heading and a box.
 import QtQuick
 
 Column {

@@ -1,4 +1,4 @@
-// What something is, and its state: a word behind a symbol, or a button that leads to it.
+// A name and its state: a word after a symbol, or a button that leads to it.
 import QtQuick
 import QtQuick.Layouts
 

@@ -6,7 +6,7 @@ Switch {
     id: toggle
 
     property string description
-    /// What is on now; the switch shows it again when the press has come to nothing.
+    /// The current state; the switch returns to it if pressing it had no effect.
     required property bool isOn
     signal switched(bool isOn)
 
