@@ -1,5 +1,5 @@
-// What looking for the next day's events costs in a folder with many events, against the same look
-// in a folder that holds only these.
+// The cost of finding the next day's events in a folder with many events, relative to a folder with
+// only these.
 #include "Measuring.h"
 #include "platform/linux/calendars/IcsFolders.h"
 #include "support/TemporaryFolder.h"
@@ -15,8 +15,8 @@ constexpr int rounds = 200;
 constexpr double lookBound = 2.0;
 constexpr int eventsOfDay = 20;
 
-/// A folder of so many files, of which 20 hold an event of the day looked at. Every tenth of the
-/// others is a weekly meeting of another day.
+/// A folder of files, of which 20 contain an event of the requested day. Every tenth of the others
+/// is a weekly meeting on another day.
 class Store {
 public:
     explicit Store(int files) {

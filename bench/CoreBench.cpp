@@ -1,6 +1,6 @@
-// What a detection costs the main loop from the detector's call to the notification, into a full
-// history that is stored on a disk each time; and whether ten thousand in a row leave anything
-// behind in memory.
+// The main loop time of a detection, from the detector's callback to the notification, with a full
+// history that is stored on a disk each time; and the growth of memory over ten thousand
+// detections.
 #include "Measuring.h"
 #include "core/AppState.h"
 #include "platform/linux/storage/JsonPreferences.h"
@@ -19,7 +19,7 @@ namespace {
 constexpr int detections = 10'000;
 constexpr int settled = 1'000;
 constexpr double taskBound = 2.0;   // ms
-constexpr double growthBound = 1.0; // MB: what an allocator's own bookkeeping comes to
+constexpr double growthBound = 1.0; // MB: the allocator's bookkeeping
 
 double residentMegabytes() {
     std::ifstream file("/proc/self/statm");

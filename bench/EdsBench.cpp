@@ -1,6 +1,6 @@
-// What fetching the next day's events from the desktop's calendar service costs when it stores many
-// events, against the same fetch when it stores only these. The service is a real one, of a session
-// that has no other use.
+// The cost of fetching the next day's events from the desktop's calendar service when it stores
+// many events, relative to the same fetch when it stores only these. It is a real service, in a
+// private session.
 #include "Measuring.h"
 #include "platform/linux/calendars/EdsCalendarStore.h"
 #include "platform/linux/glib/GLibMainLoop.h"
@@ -36,14 +36,14 @@ public:
     void write(LogLevel, std::string_view, QuorvaLogCategory, CallSite) override {}
 };
 
-/// What went wrong with the service: it ends the benchmark.
+/// A failure of the service, which ends the benchmark.
 void require(bool holds, const char* what) {
     if (!holds)
         throw std::runtime_error(what);
 }
 
-/// The calendars that are compared. Of one with `series`, every tenth event is a weekly meeting of
-/// another day, without an end.
+/// The calendars to compare. In one with `series`, every tenth event is an endless weekly meeting
+/// on another day.
 struct Calendar {
     const char* identifier;
     int events;
@@ -54,11 +54,12 @@ constexpr Calendar large{"large", manyEvents, false};
 constexpr Calendar serial{"serial", manyEvents, true};
 constexpr std::array calendars{small, large, serial};
 
-/// The event of this number: the first 20 are of the day, the others spread over four years.
+/// The event with this number: the first 20 are on the day, the others are spread over four years.
 std::string vevent(int number, bool hasSeries) {
     const bool isOfDay = number < eventsOfDay;
     const bool isSeries = hasSeries && !isOfDay && number % 10 == 0;
-    const int distance = 2 + number % 730; // days; two, as a day that is near may count in part
+    const int distance =
+        2 + number % 730; // days; at least two, because a part of an adjacent day may count
     const auto start = isOfDay    ? day + 1h * number
                        : isSeries ? day - 24h * (7 * (1 + number % 50) + 3) // a Wednesday
                                   : day + 24h * (number % 2 == 0 ? distance : -distance) + 12h;
@@ -70,7 +71,7 @@ std::string vevent(int number, bool hasSeries) {
                        isSeries ? "RRULE:FREQ=WEEKLY\r\n" : "");
 }
 
-/// The session's calendar service. Its calendars are defined by files, before anybody starts it.
+/// The session's calendar service. Files define its calendars before it is started.
 class Service {
 public:
     Service() {
@@ -82,14 +83,14 @@ public:
                 << "[Data Source]\nDisplayName=" << calendar.identifier
                 << "\nEnabled=true\nParent=local-stub\n\n[Calendar]\nBackendName=local\n";
         require(fetch().calendars >= calendars.size(), "the service does not have the calendars");
-        // Made by the store: the library has one of these in a process.
+        // Created by the store: the library has one registry in a process.
         registry.reset(e_source_registry_new_sync(nullptr, nullptr));
         require(registry != nullptr, "the service's registry is gone");
         for (const auto& calendar : calendars)
             fill(calendar);
     }
 
-    /// Lets this calendar be the only one that the user has enabled.
+    /// Makes this calendar the only enabled one.
     void select(const Calendar& calendar) {
         auto* const sources =
             e_source_registry_list_sources(registry.get(), E_SOURCE_EXTENSION_CALENDAR);
@@ -113,7 +114,7 @@ public:
         std::optional<CalendarWindow> answer;
         const auto subscription = store.fetchEvents(
             day, day + 24h, [&](CalendarWindow window) { answer = std::move(window); });
-        while (!answer) // in time: the store gives up after 10 seconds
+        while (!answer) // ends: the store gives up after 10 seconds
             g_main_context_iteration(nullptr, TRUE);
         return std::move(*answer);
     }
@@ -158,7 +159,7 @@ private:
     GObjectPtr<ESourceRegistry> registry;
 };
 
-/// Switching to a calendar, the first fetch from it and the check of what it gave are not timed.
+/// Not timed: switching to a calendar, the first fetch from it, and checking the result.
 void fetch(benchmark::State& state, const Calendar& calendar,
            const std::function<void(const Comparison&)>& report) {
     const auto timed = [&](const Calendar& which) {

@@ -1,6 +1,6 @@
-// What one log call costs its caller, against an asynchronous spdlog logger that writes the same
-// lines. A burst of calls is timed; the writing that follows is waited for and not timed, so that
-// neither a full queue nor dropped messages are measured.
+// The cost of one log call for its caller, relative to an asynchronous spdlog logger that writes
+// the same lines. A burst of calls is timed; the benchmark waits for the writes without timing
+// them, so that neither a full queue nor dropped messages are measured.
 #include "Measuring.h"
 #include "log/QuorvaLog.h"
 #include "platform/linux/glib/GLibMainLoop.h"
@@ -26,7 +26,7 @@ constexpr std::size_t queueLength = 65'536;
 constexpr double callBound = 2.0; // µs
 constexpr std::string_view message = "Scanned 312 processes and 14 applications: 2 products found";
 
-/// To the system's log and the log file, as the programs do.
+/// Writes to the system's log and to the log file, as the programs do.
 class QuorvaBurst {
 public:
     explicit QuorvaBurst(const std::filesystem::path& folder) {
@@ -52,7 +52,7 @@ private:
     QuorvaLog log{loop, journal};
 };
 
-/// To a rotating file of the same size and form, without flushing it line by line.
+/// Writes to a rotating file of the same size and form, without flushing every line.
 class SpdlogBurst {
 public:
     explicit SpdlogBurst(const std::filesystem::path& folder)

@@ -1,4 +1,4 @@
-// What it costs to tell the bots among the attendees of many events, against a walk through the
+// The cost of finding the bots among the attendees of many events, relative to a walk through the
 // catalogue's rows for each attendee.
 #include "Measuring.h"
 #include "base/Text.h"
@@ -15,7 +15,7 @@ constexpr int rounds = 200;
 constexpr double matchingBound = 5.0; // ms
 constexpr std::size_t events = 200;
 constexpr std::size_t attendeesOfEvent = 50;
-constexpr std::size_t attendeesOfBot = 1'000; ///< every so many attendees there is a bot
+constexpr std::size_t attendeesOfBot = 1'000; ///< one bot per this many attendees
 
 struct Attendee {
     std::string email; ///< in lower case, as the monitor passes it
@@ -55,7 +55,7 @@ const std::array<Attendee, 4> bots{{{"pilot@otter.ai", "Otter Pilot"},
                                     {"meetings@firm.example", "Fathom Notetaker"},
                                     {"someone@eu.otter.ai", "Anna"}}};
 
-/// All events' attendees, in their order; always the same ones.
+/// The attendees of all events, in order; the same in every run.
 std::vector<Attendee> makeAttendees() {
     std::mt19937 random(20260328); // NOLINT(*-msc51-cpp)
     const auto oneOf = [&random](const auto& list) { return list[random() % list.size()]; };
@@ -73,7 +73,7 @@ std::vector<Attendee> makeAttendees() {
     return attendees;
 }
 
-/// What the attendee was recognised by: a row or a generic prefix. Empty: is no bot.
+/// What the attendee matched: a row or a generic prefix. Empty if the attendee is not a bot.
 using Finding = std::string_view;
 
 /// In the monitor's order.

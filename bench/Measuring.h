@@ -1,5 +1,5 @@
-// How the benchmarks measure: a candidate and its reference take turns in one run, so that whatever
-// disturbs the machine disturbs both, and what is reported is the median of the ratios.
+// How the benchmarks measure: a candidate and its reference alternate in one run, so that noise
+// affects both, and the median of the ratios is reported.
 #pragma once
 
 #include <benchmark/benchmark.h>
@@ -11,7 +11,7 @@
 
 namespace quorva::bench {
 
-/// The time that `work` takes, in seconds.
+/// The wall time of `work`, in seconds.
 template <typename Work>
 [[nodiscard]] double secondsOf(Work&& work) {
     const auto start = std::chrono::steady_clock::now();
@@ -19,7 +19,7 @@ template <typename Work>
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 }
 
-/// The processor time that this process spends on `work`, in seconds.
+/// The processor time of this process for `work`, in seconds.
 template <typename Work>
 [[nodiscard]] double cpuSecondsOf(Work&& work) {
     const auto now = [] {
@@ -32,20 +32,20 @@ template <typename Work>
     return now() - start;
 }
 
-/// The middle one of at least one value.
+/// The median of at least one value.
 [[nodiscard]] double medianOf(std::vector<double> values);
 
-/// Medians over all rounds, in seconds for one call; `ratio` is the median of the rounds' ratios.
+/// Medians over all rounds, in seconds a call; `ratio` is the median of the ratios of the rounds.
 struct Comparison {
     double reference = 0;
     double candidate = 0;
     double ratio = 0;
 };
 
-/// A round, one iteration of `state`, is reference, candidate, candidate, reference: going first is
-/// worth the same to both. Each call does its work and returns the seconds that count, so that
-/// preparing and clearing up can be left out. `state` reports the candidate's time; its benchmark
-/// must use manual time.
+/// A round, one iteration of `state`, runs reference, candidate, candidate, reference, so that
+/// neither profits from going first. Each call returns the seconds that count, so that set-up and
+/// clean-up can be left out. `state` reports the candidate's time; its benchmark must use manual
+/// time.
 template <typename Reference, typename Candidate>
 [[nodiscard]] Comparison compare(benchmark::State& state, Reference&& reference,
                                  Candidate&& candidate) {
@@ -65,10 +65,10 @@ template <typename Reference, typename Candidate>
     return {medianOf(references), medianOf(candidates), medianOf(ratios)};
 }
 
-/// What is told when all benchmarks have run: a figure a line, some of them with a bound.
+/// The summary after all benchmarks: one figure a line, some with a bound.
 class Summary {
 public:
-    /// `bound` 0: there is none.
+    /// `bound` 0 means none.
     void add(std::string what, double figure, std::string unit, double bound = 0);
 
     [[nodiscard]] std::string toText() const;
@@ -83,7 +83,7 @@ private:
     std::vector<Line> lines;
 };
 
-/// Each registers its benchmarks, which add to the summary when they run.
+/// Each registers benchmarks, which add to the summary when they run.
 void registerScanBenchmarks(Summary& summary);
 void registerLogBenchmarks(Summary& summary);
 void registerCalendarBenchmarks(Summary& summary);
@@ -91,7 +91,7 @@ void registerMatchingBenchmarks(Summary& summary);
 void registerMeetingBenchmarks(Summary& summary);
 void registerParticipantBenchmarks(Summary& summary);
 void registerCoreBenchmarks(Summary& summary);
-/// Only within tests/support/private-session.sh, for they write to the session's calendars.
+/// Run these only in tests/support/private-session.sh: they write to the session's calendars.
 void registerEdsBenchmarks(Summary& summary);
 
 } // namespace quorva::bench

@@ -1,6 +1,5 @@
-// What a pass over a meeting window costs: when its tree has changed and is walked and matched, and
-// when it is still the one of the pass before. All of it is time in which the main loop does
-// nothing else.
+// The cost of a pass over a meeting window: with a changed tree, which is walked and matched, and
+// with the same tree as in the pass before. The main loop does nothing else in that time.
 #include "Measuring.h"
 #include "detectors/MeetingParticipantMonitor.h"
 #include "detectors/WindowScan.h"
@@ -16,7 +15,7 @@ namespace quorva::bench {
 namespace {
 
 constexpr int rounds = 200;
-constexpr double unchangedBound = 5.0; // % of a changed window's
+constexpr double unchangedBound = 5.0; // % of the time for a changed window
 constexpr double longestBound = 5.0;   // ms
 constexpr ProcessIdentifier browser = 100;
 constexpr std::size_t bots = 5;
@@ -26,7 +25,7 @@ public:
     void write(LogLevel, std::string_view, QuorvaLogCategory, CallSite) override {}
 };
 
-/// One browser with one window, read completely.
+/// One browser with one window that has been read completely.
 class OneWindow final : public AccessibilityTree {
 public:
     AccessibleElementPtr tree;
@@ -46,8 +45,8 @@ public:
     [[nodiscard]] Subscription onRead(Task) override { return {}; }
 };
 
-/// A page as large as what is looked at: participants, each with a name, a line of text and the
-/// name of their role.
+/// A page of the largest size that is walked: participants, each with a name, a line of text and
+/// the name of their role.
 AccessibleElementPtr makeWindow() {
     constexpr std::array names{"Ada Lovelace",   "Jürgen Müller", "Noémie García Márquez",
                                "Łukasz Okonkwo", "健 Andersen",   "Mary Jane Robertson (Host)"};
@@ -83,7 +82,7 @@ void meetingPass(benchmark::State& state, Summary& summary) {
     const auto compared = compare(
         state,
         [&] {
-            window.tree = makeWindow(); // the one before goes within the pass
+            window.tree = makeWindow(); // the old tree is freed within the pass
             const double seconds = pass();
             longest = std::max(longest, seconds);
             return seconds;

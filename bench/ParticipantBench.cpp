@@ -1,5 +1,5 @@
-// What it costs to match the texts of a meeting window that nobody has looked at before, against a
-// walk through the tables' rows for each text.
+// The cost of matching the texts of a new meeting window, relative to a walk through the tables'
+// rows for each text.
 #include "Measuring.h"
 #include "base/Text.h"
 #include "catalogue/ParticipantMatching.h"
@@ -13,7 +13,7 @@ namespace {
 
 constexpr int rounds = 50;
 constexpr std::size_t texts = 5'000;
-constexpr std::size_t textsOfBot = 500; ///< every so many texts there is a bot or a banner
+constexpr std::size_t textsOfBot = 500; ///< one bot or banner per this many texts
 constexpr std::string_view platform = "Zoom";
 
 constexpr std::array firstNames{"Ada",       "Jürgen", "Benjamin", "Noémie",   "Priya",
@@ -44,7 +44,7 @@ constexpr std::array words{"the",    "minutes", "we",      "agreed",    "about",
 constexpr std::array found{"Anna's Notetaker (Otter.ai)", "This meeting is being recorded",
                            "Fireflies.ai Notetaker", "Acme Notetaker", "AI Companion is active"};
 
-/// Half of them names, a quarter labels, a quarter lines of a chat; always the same ones.
+/// Half of the texts are names, a quarter labels, a quarter lines of a chat; the same in every run.
 std::vector<std::string> makeTexts() {
     std::mt19937 random(20260415); // NOLINT(*-msc51-cpp)
     const auto oneOf = [&random](const auto& list) -> std::string {
@@ -92,7 +92,7 @@ void participants(benchmark::State& state, Summary& summary) {
                 benchmark::DoNotOptimize(match(text));
         });
     };
-    const double veryFirst = timed(lookUp); // makes what is kept between the calls, too
+    const double veryFirst = timed(lookUp); // also builds what is cached between calls
     std::size_t matched = 0;
     for (const auto& text : made) {
         const auto finding = lookUp(text);

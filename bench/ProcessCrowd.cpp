@@ -19,7 +19,7 @@ constexpr std::array names{"indexer",    "session-helper",  "sync-daemon", "Web 
     throw std::system_error(errno, std::system_category(), what);
 }
 
-/// The child's part: becomes `program`, or with none stays a fork of its parent.
+/// Runs in the child: executes `program`, or stays a fork of the parent if there is none.
 [[noreturn]] void live(pid_t parent, const char* program, int started) {
     ::prctl(PR_SET_PDEATHSIG, SIGKILL);
     if (::getppid() != parent)
@@ -50,8 +50,8 @@ ProcessCrowd::~ProcessCrowd() {
     end();
 }
 
-/// Every child holds the pipe's writing end until it is what it is going to be: when the reading
-/// end comes to its end, all of them are.
+/// Every child holds the write end of the pipe until it has executed its program; when the read end
+/// reaches its end, all of them have.
 void ProcessCrowd::start(std::size_t count) {
     std::array<int, 2> pipe{};
     if (::pipe2(pipe.data(), O_CLOEXEC) != 0)

@@ -1,5 +1,5 @@
-// Real processes for the scan to look at: half of them forks of this program, half of them programs
-// of their own under several names, none of which is a product's.
+// Real processes for the scan: half of them forks of this program, half of them other programs
+// under several names. None is a product's name.
 #pragma once
 
 #include "support/TemporaryFolder.h"
@@ -13,9 +13,8 @@ namespace quorva::bench {
 
 class ProcessCrowd {
 public:
-    /// Starts the processes and returns when each is what it is going to be. Throws
-    /// std::system_error when one cannot be started. They end with this object, and with the thread
-    /// that made it.
+    /// Starts the processes and returns when each runs its program. Throws std::system_error when
+    /// one cannot be started. They end with this object, and with the thread that created it.
     explicit ProcessCrowd(std::size_t count);
     ~ProcessCrowd();
 

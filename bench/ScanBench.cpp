@@ -1,5 +1,5 @@
-// What a scan for products costs among real processes, against the least that any such scan has to
-// do: list /proc and read the link of every process's executable.
+// The cost of a scan for products among real processes, relative to the least that any such scan
+// must do: list /proc and read the executable link of every process.
 #include "Measuring.h"
 #include "ProcessCrowd.h"
 #include "detectors/ProcessMonitor.h"
@@ -29,7 +29,7 @@ public:
     void write(LogLevel, std::string_view, QuorvaLogCategory, CallSite) override {}
 };
 
-/// The reference. The folder stays open from pass to pass; nothing is kept of what is read.
+/// The reference. The folder stays open between passes; nothing that is read is kept.
 class BarePass {
 public:
     /// The number of processes listed.
@@ -55,7 +55,7 @@ private:
     std::array<char, PATH_MAX> link{};
 };
 
-/// All that a scan works with, as the programs put it together.
+/// Everything a scan uses, constructed as in the programs.
 struct Scanner {
     Scanner(GLibMainLoop& loop, Log& log)
         : processTable(loop, log),
@@ -69,19 +69,19 @@ struct Scanner {
     ProcessMonitor monitor;
 };
 
-/// Ends the main loop's turn, so that the next scan looks anew: runs what has been posted.
+/// Ends the turn of the main loop, so that the next scan reads again, by running the posted tasks.
 void turnLoop() {
     while (g_main_context_iteration(nullptr, FALSE) != FALSE) {
     }
 }
 
-/// Says so when the scan has seen fewer processes than there are.
+/// Reports a scan that has seen too few processes.
 void checkCoverage(benchmark::State& state, const ProcessCoverage& seen, std::size_t crowd) {
     if (!seen.listed || seen.processes < crowd)
         state.SkipWithError("the scan did not see all processes");
 }
 
-/// Making all objects, their first scan, and the end of the turn.
+/// Constructs all objects, runs their first scan, and ends the turn.
 void firstScan(benchmark::State& state, Summary& summary) {
     const auto count = static_cast<std::size_t>(state.range(0));
     const ProcessCrowd crowd(count);
@@ -105,7 +105,7 @@ void firstScan(benchmark::State& state, Summary& summary) {
                 firstScanBound);
 }
 
-/// A scan like the one before it, and the end of the turn.
+/// A second scan, and the end of the turn.
 void nextScan(benchmark::State& state, Summary& summary) {
     const auto count = static_cast<std::size_t>(state.range(0));
     const ProcessCrowd crowd(count);

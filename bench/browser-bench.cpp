@@ -1,7 +1,7 @@
-// browser-bench PROCESS NAME: what reading a meeting's page costs a running browser, against what a
-// synchronous walk with the desktop's own client library costs; what passes over an unchanged page
-// and one changed name cost it then; and how long a pass holds the main loop, the browser being
-// stopped too. Started by browsers.sh.
+// browser-bench PROCESS NAME: the cost of reading a meeting page of a running browser, relative to
+// a synchronous walk with the desktop's client library; the cost of passes over an unchanged page
+// and of one changed name; and how long a pass blocks the main loop, also while the browser is
+// stopped. Started by browsers.sh.
 #include "Measuring.h"
 #include "detectors/MeetingParticipantMonitor.h"
 #include "detectors/MeetingWindows.h"
@@ -34,15 +34,16 @@ constexpr int changes = 5;
 constexpr double firstReadBound = 1.0 / 3;
 constexpr double unchangedBound = 1.0 / 20;
 constexpr double changedBound = 1.0 / 10;
-constexpr double pauseBound = 5.0;                     // milliseconds
-constexpr const char* browser = "org.mozilla.firefox"; // any of the list: all are read alike
+constexpr double pauseBound = 5.0; // milliseconds
+constexpr const char* browser =
+    "org.mozilla.firefox"; // any browser of the table: all are read alike
 
 void require(bool holds, const char* what) {
     if (!holds)
         throw std::runtime_error(what);
 }
 
-/// The processor time that all threads of a process have had, in seconds.
+/// The processor time of all threads of a process, in seconds.
 double cpuSecondsOfProcess(ProcessIdentifier process) {
     double seconds = 0;
     for (const auto& thread :
@@ -54,7 +55,7 @@ double cpuSecondsOfProcess(ProcessIdentifier process) {
     return seconds;
 }
 
-/// A walk as a program without a reader of its own would do it: one question after another.
+/// A walk without a reader of one's own: one call after another.
 class PlainWalk {
 public:
     explicit PlainWalk(ProcessIdentifier process) {
@@ -71,7 +72,7 @@ public:
     int elements = 0;
 
     using Element = std::unique_ptr<AtspiAccessible, Release<g_object_unref>>;
-    /// Presses the page's button that changes a name.
+    /// Presses the button of the page that changes a name.
     void rename() const {
         auto* const action = atspi_accessible_get_action_iface(renaming.get());
         require(action != nullptr, "the button can't be pressed");
@@ -116,8 +117,7 @@ private:
     }
 };
 
-/// The seconds that a plain walk takes in a process of its own: the library remembers what it has
-/// seen.
+/// The time of a plain walk in a separate process, because the library caches what it has seen.
 double plainWalkElsewhere(ProcessIdentifier process) {
     const auto command = fmt::format("/proc/{}/exe {} --walk", ::getpid(), process);
     const std::unique_ptr<std::FILE, Release<::pclose>> walk(::popen(command.c_str(), "re"));
@@ -134,14 +134,14 @@ void walkAndTell(ProcessIdentifier process) {
     fmt::print("{}\n", seconds);
 }
 
-/// The reader, asked as the monitor asks it.
+/// The reader, used as the monitor uses it.
 class Reader {
 public:
     explicit Reader(ProcessIdentifier process_) : process(process_) {
         require(tree.isTrusted(), "accessibility is switched off in this session");
     }
 
-    /// Asks once, and returns when the application has been read.
+    /// Requests a reading once, and returns when the application has been read.
     void pass() {
         isRead = false;
         const auto subscription = tree.onRead([this] {
@@ -153,7 +153,7 @@ public:
         loop.run();
     }
 
-    /// The page's tree, once it has been read whole.
+    /// The page's tree, after it has been read completely.
     AccessibleElementPtr page() {
         for (const auto& window : tree.windows(process).windows)
             if (window.state == ReadState::read && window.extent == wholeWindowExtent(true))
@@ -161,7 +161,7 @@ public:
         return nullptr;
     }
 
-    /// Reads the page; waits for a browser that is about to show one.
+    /// Reads the page; waits until the browser shows one.
     void readWhole() {
         constexpr int attempts = 120;
         for (int attempt = 0; attempt < attempts; ++attempt) {
@@ -174,7 +174,7 @@ public:
         throw std::runtime_error("the browser doesn't show the page");
     }
 
-    /// Waits for the next reading that nobody has asked for: that of a change.
+    /// Waits for the next reading that was not requested: the one that follows a change.
     void waitForChange() {
         const auto before = page();
         const auto subscription = tree.onRead([&] {
@@ -245,7 +245,7 @@ double longestPause(ProcessIdentifier process, bool isStopped) {
 
 void measure(ProcessIdentifier process, const std::string& name) {
     Summary summary;
-    { Reader(process).readWhole(); } // what the browser makes on the first question of all
+    { Reader(process).readWhole(); } // what the browser builds at the first call
     std::vector<double> firstReads;
     std::vector<double> firstCosts;
     std::vector<double> plainWalks;
@@ -258,7 +258,7 @@ void measure(ProcessIdentifier process, const std::string& name) {
         return firstReads.back();
     };
     const auto walkAnew = [&] { return plainWalks.emplace_back(plainWalkElsewhere(process)); };
-    for (int i = 0; i < rounds; ++i) { // going first is worth the same to both
+    for (int i = 0; i < rounds; ++i) { // neither profits from going first
         double walked = walkAnew();
         double read = readAnew();
         read += readAnew();
@@ -271,7 +271,7 @@ void measure(ProcessIdentifier process, const std::string& name) {
     reader.readWhole();
     const auto page = reader.page();
     const int elements = countElements(*page);
-    reader.pass(); // what the browser still had to tell
+    reader.pass(); // signals that the browser still had to send
     double before = cpuSecondsOfProcess(process);
     for (int i = 0; i < passes; ++i)
         reader.pass();

@@ -1,6 +1,6 @@
-// popover-bench: how long it takes from the press on the tray icon until the popover is
-// painted, the first time and later; how fast sixty rows scroll; and what memory the windows hold,
-// and leave behind. Prints; judges nothing.
+// popover-bench: the time from the press on the tray icon until the popover is painted, the first
+// time and later; the speed of scrolling sixty rows; and the memory that the windows use and leave
+// behind. Prints figures without judging them.
 #include "support/Stage.h"
 
 #include <fmt/format.h>
@@ -20,7 +20,7 @@ using namespace std::chrono_literals;
 
 constexpr char popover[] = "MenuBarView";
 
-/// What is this program's own; pages of libraries the system takes back when it needs them.
+/// The private memory of this program; the system reclaims pages of libraries when it needs them.
 double ownMegabytes() {
     std::ifstream status("/proc/self/status");
     std::string word;
@@ -31,7 +31,7 @@ double ownMegabytes() {
     return kilobytes / 1000;
 }
 
-/// Waits until the window has painted once more; how long that took.
+/// Waits until the window has been painted again; returns how long that took.
 double millisecondsToPaint(Stage& stage, const std::function<void()>& change) {
     QElapsedTimer timer;
     timer.start();

@@ -1,4 +1,4 @@
-// quorva-bench: runs the benchmarks and tells the ratios at the end. Takes Google Benchmark's
+// quorva-bench: runs the benchmarks and prints the ratios at the end. Accepts Google Benchmark's
 // options, for example --benchmark_filter=nextScan.
 #include "Measuring.h"
 

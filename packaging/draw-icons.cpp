@@ -1,5 +1,5 @@
-// Draws the application's icon: the five bars on a light plate. A program of the build, so that the
-// icon has the bars' own colours and lengths.
+// Draws the application's icon: the five bars on a light plate. Built and run with the programs, so
+// that the icon has the colours and lengths of the tray icon's bars.
 #include "ui/tray/MenuBarIcon.h"
 
 #include <QDir>
@@ -19,7 +19,7 @@ using namespace quorva;
 constexpr int sizes[] = {16, 22, 24, 32, 48, 64, 128, 256};
 constexpr int anySize = 256;
 
-/// The measures at one size, in whole pixels where they decide whether edges are sharp.
+/// The measures at one size, rounded to whole pixels where edges must be sharp.
 struct Measures {
     explicit Measures(int size_)
         : size(size_),
@@ -33,7 +33,7 @@ struct Measures {
     [[nodiscard]] double part(double share) const { return std::round(size * share); }
 
     int size;
-    double edge; ///< what stays free around the plate
+    double edge; ///< margin around the plate
     double thickness;
     double gap;
     double top;
@@ -54,7 +54,7 @@ QByteArray svg(int size) {
     const auto side = QByteArray::number(size);
     QByteArray text = "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"" + side + "\" height=\"" +
                       side + "\" viewBox=\"0 0 " + side + ' ' + side + "\">\n";
-    // The line lies within the plate: it keeps a light plate apart from a light background.
+    // The outline is inside the plate; it separates a light plate from a light background.
     const double line = std::max(1.0, std::round(size / 64.0));
     text += rectangle(at.edge + line / 2, at.edge + line / 2, size - 2 * at.edge - line,
                       size - 2 * at.edge - line, size * 0.2,
@@ -78,7 +78,7 @@ QImage image(int size) {
     return drawn;
 }
 
-/// The place of an icon below the root of a theme, its folder made.
+/// The path of an icon below the root of a theme; creates its folder.
 QString place(const QString& root, const QString& folder, const QString& extension) {
     const auto path = root + "/hicolor/" + folder + "/apps";
     if (!QDir().mkpath(path))

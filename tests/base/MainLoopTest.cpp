@@ -1,4 +1,4 @@
-// What every main loop promises, asked of the virtual one and of GLib's.
+// The contract of every main loop, tested with the virtual one and with GLib's.
 #include "platform/linux/glib/GLibMainLoop.h"
 #include "support/VirtualMainLoop.h"
 

@@ -17,7 +17,7 @@ std::string shown(const std::optional<BotMatch>& match) {
     return match ? match->signature.id + " " + std::to_string(match->confidence) : "nothing";
 }
 
-/// The rules as a plain walk through the rows, to hold the indexed ones against.
+/// The rules as a plain walk through the rows: the reference for the indexed ones.
 struct LinearReference {
     using Result = std::optional<BotMatch>;
 

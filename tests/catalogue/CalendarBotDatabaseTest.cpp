@@ -18,7 +18,7 @@ std::string shown(const Result& match) {
     return match ? match->signature.id + " " + std::to_string(match->confidence) : "nothing";
 }
 
-/// The rules as plain walks through the rows, to hold the indexed ones against.
+/// The rules as plain walks through the rows: the reference for the indexed ones.
 Result linearEmail(const std::string& address) {
     const auto lower = lowerCased(address);
     const std::string email(trimmed(lower));
@@ -145,7 +145,7 @@ TEST(CalendarBotDatabase, matchesAsAWalkThroughTheRowsWould) {
         ASSERT_EQ(name, shown(linearDisplayName(text))) << text;
         matched += email != "nothing" && name != "nothing";
     }
-    EXPECT_GT(matched, 1000); // the pieces do make up addresses and names
+    EXPECT_GT(matched, 1000); // the random texts do match
 }
 
 } // namespace

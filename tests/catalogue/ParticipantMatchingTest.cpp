@@ -61,10 +61,10 @@ TEST(ParticipantMatching, findsTheLongestPatternInParticipantsNames) {
         {"Otter.ai (Ann)", "otter.ai | Otter.ai | transcription | 80"}, // 8
         {"Read.ai 2", "read.ai | Read.ai | transcription | 70"},        // 7
         {"Recall.ai", "recall.ai | Recall.ai (Bot Provider) | transcription | 95"},
-        // As long as each other: the earlier row, wherever it stands in the name.
+        // Equally long patterns: the first row wins, wherever it is in the name.
         {"Avoma Bot, Grain Bot", "grain bot | Grain | transcription | 80"},
         {"Notetaker: Krisp Bot", "krisp bot | Krisp | transcription | 80"},
-        // Beyond ASCII, what becomes ASCII in lower case.
+        // Non-ASCII characters whose lower case is ASCII.
         {"MEETGEE\u212A", "meetgeek | MeetGeek | transcription | 95"},
         {"OTTER.Aİ", "otter.ai | Otter.ai | transcription | 80"},
         {"Ötter.ai Нотa", "nothing"},
@@ -162,7 +162,7 @@ TEST(ParticipantMatching, findsTheFirstPhraseThatStandsForThePlatform) {
         EXPECT_EQ(shown(matchIndicator(text, platform)), expected) << text << " on " << platform;
 }
 
-/// Texts glued from patterns, parts of them, and what may stand around them.
+/// Random texts made of patterns, parts of them, and what may surround them.
 class TextMaker {
 public:
     TextMaker() {

@@ -20,7 +20,7 @@ class SelfTestTest : public testing::Test {
 protected:
     SelfTestTest() { table.run(1, "/sbin/init"); }
 
-    /// What trying one link comes to, within the time that it is given.
+    /// The result of testing one source, within its time limit.
     DrillFinding tryLink(DrillLink link) {
         std::vector<DrillFinding> found;
         test.run({link}, nullptr,

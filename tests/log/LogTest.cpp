@@ -217,7 +217,7 @@ TEST_F(QuorvaLogTest, keepsEachThreadsOrderAndWritesEverythingBeforeItEnds) {
 }
 
 TEST_F(QuorvaLogTest, countsTheMessagesThatAHungLogCouldNotTake) {
-    /// A log service that does not answer until it is let go.
+    /// A log service that does not answer until it is released.
     class HungLog final : public SystemLog {
     public:
         explicit HungLog(std::shared_future<void> gate_) : gate(std::move(gate_)) {}

@@ -13,7 +13,7 @@ namespace quorva {
 namespace {
 
 void walk(QQuickItem* item, const std::function<void(QQuickItem*)>& visit) {
-    if (!item->isVisible()) // what fades in is there already
+    if (!item->isVisible()) // items that fade in are visible already
         return;
     visit(item);
     for (auto* const child : item->childItems())
@@ -32,7 +32,7 @@ QColor over(const QColor& front, const QColor& back) {
                             mix(front.blueF(), back.blueF()));
 }
 
-/// What an item paints behind its children: a rectangle itself, or a control by its background.
+/// The background that an item paints: a rectangle itself, or a control's background item.
 QColor fillOf(const QQuickItem* item) {
     if (item->inherits("QQuickRectangle"))
         return item->property("color").value<QColor>();
@@ -59,7 +59,7 @@ double contrast(const QColor& one, const QColor& other) {
     return (lighter + 0.05) / (darker + 0.05);
 }
 
-/// WCAG 2 asks nothing of what cannot be operated just now.
+/// WCAG 2 exempts inactive controls.
 bool isDisabled(const QQuickItem* item) {
     return !item->isEnabled();
 }

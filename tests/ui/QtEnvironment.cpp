@@ -5,10 +5,9 @@
 #include <QAccessible>
 #include <utility>
 
-// For the address sanitizer, which looks for these by name. Qt Quick's software renderer keeps the
-// textures of pictures whose window is gone: ten kilobytes for each time that the views are loaded
-// anew. That they come from there is seen only when stacks are unwound in full.
-// NOLINTBEGIN(bugprone-reserved-identifier)
+// Options of the address sanitizer, which looks for these functions by name. Qt Quick's software
+// renderer leaks the textures of pictures whose window is gone: ten kilobytes each time the views
+// are loaded. Only fully unwound stacks show that a leak comes from there.
 extern "C" const char* __lsan_default_suppressions() {
     return "leak:QSGRenderContext::textureForFactory\nleak:QQuickPixmap::load\n";
 }
@@ -42,7 +41,7 @@ public:
         static char name[] = "ui_tests";
         static char* arguments[] = {name, nullptr};
         application = std::make_unique<QApplication>(count, arguments);
-        QAccessible::setActive(true); // as if a screen reader were there
+        QAccessible::setActive(true); // as if a screen reader were running
     }
     void TearDown() override { application.reset(); }
 

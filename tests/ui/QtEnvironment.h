@@ -1,4 +1,4 @@
-// Qt without a screen, for the tests of a program; and what it warns of.
+// Qt without a screen for the tests, and its warnings.
 #pragma once
 
 #include <QApplication>
@@ -6,8 +6,8 @@
 
 namespace quorva {
 
-/// What Qt and the views have warned of since the last call. Filled while a test of UserInterface
-/// runs; what a missing screen cannot do does not count.
+/// Returns the warnings of Qt and the views since the last call. They are collected while a test of
+/// UserInterface runs, without those about the missing screen.
 [[nodiscard]] std::string takeWarnings();
 
 } // namespace quorva

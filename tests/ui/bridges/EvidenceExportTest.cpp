@@ -1,4 +1,4 @@
-// The evidence log as others read it.
+// The evidence log as other programs read it.
 #include "ui/bridges/EvidenceExport.h"
 
 #include "support/Eventually.h"

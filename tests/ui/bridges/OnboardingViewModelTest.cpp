@@ -141,12 +141,12 @@ TEST_F(OnboardingViewModelTest, accountsAddedElsewhereAppearForTwoMinutes) {
     computer.calendars.accounts = {{"Work", CalendarSourceType::exchange}};
     computer.loop.advance(3s);
     EXPECT_EQ(model->connectedCalendarAccounts->size(), 1U);
-    computer.loop.advance(117s); // the 40th look
+    computer.loop.advance(117s); // the 40th poll
     computer.calendars.accounts.push_back({"Home", CalendarSourceType::local});
     computer.loop.advance(60s);
     EXPECT_EQ(model->connectedCalendarAccounts->size(), 1U);
     model->back();
-    goTo(calendarSetup); // opened again, it looks again
+    goTo(calendarSetup); // polls again when opened again
     computer.loop.advance(3s);
     EXPECT_EQ(model->connectedCalendarAccounts->size(), 2U);
 }

@@ -1,4 +1,4 @@
-// Lists change in place: rows that stay are the same rows.
+// Lists are updated in place: rows that stay keep their identity.
 #include "ui/rows/RowModel.h"
 
 #include <gmock/gmock.h>
@@ -48,7 +48,7 @@ TEST(RowModel, aRepeatedIdCountsOnce) {
     EXPECT_THAT(idsOf(model), ElementsAre("a", "b"));
 }
 
-/// What a view would have, which learns of the rows only by what it is told.
+/// What a view that follows the model's signals would show.
 class Mirror {
 public:
     explicit Mirror(RowModel& model) {

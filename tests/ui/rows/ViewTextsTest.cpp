@@ -1,4 +1,4 @@
-// What the views say, and what becomes of texts from elsewhere.
+// The texts of the views, and the treatment of texts from outside.
 #include "ui/rows/ViewTexts.h"
 
 #include "ui/rows/DisplayText.h"

@@ -1,4 +1,4 @@
-// Where windows go.
+// The positions of windows.
 #include "ui/windows/Placement.h"
 
 #include <gtest/gtest.h>

@@ -1,5 +1,5 @@
-// The windows: that they come and go when they should, that nothing in them is broken, and that
-// everyone can read and reach what is in them.
+// The windows: they open and close when they should, nothing in them is broken, and everyone can
+// read and operate them.
 #include "support/Stage.h"
 #include "ui/ItemWalk.h"
 #include "ui/QtEnvironment.h"
@@ -34,7 +34,7 @@ protected:
         stage.invite("notetaker@read.ai", 45min);
         stage.run("/usr/bin/granola");
     }
-    /// Opens every window, one after the other, in each of its steps or tabs, and looks at it.
+    /// Opens every window in each of its steps or tabs, one after the other, and inspects it.
     void lookAtEveryView(const std::function<void(QQuickWindow&)>& look) {
         const auto lookAt = [&](const char* view) {
             ASSERT_TRUE(isShown(view)) << view;
@@ -86,7 +86,7 @@ TEST_F(UserInterfaceTest, nothingOfQtQuickIsThereBeforeTheFirstWindowAndAMinuteA
     stage.ui.window("SettingsView")->close();
     stage.settle();
     stage.computer.loop.advance(59s);
-    stage.ui.openPopover(); // opened again in time, it is the same
+    stage.ui.openPopover(); // opened again in time, it is the same window
     stage.ui.closePopover();
     stage.computer.loop.advance(59s);
     EXPECT_TRUE(stage.ui.isLoaded());
