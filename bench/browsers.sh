@@ -1,13 +1,13 @@
 #!/bin/bash
-# browsers.sh BUILD-FOLDER: what reading a meeting's page costs Firefox and Chromium. To be run
-# within tests/support/private-session.sh, which ends what this leaves running.
+# browsers.sh BUILD-FOLDER: the cost of reading a meeting page of Firefox and Chromium. Run it in
+# tests/support/private-session.sh, which ends the processes that this leaves running.
 set -eu
 
 bench=$(realpath "$1")/bin/browser-bench
 pages=$HOME/pages/meet.google.com
 mkdir -p "$pages"
 
-# A page of a list of so many people, with a button that renames one of them.
+# A page with a list of that many people, and a button that renames one of them.
 page() {
     local i
     echo '<!doctype html><meta charset=utf-8><title>Meet - abc</title><h1>Meeting</h1>'
@@ -19,7 +19,7 @@ page() {
     echo '</ul>'
 }
 
-# announced FILE: the first line that a program writes there, within ten seconds.
+# announced FILE: the first line that a program writes to it within ten seconds.
 announced() {
     local attempt
     for attempt in {1..200}; do
@@ -43,7 +43,7 @@ print(server.server_address[1])
 server.serve_forever()' "$HOME/pages" >"$HOME/port" 2>/dev/null &
 address=http://127.0.0.1:$(announced "$HOME/port")/meet.google.com
 
-# Both show about 2,500 elements: Chromium has more of them for a row.
+# Both show about 2,500 elements: Chromium has more elements a row.
 page 800 >"$pages/firefox.html"
 page 480 >"$pages/chromium.html"
 

@@ -1,7 +1,7 @@
 #!/bin/bash
-# idle.sh BUILD-FOLDER [SECONDS]: what the application costs while nothing happens, with 300 other
-# processes, by what /proc says of it. To be run within tests/support/private-session.sh, which ends
-# what this leaves running.
+# idle.sh BUILD-FOLDER [SECONDS]: the cost of the idle application beside 300 other processes,
+# according to /proc. Run it in tests/support/private-session.sh, which ends the processes that this
+# leaves running.
 set -eu
 
 quorva=$(realpath "$1")/bin/quorva
@@ -23,7 +23,7 @@ echo '{"version":1,"preferences":{"hasCompletedOnboarding":true,"calendarAuthori
 
 # The processor time of all its threads so far, in seconds.
 processorTime() { awk -v ticks="$ticks" '{ print ($14 + $15) / ticks }' "/proc/$process/stat"; }
-# How often its threads have gone to sleep so far: each time, something had woken them.
+# The number of wake-ups so far: how often its threads have gone to sleep.
 sleeps() { awk '/^voluntary/ { sum += $2 } END { print sum }' "/proc/$process"/task/*/status; }
 memory() { awk -v key="$1:" '$1 == key { print $2 / 1000 }' "/proc/$process/smaps_rollup"; }
 
@@ -34,7 +34,7 @@ waitFor sh -c 'gdbus call --session --dest org.kde.StatusNotifierWatcher \
     --object-path /StatusNotifierWatcher --method org.freedesktop.DBus.Properties.Get \
     org.kde.StatusNotifierWatcher RegisteredStatusNotifierItems | grep -q :'
 start=$(processorTime)
-sleep 15 # the services that it asks at first have answered by then
+sleep 15 # its first calls to services have been answered by then
 time=$(processorTime)
 woken=$(sleeps)
 sleep "$seconds"

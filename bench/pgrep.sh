@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# Times one look for products as a whole process, from start to exit, against pgrep searching for
-# the same products' process names: first as the machine is, then among 500 more processes. The two
-# take turns, so that noise meets both. Usage: bench/pgrep.sh [BUILD-FOLDER]
+# Times one scan for products as a whole process, from start to exit, and pgrep with the same products'
+# process names: first on the machine as it is, then with 500 more processes. The two alternate, so
+# that noise affects both. Usage: bench/pgrep.sh [BUILD-FOLDER]
 set -euo pipefail
 
 bin="${1:-$(dirname "$0")/../build/release}/bin"

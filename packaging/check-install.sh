@@ -1,8 +1,8 @@
 #!/bin/bash
-# check-install.sh PACKAGE FOLDER: installs the package into a fresh Debian below a temporary folder,
-# with what it depends on and nothing it merely recommends; lets a user run both programs there;
-# removes it, and fails when anything is left besides the user's own data. As root, with debootstrap.
-# FOLDER keeps the packages that were downloaded.
+# check-install.sh PACKAGE FOLDER: installs the package into a fresh Debian in a temporary folder, with
+# its dependencies and without its recommended packages; runs both programs there as a user; removes
+# the package, and fails if anything but the user's own data is left. Needs root and debootstrap.
+# FOLDER caches the downloaded packages.
 set -euo pipefail
 
 package=$(realpath "$1")
@@ -12,7 +12,7 @@ here=$(dirname "$(realpath "$0")")
 . /etc/os-release
 mirror=http://deb.debian.org/debian
 
-# Mounts and processes end with the namespaces they are made in.
+# Mounts and processes end with their namespaces.
 if [ "${CHECK_INSTALL_NAMESPACE:-}" = "" ]; then
     root=$(mktemp -d "${TMPDIR:-/var/tmp}/check-install.XXXXXX")
     chmod 755 "$root"
@@ -25,7 +25,7 @@ root=$CHECK_INSTALL_NAMESPACE
 
 fail() { printf 'check-install: %s\n' "$*" >&2; exit 1; }
 
-# logged COMMAND...: what it says is worth reading only when it fails.
+# logged COMMAND...: prints the output only if the command fails.
 logged() {
     "$@" >"$cache/check-install.log" 2>&1 </dev/null && return
     tail -n 40 "$cache/check-install.log" >&2
@@ -35,7 +35,7 @@ logged() {
 inside() { DEBIAN_FRONTEND=noninteractive LC_ALL=C.UTF-8 chroot "$root" "$@"; }
 install() { logged inside apt-get -qq install -y --no-install-recommends "$@"; }
 
-# All files but those in which dpkg and apt keep their books.
+# All files except those of dpkg and apt themselves.
 files() {
     find "$root" -xdev \( -path "$root/var/lib/dpkg" -o -path "$root/var/lib/apt" \
         -o -path "$root/var/cache" -o -path "$root/var/log" -o -path "$root/tmp" \) -prune \

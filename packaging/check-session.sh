@@ -1,6 +1,6 @@
 #!/bin/bash
-# What a user does with the installed programs: looks with quorva-scan, has the desktop start Quorva
-# by its name on the bus, sees its window, has it show its settings, and ends it.
+# Uses the installed programs as a user does: scans with quorva-scan, starts Quorva through its name on
+# the bus, waits for its window, opens its settings, and ends it.
 set -euo pipefail
 
 fail() { printf 'check-session: %s\n' "$*" >&2; exit 1; }

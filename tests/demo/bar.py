@@ -1,5 +1,5 @@
-"""The panel's bar at the top of the screen, and the wallpaper beneath everything: shows the icons
-that programs have registered, each with its text, and activates the one that is clicked."""
+"""The panel at the top of the screen, and the wallpaper: shows the icons that programs have registered,
+each with its text, and activates an icon when it is clicked."""
 
 import datetime
 import subprocess
@@ -23,7 +23,7 @@ STYLE = b"""
 
 
 def pixbuf(pixmaps):
-    """The icon of a height that fits; its bytes come as ARGB, and go as RGBA."""
+    """The icon with the best height, converted from ARGB to RGBA."""
     width, height, argb = min(pixmaps, key=lambda each: abs(each[1] - 22))
     argb = bytes(argb)
     rgba = bytearray(argb)
@@ -65,7 +65,7 @@ def window(name, kind, width, height):
 
 
 def keep_free(height, width):
-    """Tells the window manager that other windows stay below the bar."""
+    """Reserves the bar's space, so that the window manager keeps other windows below it."""
     strut = ",".join(map(str, [0, 0, height, 0, 0, 0, 0, 0, 0, width - 1, 0, 0]))
     subprocess.run(["xprop", "-name", TITLE, "-f", "_NET_WM_STRUT_PARTIAL", "32c",
                     "-set", "_NET_WM_STRUT_PARTIAL", strut], check=True)

@@ -1,8 +1,8 @@
-"""Shows Quorva at work, on any machine: demo.py FOLDER.
+"""Shows Quorva at work: demo.py FOLDER.
 
-Plays a day's meeting in a desktop session of its own, from a quiet beginning through note-takers of
-every kind to an objection. Tells what Quorva saw and did, takes a picture of each step, and writes
-FOLDER/index.html. Ends with an error that names the step when something is not as it should be.
+Plays a meeting in a private desktop session, from a quiet beginning through note-takers of every kind
+to an objection. Prints what Quorva saw and did, takes a screenshot of each step, and writes
+FOLDER/index.html. If a step fails, ends with an error that names it.
 """
 
 import datetime
@@ -19,7 +19,7 @@ from conftest import wait_until  # noqa: E402
 from stage import ALERT, Stage  # noqa: E402
 from story import Story  # noqa: E402
 
-CALENDAR_REST = 30  # a change is looked at when the last look is that long ago
+CALENDAR_REST = 30  # a change causes a scan if the last one is that long ago
 EVERYBODY = ["Ann Smith", "Bob Jones", "Carla Diaz"]
 STEPS = []
 
@@ -32,7 +32,7 @@ def step(title, about):
 
 
 class Demo:
-    """What the steps share: the desktop, and what was seen in the step that plays."""
+    """What the steps share: the desktop, and what was seen in the current step."""
 
     def __init__(self):
         self.stage = Stage()
@@ -46,7 +46,7 @@ class Demo:
         print(f"    \033[32m✓\033[0m {text}", flush=True)
 
     def announced(self, title, since):
-        """Waits for the notification and the alert panel that go with a find."""
+        """Waits for the notification and the alert panel of a detection."""
         found = self.stage.notifications.wait_for(title)
         self.see(f"Notification after {time.monotonic() - since:.1f} s: {found['title']}. "
                  f"{found['body']}.")
@@ -135,7 +135,7 @@ def object_now(demo):
     demo.stage.press("Object Now", "AI Recorder Found in Google Meet")
     [record_] = wait_until(demo.stage.objections, "the record of the objection")
     assert record_["botName"] == "Fathom", record_
-    demo.stage.screenshot(demo.picture, before)  # the popover confirms for some seconds only
+    demo.stage.screenshot(demo.picture, before)  # the confirmation disappears
     demo.see(f"The objection is on record: {record_['botName']}, {record_['templateUsed']}.")
     statement = demo.stage.clipboard()
     assert statement.startswith("I do not consent to AI recording"), statement
@@ -171,7 +171,7 @@ def review(demo):
 
 
 def play(demo, story):
-    """Plays every step. Returns the sentence about the one that failed, or None."""
+    """Plays every step. Returns a sentence about the step that failed, or None."""
     for number, (title, about, function) in enumerate(STEPS, 1):
         print(f"\n\033[1m{number}. {title}\033[0m\n    {about}", flush=True)
         demo.seen, failure = [], None

@@ -1,5 +1,4 @@
-"""The desktop on which the demonstration plays, with all that a user would have on it, and pictures
-of it."""
+"""The desktop of the demonstration, with everything a user would have on it, and its screenshots."""
 
 import pathlib
 import signal
@@ -84,7 +83,7 @@ class Stage(Desktop):
         self.end_session()
         return status
 
-    # What is to be seen.
+    # What is visible.
 
     def tool(self, *command):
         return subprocess.run(["xdotool", *command], env=self.environment, timeout=DEADLINE,
@@ -114,8 +113,8 @@ class Stage(Desktop):
                               timeout=DEADLINE, check=True, capture_output=True).stdout
 
     def screenshot(self, path, before=None):
-        """Once two looks are the same, or as it is after some seconds of change. With a look from
-        before, once something is to be seen that was not then."""
+        """The screen when it no longer changes, or after some seconds. Given an earlier screenshot,
+        waits first until the screen differs from it."""
         end, previous, now = time.monotonic() + 2, None, self.look()
         while now == before or now != previous:
             if time.monotonic() > end:

@@ -1,4 +1,4 @@
-"""What has happened in a demonstration, as a page to read: each step with its picture."""
+"""A page about a demonstration: each step with its screenshot."""
 
 import html
 
@@ -44,7 +44,7 @@ def item(text, kind=""):
 
 
 class Story:
-    """The steps so far. Written anew after each, so that a failure leaves what led to it."""
+    """The steps so far. The page is written after each step, so that it exists after a failure."""
 
     def __init__(self, folder, date):
         self.folder = folder

@@ -1,5 +1,5 @@
-"""The application in a desktop session, and what a user has of it: notifications with their buttons,
-the icon in the panel, the clipboard, the loudspeaker, the files it keeps."""
+"""The application in a desktop session, and everything a user gets from it: notifications with buttons,
+the icon in the panel, the clipboard, the loudspeaker, and the files it stores."""
 
 import array
 import json
@@ -23,7 +23,7 @@ WATCHER = ("org.kde.StatusNotifierWatcher", "/StatusNotifierWatcher")
 MENU = "com.canonical.dbusmenu"
 SILENCE = 100  # of 32,767
 
-# The menu of a notification's buttons is put to a program, which here picks the one asked for.
+# dunst passes the menu of a notification's buttons to a program, which picks the wanted one.
 DUNSTRC = """[global]
     dmenu = {home}/pick
     notification_limit = 20
@@ -46,7 +46,7 @@ print(Gtk.Clipboard.get(Gdk.SELECTION_CLIPBOARD).wait_for_text() or "", end="")
 
 
 class Desktop(Session):
-    """A session with a display, in which a user is logged in who has seen the first run."""
+    """A session with a display, of a user who has completed the first run."""
 
     def __init__(self, is_wayland=False, **preferences):
         super().__init__()
@@ -57,7 +57,7 @@ class Desktop(Session):
         self.keep({"hasCompletedOnboarding": True, "calendarAuthorization": 3, **preferences})
         (self.home / "data/calendars/work").mkdir(parents=True)
 
-    # What the application keeps.
+    # What the application stores.
 
     @property
     def preferences(self):
@@ -99,7 +99,7 @@ class Desktop(Session):
         return server
 
     def press(self, button, title):
-        """Presses a button of the notification with this title, by the server's own menu."""
+        """Presses a button of the notification with this title, through the server's menu."""
         wait_until(lambda: self.displayed() > 0, "a notification")
         (self.home / "wanted").write_text(f"#{button} ({title}) [")
         subprocess.run(["dunstctl", "context"], env=self.environment, check=True, timeout=DEADLINE)
@@ -110,7 +110,7 @@ class Desktop(Session):
         return int(count.stdout or 0)
 
     def start_sound(self):
-        """A sound server whose loudspeaker is a loopback device, and a recorder of what it plays."""
+        """Starts a sound server whose loudspeaker is a loopback device, and records it."""
         self.start(["pulseaudio", "-n", "--daemonize=no", "--exit-idle-time=-1",
                     "--use-pid-file=no", "--load=module-native-protocol-unix",
                     "--load=module-null-sink sink_name=bh "
@@ -123,7 +123,7 @@ class Desktop(Session):
                         "--format=s16le"], stdout=recording, stderr=subprocess.DEVNULL)
 
     def start_speech(self):
-        """As a service of the session; where there is none, the application starts it itself."""
+        """Starts the speech service of the session; without it, the application starts one itself."""
         self.start(["speech-dispatcher", "--run-single", "--communication-method", "unix_socket"],
                    stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
         wait_until((self.home / "runtime/speech-dispatcher/speechd.sock").exists, "the speech")
@@ -137,7 +137,7 @@ class Desktop(Session):
         return max((math.sqrt(sum(s * s for s in part) / len(part)) for part in parts), default=0)
 
     def move_to_bare_bus(self):
-        """A session without any service, and without any that could be started."""
+        """Moves to a session bus without any service, running or activatable."""
         configuration = self.home / "bare.conf"
         configuration.write_text(
             f'<busconfig><type>session</type><listen>unix:dir={self.home}</listen>'
@@ -160,13 +160,13 @@ class Desktop(Session):
         return subprocess.run([*PYTHON, "-c", CLIPBOARD], env=self.environment, check=True,
                               capture_output=True, text=True, timeout=DEADLINE).stdout
 
-    # What there is to be found.
+    # What can be detected.
 
     def start_bot(self, name="otter-helper"):
         return self.run(f"bots/{name}")
 
     def invite(self, attendee, start):
-        """Invites somebody to an event in a folder of .ics files."""
+        """Writes an invitation to an event into a folder of .ics files."""
         folder = self.home / "data/calendars/work"
         partial = folder / ".partial"
         partial.write_text("\r\n".join([
@@ -177,7 +177,7 @@ class Desktop(Session):
 
 
 class Notifications:
-    """All notifications that are sent in the session, from now on."""
+    """All notifications sent in the session from now on."""
 
     def __init__(self, desktop):
         self.sent = []
@@ -223,7 +223,7 @@ class Quorva:
 
 
 class Icon:
-    """The application's icon in the panel, once it is there."""
+    """The application's icon in the panel; waits until it is there."""
 
     def __init__(self, desktop):
         self.bus = desktop.bus
@@ -248,7 +248,7 @@ class Icon:
         item.Activate(0, 0, dbus_interface="org.kde.StatusNotifierItem")
 
     def menu(self):
-        """The entries: texts, each with its number and whether it can be chosen."""
+        """The entries: each text with its number and whether it is enabled."""
         menu = self.bus.get_object(self.name, self._get("Menu"), introspect=False)
         _, (_, _, children) = menu.GetLayout(0, -1, dbus.Array([], signature="s"),
                                              dbus_interface=MENU)

@@ -1,4 +1,4 @@
-"""What every look from outside needs: the programs, a home of its own, stand-ins for processes."""
+"""What every end-to-end test needs: the programs, a home folder, stand-ins for processes."""
 
 import json
 import os
@@ -28,7 +28,7 @@ def wait_until(condition, what):
 
 
 class Computer:
-    """A home and a set of processes that end with the test."""
+    """A home folder and a set of processes, removed when the test ends."""
 
     def __init__(self, home):
         self.home = home
@@ -73,7 +73,7 @@ class Computer:
             env=self.environment, capture_output=True, text=True, timeout=DEADLINE, **options)
 
     def found(self, pid):
-        """The detections of a process, by one look."""
+        """The detections of a process in one scan."""
         look = self.scan("--json", "--source", "process")
         assert look.returncode in (0, 1), look.stderr
         return [bot for bot in json.loads(look.stdout)["detections"]["process"]
@@ -95,7 +95,7 @@ class Watch:
             self.events.append((time.monotonic(), json.loads(line)))
 
     def of(self, value, key="processIdentifier"):
-        """When what was told of the detections that have this value."""
+        """The times and kinds of the events of the detections that have this value."""
         return [(at, event["event"]) for at, event in self.events
                 if event["detection"][key] == value]
 

@@ -16,7 +16,7 @@ SCREEN = "1280x900x24"
 
 
 class Session(Computer):
-    """A desktop session of its own. All that was started in it ends with it, files included."""
+    """A private desktop session. Its processes and files are removed with it."""
 
     def __init__(self):
         reader, self.leash = os.pipe()
@@ -38,8 +38,8 @@ class Session(Computer):
         return dict(entry.split("=", 1) for entry in text.decode().split("\0")[:-1])
 
     def switch_accessibility_on(self):
-        """And starts the registry, as the first program does that shows its windows: on a desktop
-        the panel has done so long before."""
+        """Switches accessibility on and starts the registry, as the first program with windows does;
+        on a real desktop that is the panel."""
         launcher = self.bus.get_object(*LAUNCHER)
         launcher.Set("org.a11y.Status", "IsEnabled", True, dbus_interface=dbus.PROPERTIES_IFACE)
         bus = dbus.bus.BusConnection(launcher.GetAddress(dbus_interface="org.a11y.Bus"))
@@ -60,7 +60,7 @@ class Session(Computer):
         self.start(["openbox"], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
 
     def open_wayland_display(self):
-        """A compositor without a screen, a keyboard or a mouse."""
+        """Starts a compositor without screen, keyboard and mouse."""
         runtime = pathlib.Path(self.environment["XDG_RUNTIME_DIR"])
         self.start(["weston", "--backend=headless-backend.so", "--socket=wayland-test",
                     "--idle-time=0", "--width=1280", "--height=900"],
@@ -84,7 +84,7 @@ class Session(Computer):
 
 
 class ZoomWindow:
-    """A running program that counts as Zoom, by its name and its desktop entry."""
+    """A running program with the name and the desktop entry of Zoom."""
 
     def __init__(self, desktop):
         program = desktop.home / "opt" / "zoom"

@@ -1,7 +1,7 @@
 """Meetings in web pages, and the browsers that show them.
 
-A page asks its server for what it shall show several times a second: a test that lets somebody join
-changes the page's list, and knows when the page has it.
+A page polls its server several times a second for its contents. A test in which somebody joins changes
+the page's list, and knows when the page shows it.
 """
 
 import http.server
@@ -53,7 +53,7 @@ setInterval(() => follow().catch(() => {}), 100);
 
 
 class Page:
-    """What a page shows. Its version counts the changes; `shown` is the one that has arrived."""
+    """The contents of a page. `version` counts the changes; `shown` is the version on the page."""
 
     def __init__(self, title, people=(), banners=(), chat=()):
         self.title = title
@@ -79,8 +79,8 @@ class Page:
 
 
 class Site(http.server.ThreadingHTTPServer):
-    """A server of pages. An address counts as a meeting's by the host name within it, and here that
-    stands in the path."""
+    """A server of pages. A meeting is recognised by the host name in its address, which these pages
+    have in their path."""
 
     daemon_threads = True
 
@@ -98,7 +98,7 @@ class Site(http.server.ThreadingHTTPServer):
         return f"http://127.0.0.1:{self.server_port}{path}"
 
     def handle_error(self, _request, _client):
-        pass  # a browser that ends drops its connections
+        pass  # a browser that exits drops its connections
 
     def end(self):
         self.shutdown()
@@ -178,7 +178,7 @@ BROWSERS = {"firefox": firefox, "chromium": chromium}
 
 
 class Browser:
-    """A running browser with one tab that the tests direct through its page."""
+    """A running browser with one tab, which the tests control through its page."""
 
     def __init__(self, desktop, site, name, profile=""):
         self.site = site
@@ -190,12 +190,12 @@ class Browser:
         self.page.wait_until_shown()
 
     def show(self, path, *arguments, **options):
-        """Goes to a page that is made of the arguments of Page; returns it once it is shown."""
+        """Opens a page made of the arguments of Page; returns it when it is shown."""
         self.page = self._direct("go", path, arguments, options)
         return self.page
 
     def open_tab(self, path, *arguments, **options):
-        """The same in a new tab, which comes to the front."""
+        """The same in a new foreground tab."""
         behind = self.page
         page = self._direct("open", path, arguments, options)
         behind.wait_until_hidden()

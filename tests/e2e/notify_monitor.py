@@ -1,6 +1,6 @@
-"""Prints each notification that is sent over the session bus as a line of JSON, until it is ended.
+"""Prints each notification sent over the session bus as a line of JSON, until it is killed.
 
-A monitor sees what is sent whether or not the server shows it, and does not disturb either.
+A bus monitor sees every message, whether or not the server shows it, and disturbs nobody.
 """
 
 import json

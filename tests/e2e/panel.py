@@ -1,6 +1,6 @@
-"""A desktop's panel, as far as the icons of programs go: org.kde.StatusNotifierWatcher.
+"""A desktop's panel for the icons of programs: org.kde.StatusNotifierWatcher.
 
-Owns the name and takes whoever registers, until it is ended.
+Owns the name and accepts every registration, until it is killed.
 """
 
 import dbus

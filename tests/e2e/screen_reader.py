@@ -1,6 +1,6 @@
-"""The application as a screen reader has it: what its windows say, and what can be pressed in them.
+"""The application as a screen reader sees it: the texts of its windows, and their controls.
 
-Elements are asked one property at a time over the accessibility bus; nothing is remembered.
+Reads one property at a time over the accessibility bus; nothing is cached.
 """
 
 import dbus
@@ -41,7 +41,7 @@ class Element:
                 for name, path in self.proxy.GetChildren(dbus_interface=ACCESSIBLE)]
 
     def act(self, *names):
-        """Does the first of its actions that has one of these names."""
+        """Performs the first action that has one of these names."""
         actions = [str(action[0]).lower() for action in
                    self.proxy.GetActions(dbus_interface="org.a11y.atspi.Action")]
         for name in names:
@@ -51,7 +51,7 @@ class Element:
         raise AssertionError(f"{self.name} can do {actions}, not {names}")
 
     def walk(self):
-        """It and all that is beneath it, in the order in which it is read out."""
+        """This element and everything below it, in reading order."""
         yield self
         for child in self.children():
             if child.is_(VISIBLE):
@@ -94,14 +94,14 @@ class ScreenReader:
                 if element.name == name and (role is None or element.role == role):
                     return element
         except dbus.DBusException:
-            pass  # it has just gone: look anew
+            pass  # it has just disappeared: read again
         return None
 
     def shows(self, name):
         return self._first(name, None, None) is not None
 
     def find(self, name, window=None, role=None):
-        """The first element of this name, once it is there."""
+        """Waits for the first element with this name."""
         return wait_until(lambda: self._first(name, window, role), f'"{name}" on the screen')
 
     def wait_until_gone(self, name, window=None):
@@ -111,7 +111,7 @@ class ScreenReader:
         self.find(name, window, role).act("press", "toggle", "click")
 
     def read(self, window=None):
-        """All that the windows say, in their order."""
+        """All texts of the windows, in reading order."""
         try:
             return [element.name for element in self._elements(window) if element.name]
         except dbus.DBusException:

@@ -1,4 +1,4 @@
-"""The systemd user manager as far as it tells of units: a template for dbusmock."""
+"""A template for dbusmock: the unit signals of the systemd user manager."""
 
 BUS_NAME = "org.freedesktop.systemd1"
 MAIN_OBJ = "/org/freedesktop/systemd1"

@@ -125,11 +125,11 @@ def test_says_what_it_needs(desktop):
 
 
 def test_says_what_is_missing(desktop):
-    """None of the services that there could be; and a panel that is late."""
+    """No service at all, and a panel that starts late."""
     desktop.move_to_bare_bus()
     (desktop.home / "data/calendars/work").rmdir()
     (desktop.home / "data/calendars").rmdir()
-    desktop.environment["PATH"] = "/nowhere"  # and no speech service to be started
+    desktop.environment["PATH"] = "/nowhere"  # no speech service can be started
     quorva = Quorva(desktop).wait_until_watching()
     desktop.environment["PATH"] = "/usr/bin:/bin"
     wait_until(lambda: desktop.logged("This desktop shows no tray icons"), "the missing panel")

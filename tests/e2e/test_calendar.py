@@ -1,4 +1,4 @@
-"""quorva-scan, looking at calendars in folders. The calendar service has tests in its own session."""
+"""quorva-scan with calendars in folders. The tests of the calendar service run in their own session."""
 
 import datetime
 import json

@@ -1,5 +1,5 @@
-"""The application, killed again and again at random moments while bots come and invitations arrive:
-what has been announced must be in the history, and is announced once in a run."""
+"""The application is killed again and again at random moments while bots start and invitations arrive.
+Everything that was announced must be in the history, and is announced once in each run."""
 
 import collections
 import datetime
@@ -59,6 +59,6 @@ def test_loses_nothing_that_was_announced(desktop):
         desktop.end(bot)
     quorva = Quorva(desktop).wait_until_watching()
     assert quorva.end() == 0
-    # What a kill leaves half written is not the file itself, and goes after an hour.
+    # A kill can leave a half-written temporary file, which is removed after an hour.
     assert [path.name for path in desktop.preferences.parent.iterdir()
             if not path.name.startswith(".preferences.json.new-")] == ["preferences.json"]

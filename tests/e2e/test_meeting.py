@@ -1,5 +1,5 @@
-"""quorva-scan, looking at meetings in the windows of browsers and of a program of their own, in a
-desktop session with a real accessibility bus."""
+"""quorva-scan with meetings in the windows of browsers and of a meeting program, in a desktop session
+with a real accessibility bus."""
 
 import json
 import pathlib
@@ -48,7 +48,7 @@ def browser(request, desktop, site):
 
 
 class Look:
-    """What one look at the meetings has come to."""
+    """The result of one scan of the meetings."""
 
     def __init__(self, computer):
         started = time.monotonic()
@@ -61,7 +61,7 @@ class Look:
         self.indicators = report["detections"]["indicators"]
 
     def said(self):
-        """Who was found, where, as what, and how sure that is."""
+        """Platform, name, category and confidence of each bot."""
         return [(bot["platformName"], bot["botDisplayName"], bot["category"], bot["confidence"])
                 for bot in self.bots]
 
@@ -70,8 +70,8 @@ class Look:
 
 
 def look_for(desktop, count):
-    """Looks until there are so many findings: on a busy computer, a browser takes its time to tell
-    what it shows, and Firefox has no texts for those who are the first to ask for them."""
+    """Scans until there are this many findings: a browser on a busy computer needs time to expose
+    a page, and Firefox exposes no texts to the first client that asks."""
     def look():
         it = Look(desktop)
         return it if len(it.bots) + len(it.indicators) >= count else None
@@ -84,7 +84,7 @@ def assert_nothing_walked(look):
     assert "meeting windows: 0" in look.detail
 
 
-# A program of its own. First, because there is no browser yet that would be looked at too.
+# A meeting program. First, because no browser runs yet that would be scanned too.
 
 
 @pytest.fixture
@@ -151,7 +151,7 @@ def test_finds_a_meeting_in_the_second_of_two_browsers_of_a_kind(desktop, site, 
     assert (len(look.bots), look.exit_status) == (1, 1), look.detail
 
 
-# In browsers. Each test with the one browser before the first with the other.
+# In browsers. All tests of one browser run before the first test of the other.
 
 
 def test_finds_bots_and_banners_in_a_meeting_and_nothing_else(desktop, browser):
@@ -162,7 +162,7 @@ def test_finds_bots_and_banners_in_a_meeting_and_nothing_else(desktop, browser):
         chat=["Could the notetaker of Acme, whoever sent it, please leave this call?",
               "Let's start recording in five minutes"])
     look = look_for(desktop, 4)
-    # A surname that begins with a product's name counts, at the lowest confidence of all.
+    # A surname that begins with a product's name matches, with the lowest confidence.
     assert look.said() == [
         ("Google Meet", "Otter.ai", "transcription", 95),
         ("Google Meet", "Acme Notetaker", "transcription", 80),

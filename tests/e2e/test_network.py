@@ -1,5 +1,5 @@
-"""No network: the application runs under strace for a minute, with everything that it does, and
-makes no socket but local ones."""
+"""No network: the application does everything it can under strace for a minute, and creates local
+sockets only."""
 
 import datetime
 import re
@@ -24,7 +24,7 @@ def test_opens_no_network_socket(desktop):
     desktop.switch_accessibility_on()
     desktop.start_notifications()
     desktop.start_sound()
-    desktop.start_speech()  # which looks for voices on the network, and is not to be traced
+    desktop.start_speech()  # not traced: it looks for voices on the network
     notifications = Notifications(desktop)
     trace = desktop.home / "trace"
     started = time.monotonic()

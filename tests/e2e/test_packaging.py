@@ -1,4 +1,4 @@
-"""What is installed beside the programs says what the programs do."""
+"""The installed man pages, completions and desktop files match the programs."""
 
 import pathlib
 import re
@@ -22,7 +22,7 @@ def desktop():
 
 
 def complete(*words):
-    """What bash offers for the last of the words."""
+    """The completions that bash offers for the last word."""
     script = ('source "$0"; COMP_WORDS=("$@"); COMP_CWORD=$(($# - 1)); _quorva_scan; '
               'printf "%s\\n" "${COMPREPLY[@]}"')
     said = subprocess.run(["bash", "-c", script, PACKAGING / "quorva-scan.bash", *words],
@@ -63,7 +63,7 @@ def test_the_desktop_starts_it_by_its_name_and_its_actions_open_windows(desktop)
         return dbus.Interface(desktop.bus.get_object(INSTANCE, "/" + INSTANCE.replace(".", "/")),
                               "org.freedesktop.Application")
 
-    def windows():  # fails where one goes while they are listed
+    def windows():  # fails if a window closes meanwhile
         return subprocess.run(["xwininfo", "-root", "-tree"], env=desktop.environment,
                               capture_output=True, text=True, timeout=DEADLINE).stdout
 

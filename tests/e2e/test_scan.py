@@ -1,4 +1,4 @@
-"""quorva-scan, looking at real processes."""
+"""quorva-scan with real processes."""
 
 import json
 import os
@@ -95,7 +95,7 @@ def test_one_look_stores_nothing(computer):
     assert not (computer.home / "state").exists()
 
 
-# A watch tells of products, and a product of other processes too: each test below has its own.
+# A watch reports products, whichever process they run in: each test below has a product of its own.
 
 
 def test_watch_announces_within_three_seconds_and_takes_back_after_the_grace_period(computer, watch):

@@ -23,7 +23,7 @@ def session():
 
 
 def stand_ins():
-    """The processes that are stand-ins."""
+    """The running stand-ins."""
     found = []
     for process in pathlib.Path("/proc").glob("[0-9]*"):
         try:
@@ -35,7 +35,7 @@ def stand_ins():
 
 
 def self_test(computer, *arguments):
-    """What came of each link, and the exit status. Nothing is left of it."""
+    """The result of each source, and the exit status. Checks that nothing is left behind."""
     places = [computer.home / "temporary", computer.home / "cache"]
     computer.environment.update(TMPDIR=str(places[0]), XDG_CACHE_HOME=str(places[1]))
     places[0].mkdir(exist_ok=True)

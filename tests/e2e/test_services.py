@@ -1,7 +1,7 @@
-"""quorva-scan beside the services of a desktop: the systemd user manager, the journal, a full disk.
+"""quorva-scan with the services of a desktop: the systemd user manager, the journal, a full disk.
 
-The services are stand-ins on a private bus and in a private mount namespace: a machine that runs
-tests has none of its own, and the person's own must not be touched.
+The services are fakes on a private bus and in a private mount namespace: a build machine has none, and
+a developer's own must not be touched.
 """
 
 import os
@@ -43,7 +43,7 @@ def start_manager(computer, bus):
 
 
 def time_until_seen(computer, running, tell=lambda: None):
-    """Starts a bot, tells of it, and returns the seconds until the watch has it."""
+    """Starts a bot, signals it, and returns the seconds until the watch reports it."""
     bot = computer.run(f"{len(computer.children)}/zygo")
     told = time.monotonic()
     tell()
@@ -56,7 +56,7 @@ def test_scans_at_once_when_the_user_manager_starts_an_application(computer, ses
     running = watch()
     process, _ = start_manager(computer, session_bus)
     computer.end(process)
-    _, manager = start_manager(computer, session_bus)  # subscribed to again
+    _, manager = start_manager(computer, session_bus)  # the watch subscribes again
 
     def tell():
         unit = dbus.ObjectPath(f"{systemd_manager.MAIN_OBJ}/unit/x")
@@ -71,7 +71,7 @@ def test_scans_at_once_when_the_user_manager_starts_an_application(computer, ses
 
 
 def in_mount_namespace(script):
-    """A command that runs a shell script with mounts of its own, or None where that is not allowed."""
+    """A command that runs a shell script in a mount namespace, or None if that is not allowed."""
     unshare = ["unshare", "--mount"] if os.geteuid() == 0 else ["unshare", "--mount", "-r"]
     if not shutil.which("unshare") or subprocess.run([*unshare, "true"], check=False).returncode:
         return None
@@ -79,7 +79,7 @@ def in_mount_namespace(script):
 
 
 def test_sends_its_messages_to_the_journal(computer):
-    # The journal's socket has a fixed place; a mount namespace of the test's own holds another.
+    # The path of the journal's socket is fixed; the test's mount namespace has another socket there.
     journal = computer.home / "systemd"
     (journal / "journal").mkdir(parents=True)
     receiver = socket.socket(socket.AF_UNIX, socket.SOCK_DGRAM)
@@ -96,7 +96,7 @@ def test_sends_its_messages_to_the_journal(computer):
     assert fields["PRIORITY"] == "6"
     assert fields["QUORVA_CATEGORY"] == "appState"
     assert fields["SYSLOG_IDENTIFIER"] == "quorva"
-    assert fields["CODE_FILE"] == "src/core/QuorvaLog.cpp"
+    assert fields["CODE_FILE"] == "src/log/QuorvaLog.cpp"
     computer.end(process)
 
 
@@ -106,7 +106,7 @@ def test_goes_on_watching_while_the_disk_is_full(computer, watch):
     errors = computer.home / "errors"
     bot = computer.home / "nyota"
     shutil.copy("/bin/sleep", bot)
-    # The bot is started in there, too: who is not root can't look out of such a namespace.
+    # The bot runs in the namespace too: without root, its processes cannot see those outside.
     command = in_mount_namespace(
         f'mount -t tmpfs -o size=64k tmpfs "{state}" && '
         f'mkdir -p "{state}/Logs/Quorva" && yes | head -c 100000 >"{state}/fill" 2>/dev/null; '

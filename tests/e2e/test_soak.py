@@ -1,4 +1,4 @@
-"""A minute of what ./dev soak does for longer."""
+"""One minute of ./dev soak."""
 
 import pathlib
 import sys

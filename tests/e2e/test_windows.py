@@ -1,4 +1,4 @@
-"""The application's windows, used as somebody does who has a screen reader and a keyboard."""
+"""The application's windows, used with a screen reader and a keyboard."""
 
 import itertools
 import subprocess
@@ -18,7 +18,7 @@ SWITCHES = {
 
 
 class Screen:
-    """A desktop with the application on it, and somebody who reads its windows."""
+    """A desktop with the application, and a screen reader that reads its windows."""
 
     def __init__(self, has_accessibility=True, is_wayland=False, **preferences):
         self.desktop = Desktop(is_wayland, **preferences)
@@ -26,8 +26,8 @@ class Screen:
         if has_accessibility:
             self.desktop.switch_accessibility_on()
         else:
-            # What an application reads of the screen and what a screen reader reads of it go by
-            # one switch: here only the second is on.
+            # One switch lets applications read the screen and screen readers read applications:
+            # here only the latter is on.
             self.desktop.environment["QT_LINUX_ACCESSIBILITY_ALWAYS_ON"] = "1"
         self.start()
 
@@ -42,7 +42,7 @@ class Screen:
         self.start()
 
     def open(self):
-        """Opens the popover as a second start does."""
+        """Opens the popover by starting the program a second time."""
         subprocess.run([PROGRAMS / "quorva"], env=self.desktop.environment, check=True,
                        timeout=DEADLINE, stdout=subprocess.DEVNULL)
         self.reader.find("Refresh all scans")
@@ -52,8 +52,8 @@ class Screen:
                        timeout=DEADLINE)
 
     def enlarge(self, window, until):
-        """Makes a window as high as the screen, so that an element shows: what is scrolled away does
-        not count as shown. A window that is just being opened may still get another size."""
+        """Makes a window as high as the screen, so that an element shows: elements that are scrolled
+        away are not showing. A window that is still opening may change its size again."""
         def is_shown():
             subprocess.run(["xdotool", "search", "--name", window, "windowsize", "700", "860"],
                            env=self.desktop.environment, check=True, timeout=DEADLINE)
@@ -216,7 +216,7 @@ def test_opens_what_the_desktop_and_the_icon_are_asked_for(screen):
     here = screen()
 
     def choose_action(name):
-        """As the menu of the desktop's applications does."""
+        """Chooses an action as the desktop's application menu does."""
         subprocess.run(["gapplication", "action", "com.veltran.QuorvaApp", name],
                        env=here.desktop.environment, check=True, timeout=DEADLINE)
     for ask in (lambda: choose_action("history"),

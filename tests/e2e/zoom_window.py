@@ -1,6 +1,6 @@
 #!/usr/bin/python3
-"""A stand-in for a meeting program of its own: a window with a list of participants. It does what
-the lines of its input say, and tells of each when it is done."""
+"""A stand-in for a meeting program: a window with a list of participants. It executes the commands
+on its standard input and confirms each one."""
 
 import sys
 

@@ -1,5 +1,5 @@
-"""What appeared while the soak ran, by when it had to be found, and when it was: the history that
-the application keeps is read for as long as it runs."""
+"""What appeared during the soak, when it had to be found, and when it was found according to the
+application's history, which is read while it runs."""
 
 import collections
 import dataclasses
@@ -7,12 +7,12 @@ import json
 import threading
 import time
 
-# Seconds from an appearance to its entry in the history on a computer with other things to do.
+# Seconds from an appearance to its entry in the history, on a busy computer.
 SLACK = 4
 BOUNDS = {
-    "processName": 3 + SLACK,        # the next look, every 3 s
+    "processName": 3 + SLACK,        # the next scan, every 3 s
     "participantList": 5 + 5 + SLACK,  # the next pass, every 5 s, and reading what has changed
-    "calendarAttendee": 300 + SLACK,   # the next look; sooner where the calendars have rested
+    "calendarAttendee": 300 + SLACK,   # the next scan; sooner if the last one is long ago
 }
 
 
@@ -41,7 +41,7 @@ def key_of(event):
 
 
 class HistoryWatch:
-    """When which entry came to the history. Reads the file whenever it has changed."""
+    """The time at which each entry came into the history. Reads the file whenever it has changed."""
 
     def __init__(self, desktop):
         self.desktop = desktop
@@ -78,7 +78,7 @@ class HistoryWatch:
 
 
 def assign(appearances, arrivals):
-    """Gives each appearance its arrival. Returns the keys of those that belong to none."""
+    """Assigns the arrivals to the appearances. Returns the keys of arrivals without an appearance."""
     waiting = collections.defaultdict(list)
     for each in appearances:
         each.found = 0.0
@@ -96,7 +96,7 @@ def assign(appearances, arrivals):
 
 
 def deadline(appearance, disturbances):
-    """When it had to be found: its bound after it appeared, or after what kept it from being seen."""
+    """The latest time to find it: its bound after it appeared, or after the last disturbance that hid it."""
     latest = appearance.since + appearance.bound
     for each in sorted(disturbances, key=lambda each: each.start):
         if appearance.method in each.affects and each.start < latest \

@@ -1,5 +1,5 @@
-"""What happens to the services of a desktop while the application runs: each is stopped for a while
-and goes on, or is killed and started again."""
+"""Disturbances of the desktop's services while the application runs: a service is stopped for a while
+and continued, or killed and restarted."""
 
 import dataclasses
 import os
@@ -16,7 +16,7 @@ STOP, KILL = "stopped", "killed"
 
 
 def processes(desktop, words):
-    """The processes of the session whose command line holds all the words."""
+    """The processes of the session whose command line contains all the words."""
     home = f"HOME={desktop.home}".encode()
     found = []
     for entry in pathlib.Path("/proc").glob("[0-9]*"):
@@ -44,7 +44,7 @@ class Disturbance:
     how: str
     start: float
     affects: tuple
-    recovery: float          # seconds until the application sees again, once all is well
+    recovery: float          # seconds until the application works again after its end
     end: float = 0.0
     pids: tuple = ()
 
@@ -54,7 +54,7 @@ class Disturbance:
 
 
 class Service:
-    """One that can be disturbed. `restore` brings it back after it was killed."""
+    """A service that can be disturbed. `restore` restarts it after it was killed."""
 
     def __init__(self, name, words, affects=(), recovery=0.0, restore=lambda: None,
                  ways=(STOP, KILL)):
@@ -67,14 +67,14 @@ class Service:
 
 
 class Services:
-    """All of them, and what has been done to them."""
+    """All services, and their disturbances so far."""
 
     def __init__(self, desktop, site, choose):
         self.desktop = desktop
         self.site = site
         self.choose = choose
         self.done = []
-        self.present = {}        # by group: of those that need each other one at a time
+        self.present = {}        # by group: services that need each other are disturbed one at a time
         self.on_browser_end = lambda: None
         self.browser, self.page = None, None
         meeting = {"affects": ("participantList",), "recovery": 35.0}
@@ -83,7 +83,7 @@ class Services:
                                       restore=self.restore_notifications)],
             "calendar": [Service(name, [name], affects=("calendarAttendee",), recovery=300.0)
                          for name in ("evolution-source-registry", "evolution-calendar-factory")],
-            # Which the application starts by itself where there is none.
+            # The application starts this one itself if there is none.
             "speech": [Service("speech service", ["speech-dispatcher"])],
             "sound": [Service("sound server", ["pulseaudio", "-n"], restore=self.restore_sound)],
             "meeting": [
@@ -96,7 +96,7 @@ class Services:
         }
 
     def disturb(self, group):
-        """Begins a disturbance of a service of the group, unless there is one."""
+        """Begins a disturbance of a service of the group, unless one is in progress."""
         if group in self.present:
             return None
         service = self.choose.choice(self.groups[group])
@@ -126,10 +126,10 @@ class Services:
             service.restore()
         disturbance.end = time.monotonic()
 
-    # How each comes back.
+    # How each service is restored.
 
     def restore_notifications(self):
-        if not processes(self.desktop, ["dunst"]):  # else the bus has started one meanwhile
+        if not processes(self.desktop, ["dunst"]):  # otherwise the bus has started one meanwhile
             self.desktop.start_notifications()
 
     def restore_sound(self):
@@ -142,7 +142,7 @@ class Services:
         self.open_browser()
 
     def open_browser(self):
-        """On a computer that is busy with other things, a second start finds it less so."""
+        """On a busy computer a second attempt may succeed."""
         try:
             self._open_browser()
         except pytest.fail.Exception:

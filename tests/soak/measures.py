@@ -1,4 +1,4 @@
-"""What the application holds of the computer, from time to time."""
+"""Samples of the resources that the application uses."""
 
 import bisect
 import pathlib
@@ -8,8 +8,8 @@ LOG_FILES, LOG_FILE_SIZE = 4, 5 * 1024 * 1024
 
 
 class Samples:
-    """Memory in kB, descriptors, threads. The proportional memory changes with what other programs
-    share; what is not of files is the application's own."""
+    """Memory in kB, descriptors, threads. Proportional memory also depends on other programs;
+    memory that no file backs is the application's own."""
 
     NAMES = ("memory, kB", "of this not of files, kB", "descriptors", "threads")
 
@@ -27,21 +27,21 @@ class Samples:
                 memory["Pss"], memory["Pss_Anon"], len(list((self.process / "fd").iterdir())),
                 len(list((self.process / "task").iterdir())))))
         except OSError:
-            return  # it has ended, which is noticed elsewhere
+            return  # it has ended, which is checked elsewhere
         files = [path.stat().st_size for path in self.log_folder.iterdir()]
         if len(files) > LOG_FILES or max(files, default=0) > LOG_FILE_SIZE:
             self.log_faults.add(f"the log is {len(files)} files of {max(files)} bytes at most")
 
     def peaks(self, start=0, end=float("inf")):
-        """The most of each within a span of time."""
+        """The maximum of each within a period."""
         rows = [figures for at, figures in self.taken if start <= at <= end]
         return [max(column) for column in zip(*rows)]
 
 
 class Starvation:
-    """How long the application's threads, and the soak's own, have been kept from a processor by other
-    programs: what the application is late for by as much is no fault of its own. Who waits for a
-    service that does not answer is asleep, which does not count."""
+    """How long other programs have kept the application's threads, and the soak's own, from a processor:
+    a delay of that length is not the application's fault. A thread that waits for a service sleeps,
+    which does not count."""
 
     def __init__(self, pid):
         self.tasks = pathlib.Path(f"/proc/{pid}/task")
@@ -55,7 +55,7 @@ class Starvation:
             try:
                 waited = int(file.read_text().split()[1]) / 1e9
             except (OSError, IndexError):
-                continue  # ended, or a kernel that does not say
+                continue  # ended, or not supported by the kernel
             self.total += waited - self.by_thread.get(file, 0.0)
             self.by_thread[file] = waited
         self.moments.append(time.monotonic())
@@ -63,7 +63,7 @@ class Starvation:
         return self.total
 
     def between(self, start, end):
-        """From the last note before to the first one after."""
+        """Between the last sample before and the first one after."""
         first = max(0, bisect.bisect_right(self.moments, start) - 1)
         last = min(len(self.moments) - 1, bisect.bisect_left(self.moments, end))
         return self.waited[last] - self.waited[first]

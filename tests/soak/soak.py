@@ -1,10 +1,10 @@
-"""Runs the application for a while in a session of its own where nothing stays as it is: soak.py
+"""Runs the application for a while in a private session in which everything changes: soak.py
 [MINUTES] [--seed SEED].
 
 Processes, invitations and participants come and go, the user clicks, and the services of the desktop
 are stopped, killed and started again, all at random. At the end everything that appeared must have
-been found in time and announced once, the application must have answered throughout, and must hold
-no more than it did after warming up. The seed repeats the choices, though not the moments.
+been found in time and announced once, and the application must have answered throughout and use no
+more resources than after its warm-up. The seed repeats the choices, but not their exact times.
 """
 
 import argparse
@@ -39,7 +39,7 @@ WARM_UP, LAST_LOOK = 20, 15
 
 class SoakDesktop(Desktop):
     def reap(self):
-        """Takes note of the children that have been killed."""
+        """Reaps the children that have been killed."""
         for child in self.children:
             child.poll()
 
@@ -80,7 +80,7 @@ class Soak:
         self.history = HistoryWatch(desktop)
         self.samples = Samples(self.quorva.pid, desktop.log.parent)
         self.starvation = Starvation(self.quorva.pid)
-        self.toggle_popover()  # so that all that is needed once is there when the warm-up ends
+        self.toggle_popover()  # so that everything is loaded when the warm-up ends
 
     def run(self):
         self.begin()
@@ -107,8 +107,8 @@ class Soak:
         return self.finish()
 
     def finish(self):
-        """Everything is mended; what then appears must be found as on a quiet day, and what the
-        calendars still owe is asked for."""
+        """Ends all disturbances. New appearances must then be found within the usual times, and the
+        calendars are scanned for outstanding ones."""
         for group in list(self.services.present):
             self.services.mend(group)
         self.start_bot()
@@ -176,7 +176,7 @@ class Soak:
                 self.unshown.remove(entry)
 
     def empty_meeting(self):
-        """The browser ends: who has not been found yet can't be any more."""
+        """Ends the browser: participants not found by now can no longer be found."""
         for each in self.appearances:
             if each.method == "participantList" and each.key not in self.history.keys():
                 each.is_void = True
@@ -270,7 +270,7 @@ class Soak:
         self.choose_from_menu("Refresh all scans")
 
     def start_again(self):
-        """Which activates the running one, and ends."""
+        """Starts a second instance, which activates the first one and exits."""
         before = time.monotonic()
         again = self.desktop.start([PROGRAMS / "quorva"], stdout=subprocess.PIPE,
                                    stderr=subprocess.STDOUT, text=True)

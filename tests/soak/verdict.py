@@ -1,4 +1,4 @@
-"""What a soak has come to: the faults, and the figures."""
+"""The result of a soak: faults and figures."""
 
 import collections
 import statistics
@@ -8,21 +8,21 @@ from appearances import assign, deadline
 
 SLOWEST_ANSWER = 3.0
 EPOCH = 978_307_200  # 2001, from 1970
-UNCONFIRMED = 25.0  # a participant that was seen for less is given up after 15 s out of sight
+UNCONFIRMED = 25.0  # a participant seen for less is dropped after 15 s out of sight
 NOTIFICATION_TITLES = {
     "processName": "AI Recorder Found",
     "participantList": "AI Recorder Found in Google Meet",
     "calendarAttendee": "Bot Invited to Upcoming Meeting",
 }
-# What may come on top: as a share, and besides. What windows need comes with the first of each kind,
-# so that less than some minutes say nothing of memory.
+# The growth allowed: a share, and a constant. Windows need memory when they are first shown, so a soak
+# of less than some minutes says nothing about memory.
 GROWTH = {"memory, kB": (1.15, 8_000), "of this not of files, kB": (1.1, 6_000),
           "descriptors": (1.0, 6), "threads": (1.0, 4)}
 MEMORY_MINUTES = 4
 
 
 def tells_of(sent, key):
-    """Whether a notification is about a find."""
+    """Whether a notification is about a detection."""
     method, name = key
     if sent["title"] != NOTIFICATION_TITLES[method]:
         return False
@@ -72,15 +72,15 @@ class Verdict:
                 self.faults.append(f"announced again: {key}, at {self.at(at)}")
 
     def may_come_again(self, at, key):
-        """A participant who had hardly been seen when the meeting went out of sight."""
+        """A participant who was seen only briefly before the meeting became invisible."""
         first = next((each for each in self.soak.appearances if each.key == key), None)
         return first is not None and any(
             key[0] in each.affects and first.since < at and each.start < first.since + UNCONFIRMED
             and each.recovered > first.since and each.start < at for each in self.disturbances)
 
     def judge_notifications(self):
-        """Each at least once, and once more at most for each time that the server was killed: it may
-        have shown what it had not confirmed."""
+        """Each at least once, and at most once more for each time the server was killed: it may have
+        shown a notification without confirming it."""
         kills = sum(each.part == "notification server" and each.how == "killed"
                     for each in self.disturbances)
         finds = collections.Counter(key for _, key in self.soak.history.arrivals)
