@@ -1,4 +1,4 @@
-// A field that others can follow.
+// A field that observers can follow.
 #pragma once
 
 #include "base/Lifetime.h"
@@ -10,8 +10,8 @@
 
 namespace quorva {
 
-/// Holds a value that its owner alone can change, and tells its observers the next one before it
-/// changes. A new observer is told the present value first. Assigning an equal value is still a
+/// Holds a value that only its owner can change, and calls its observers with the next value before
+/// each change, and a new observer with the current one. Assigning an equal value counts as a
 /// change. Main thread only.
 template <typename T, typename Owner>
 class Published {
@@ -26,13 +26,13 @@ public:
     const T& operator*() const { return value; }
     const T* operator->() const { return &value; }
 
-    /// Calls `observer` at once with the present value, and before each change with the next one.
+    /// Calls `observer` at once with the current value, and before each change with the next one.
     [[nodiscard]] Subscription observe(std::function<void(const T&)> observer) const {
         observer(value);
         return observers.add(std::move(observer));
     }
 
-    /// As `observe`, but each call is a task of its own on `loop`, which must outlive this field.
+    /// As `observe`, but each call is a separate task on `loop`, which must outlive this field.
     /// Nothing is delivered after the subscription has ended.
     [[nodiscard]] Subscription observeOn(MainLoop& loop,
                                          std::function<void(const T&)> observer) const {
@@ -48,7 +48,7 @@ public:
         });
     }
 
-    /// As `observe`, but only changes to an unequal value are told, and not the present one.
+    /// As `observe`, but only for changes to an unequal value, and not for the current one.
     [[nodiscard]] Subscription observeChanges(Task observer) const {
         return observers.add([this, observer = std::move(observer)](const T& next) {
             if (!(next == value))

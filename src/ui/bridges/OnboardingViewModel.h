@@ -1,4 +1,4 @@
-// The first run, without its window: which step shows, what has been granted, the looking for
+// The first run, without its window: the current step, the permissions granted, polling for
 // permissions and accounts that appear meanwhile, and the phases of the first scan.
 #pragma once
 
@@ -16,11 +16,11 @@ enum class ScanPhase { process, calendar, meeting, done };
 /// Main thread only.
 class OnboardingViewModel {
 public:
-    /// Both must outlive this. Steps whose permission is there already are left out.
+    /// Both must outlive this. Steps whose permission is already granted are left out.
     OnboardingViewModel(AppState& state, MainLoop& loop);
 
     Published<OnboardingStep, OnboardingViewModel> currentStep{OnboardingStep::welcome};
-    Published<bool, OnboardingViewModel> scanComplete{false}; ///< what the scan came to is shown
+    Published<bool, OnboardingViewModel> scanComplete{false}; ///< its results are shown
     Published<ScanPhase, OnboardingViewModel> scanPhase{ScanPhase::process};
     Published<bool, OnboardingViewModel> calendarPermissionRequested{false};
     Published<bool, OnboardingViewModel> accessibilityPermissionRequested{false};
@@ -30,22 +30,22 @@ public:
     Published<bool, OnboardingViewModel> hasICloudCalendar{false};
     Published<bool, OnboardingViewModel> calendarAccountsRefreshed{false};
 
-    /// Called when a permission has come while the user was elsewhere; may be empty.
+    /// Called when a permission was granted while the user was in another program; may be empty.
     Task onBringToFront;
 
-    /// The steps that there are, in their order.
+    /// The steps of this run, in order.
     [[nodiscard]] std::vector<OnboardingStep> visibleSteps() const;
-    /// The current step's position among them, from 1. A step that has just become needless counts
-    /// as the one before it.
+    /// The current step's position among them, from 1. A step that is no longer needed counts as
+    /// the one before it.
     [[nodiscard]] int position() const;
 
     void next();
     void back();
 
-    /// Asks for the permission, and looks for it for about a minute.
+    /// Asks for the permission, and polls for it for about a minute.
     void requestAccessibility();
 
-    /// Asks for access to calendars. A refusal leads to the desktop's settings.
+    /// Asks for access to calendars. After a refusal, opens the desktop's settings.
     void requestCalendarAccess();
 
     void refreshCalendarAccounts();
@@ -63,10 +63,10 @@ private:
 
     AppState& state;
     MainLoop& loop;
-    Timer pollingTimer; ///< of the step that shows
+    Timer pollingTimer; ///< of the current step
     int polls = 0;
     std::vector<Timer> scanTimers;
-    Lifetime lifetime; // last: goes first
+    Lifetime lifetime; // last: destroyed first
 };
 
 } // namespace quorva

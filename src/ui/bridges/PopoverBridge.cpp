@@ -10,8 +10,8 @@ namespace quorva {
 namespace {
 
 constexpr Seconds toastDuration{2.5};
-constexpr Seconds shortestScan{0.8}; ///< shorter, and the press would seem to have done nothing
-constexpr Seconds longestScan{15.0}; ///< a calendar that hangs is given up after 10
+constexpr Seconds shortestScan{0.8}; ///< a shorter one would look as if nothing happened
+constexpr Seconds longestScan{15.0}; ///< a calendar that hangs fails after 10
 
 } // namespace
 

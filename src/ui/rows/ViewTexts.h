@@ -1,4 +1,4 @@
-// What the views say that depends on what there is to be said: pure functions, without a window.
+// Texts of the views that depend on the state: pure functions, without a window.
 #pragma once
 
 #include "base/Time.h"
@@ -18,11 +18,11 @@ namespace quorva {
 /// The same for screen readers.
 [[nodiscard]] std::string statusPillLabel(std::size_t count);
 
-/// How long ago `then` was, in one unit: "now", "12 sec. ago", "2 min. ago", "3 hr. ago", "1 day
-/// ago". A time in the future is "now".
+/// The time since `then`, in one unit: "now", "12 sec. ago", "2 min. ago", "3 hr. ago", "1 day
+/// ago". A time in the future gives "now".
 [[nodiscard]] std::string relativeTime(Time then, Time now);
 
-/// How a source's chip looks.
+/// The look of a source's chip.
 enum class ChipLook { off, on, limited };
 
 [[nodiscard]] ChipLook chipLook(const SourceState& state);
@@ -36,15 +36,15 @@ struct AccountLabel {
 };
 [[nodiscard]] AccountLabel accountLabel(CalendarProvider provider);
 
-/// Which calendars would still have to be added, or that all kinds are there.
+/// Which calendars could still be added, or that there are all kinds.
 [[nodiscard]] std::string coverageLine(bool hasGoogle, bool hasExchange, bool hasICloud);
 
-/// What the first scan came to: "1 Bot Found", "3 Bots Found".
+/// The result of the first scan: "1 Bot Found", "3 Bots Found".
 [[nodiscard]] std::string foundText(std::size_t count);
-/// Which sources the first scan found nothing in.
+/// The sources in which the first scan found nothing.
 [[nodiscard]] std::string scannedText(bool hasCalendar, bool hasMeetings);
 
-/// What a check for a newer version has come to; empty before the first one.
+/// The result of a check for a newer version; empty before the first one.
 [[nodiscard]] std::string updateText(bool isChecking, const std::optional<UpdateAnswer>& answer);
 
 } // namespace quorva

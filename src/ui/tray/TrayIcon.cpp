@@ -33,7 +33,7 @@ void TrayIcon::follow() {
     follow(state.limitations.all);
 }
 
-/// Panels come up after the program, and restart: only after a while is there none.
+/// A panel may start after the program, and may restart: wait before reporting that there is none.
 void TrayIcon::followPanels() {
     constexpr Seconds longestWait{10.0};
     panelTimeout.reset();
@@ -46,8 +46,8 @@ void TrayIcon::followPanels() {
     }
 }
 
-/// Which of its two ways Qt takes is settled by the first icon, for good: hence not before a panel
-/// is there. It finds its way to a restarted panel by itself.
+/// With the first icon Qt chooses, for good, between D-Bus and X11, so create none before there is
+/// a panel. Qt handles a restarted panel by itself.
 void TrayIcon::show() {
     if (icon)
         return;
@@ -62,7 +62,7 @@ void TrayIcon::show() {
     icon->show();
 }
 
-/// Fields tell of a change before it is made, and several often change together.
+/// Fields call observers before they change, and several often change together.
 void TrayIcon::scheduleUpdate() {
     if (std::exchange(isUpdateDue, true))
         return;
@@ -72,7 +72,7 @@ void TrayIcon::scheduleUpdate() {
     }));
 }
 
-/// Says only what has changed: each saying goes to the panel.
+/// Sets only what has changed: each call sends a message to the panel.
 void TrayIcon::update() {
     menu.update();
     if (!icon)

@@ -1,4 +1,4 @@
-// What the popover and the settings show of the application state, and do to it.
+// What the popover and the settings show of the application state, and how they change it.
 #include "support/Eventually.h"
 #include "support/Stage.h"
 #include "support/TemporaryFolder.h"
@@ -35,7 +35,7 @@ TEST_F(PopoverBridgeTest, rowsFollowTheStateAndSayWhatMatched) {
     EXPECT_EQ(text(*popover.upcoming(), 0, "badge"), "45m");
     EXPECT_THAT(text(*popover.upcoming(), 0, "note"), HasSubstr("notetaker@read.ai"));
     stage.computer.loop.advance(0s);
-    popover.setVisible(true); // while it is in sight, times go on
+    popover.setVisible(true); // times are updated while it is visible
     stage.computer.loop.advance(60s);
     EXPECT_EQ(text(*popover.upcoming(), 0, "badge"), "44m");
 }
@@ -46,7 +46,7 @@ TEST_F(PopoverBridgeTest, anObjectionNamesTheRowThatItIsTo) {
     stage.invite("notetaker@read.ai", 45min);
     popover.objectToParticipant("Google Meet-fathom notetaker");
     popover.objectToCalendar("read-cal-notetaker@read.ai");
-    popover.objectToParticipant("gone"); // the bot has left while the button was pressed
+    popover.objectToParticipant("gone"); // the bot left while the button was pressed
     const auto& log = stage.state.objections.objectionLog.records.get();
     ASSERT_EQ(log.size(), 2U);
     EXPECT_EQ(log[1].botName, "Fathom");
@@ -115,7 +115,7 @@ TEST_F(PopoverBridgeTest, whereTheDesktopHasNoPaneItIsSaidWhatToDo) {
     popover.openInternetAccounts();
     EXPECT_THAT(popover.accountsHelp().toStdString(), HasSubstr("calendar application"));
     stage.computer.accessibility.isOn = false;
-    popover.openAccessibilitySettings(); // switches it on by itself
+    popover.openAccessibilitySettings(); // no pane: switches it on itself
     EXPECT_TRUE(stage.computer.accessibility.isOn);
 }
 

@@ -13,15 +13,6 @@ namespace {
 using namespace std::chrono_literals;
 using testing::HasSubstr;
 
-TEST(ViewTexts, theStatusPillCountsBotsOnlyWhileMonitoring) {
-    EXPECT_EQ(statusPillText(true, 0), "All Clear");
-    EXPECT_EQ(statusPillText(true, 1), "1 Bot Detected");
-    EXPECT_EQ(statusPillText(true, 3), "3 Bots Detected");
-    EXPECT_EQ(statusPillText(false, 3), "Monitoring Off");
-    EXPECT_EQ(statusPillLabel(0), "All clear");
-    EXPECT_EQ(statusPillLabel(2), "2 bots detected");
-}
-
 TEST(ViewTexts, timesPassedAreSaidInTheLargestWholeUnit) {
     const Time then{};
     const std::pair<std::chrono::seconds, const char*> table[] = {
@@ -55,15 +46,6 @@ TEST(ViewTexts, theCoverageLineNamesWhatIsMissing) {
     EXPECT_EQ(coverageLine(true, true, false), "Add iCloud for full coverage");
     EXPECT_EQ(coverageLine(false, false, false),
               "Add Google and Outlook/Exchange and iCloud for full coverage");
-}
-
-TEST(ViewTexts, theFirstScanNamesItsSources) {
-    EXPECT_EQ(scannedText(true, false),
-              "Scanned processes, calendar -- your Mac is clear of known AI bots.");
-    EXPECT_EQ(scannedText(false, true),
-              "Scanned processes, meetings -- your Mac is clear of known AI bots.");
-    EXPECT_EQ(foundText(1), "1 Bot Found");
-    EXPECT_EQ(foundText(2), "2 Bots Found");
 }
 
 TEST(ViewTexts, anUpdateCheckThatFailedIsNotUpToDate) {
