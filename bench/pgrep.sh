@@ -8,7 +8,7 @@ bin="${1:-$(dirname "$0")/../build/release}/bin"
 names=$("$bin/catalogue-names")
 runs=30
 
-# Sets elapsedMicros to how long a command takes, in microseconds. Finding nothing is no failure here; not being
+# Sets elapsedMicros to how long a command takes, in microseconds. Finding nothing is not a failure here; not being
 # able to look is.
 elapsed() {
     local start=$EPOCHREALTIME status=0 end

@@ -131,7 +131,7 @@ TEST(BotSignatureDatabase, knowsLettersAndNumbersBeyondAscii) {
     EXPECT_EQ(match("otter\u00b2"), "nothing") << "a superscript two is a number";
     EXPECT_EQ(match("「otter」"), "otter 90");
     EXPECT_EQ(match("\u212aRISP"), "krisp 85") << "the Kelvin sign is a K in lower case";
-    EXPECT_EQ(match("\xff\xfeotter\xff"), "otter 90") << "invalid bytes are no letters";
+    EXPECT_EQ(match("\xff\xfeotter\xff"), "otter 90") << "invalid bytes are not letters";
 }
 
 TEST(BotSignatureDatabase, findsWhatAPlainWalkThroughTheRowsFinds) {

@@ -240,7 +240,7 @@ def test_tries_detection(screen):
     said = here.reader.hears("Every link works.")
     wait_until(lambda: here.reader.find("Test detection…").is_(ENABLED), "the end of the trial")
     assert all(source in said for source in ("process", "calendar", "meeting"))
-    assert here.desktop.history() == [], "a trial is no detection"
+    assert here.desktop.history() == [], "a self-test is not a detection"
 
 
 def test_allows_a_product_and_takes_that_back(screen):
