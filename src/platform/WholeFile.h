@@ -46,8 +46,9 @@ public:
     [[nodiscard]] virtual std::optional<Content> read(std::error_code& error) const = 0;
 
     /// Makes `bytes` the file's content, for this user only (mode 0600, in directories of mode 0700
-    /// where they are missing), so that it survives a power cut once this returns its stamp. After
-    /// a failure the file holds the old content or the new one, whole.
+    /// where they are missing), so that it survives a power cut once this returns its stamp. Fails
+    /// also when another program has replaced the file meanwhile. After any other failure the file
+    /// holds the old content or the new one, whole.
     [[nodiscard]] virtual std::optional<FileStamp> replace(std::string_view bytes,
                                                            std::error_code& error) = 0;
 

@@ -4,6 +4,7 @@ Everything that was announced must be in the history, and is announced once in e
 import collections
 import datetime
 import random
+import re
 import signal
 import subprocess
 import time
@@ -59,6 +60,6 @@ def test_loses_nothing_that_was_announced(desktop):
         desktop.end(bot)
     quorva = Quorva(desktop).wait_until_watching()
     assert quorva.end() == 0
-    # A kill can leave a half-written temporary file, which is removed after an hour.
+    # A kill may leave a half-written temporary file beside the file itself.
     assert [path.name for path in desktop.preferences.parent.iterdir()
-            if not path.name.startswith(".preferences.json.new-")] == ["preferences.json"]
+            if not re.fullmatch(r"preferences\.json\.\w{6}", path.name)] == ["preferences.json"]

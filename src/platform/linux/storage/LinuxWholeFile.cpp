@@ -9,7 +9,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
-#include <cstdlib>
 #include <fcntl.h>
 #include <sys/stat.h>
 
@@ -42,23 +41,15 @@ FileStamp stampOf(const struct stat& status) {
             .changed = nanoseconds(status.st_ctim)};
 }
 
-std::optional<FileStamp> stampOf(const FileDescriptor& fd, std::error_code& error) {
-    struct stat status {};
-    if (::fstat(fd.get(), &status) == 0)
-        return stampOf(status);
-    error = lastError();
-    return std::nullopt;
-}
-
-bool writeAll(const FileDescriptor& fd, std::string_view bytes) {
-    while (!bytes.empty()) {
-        const auto count = ::write(fd.get(), bytes.data(), bytes.size());
-        if (count >= 0)
-            bytes.remove_prefix(static_cast<std::size_t>(count));
-        else if (errno != EINTR)
-            return false;
-    }
-    return true;
+/// The errno that GLib's error was made from. GLib's codes leave some out (EDQUOT, EFBIG), which
+/// only the end of the message names.
+std::error_code codeOf(const GError& error) {
+    const std::string_view message = error.message;
+    int number = EHWPOISON; // Linux has none beyond
+    while (number > 0 && (g_file_error_from_errno(number) != error.code ||
+                          !message.ends_with(g_strerror(number))))
+        --number;
+    return {number > 0 ? number : EIO, std::system_category()};
 }
 
 /// Makes a rename within `directory` last.
@@ -83,9 +74,7 @@ bool renameToUnused(const fs::path& from, const fs::path& to) {
 
 } // namespace
 
-LinuxWholeFile::LinuxWholeFile(fs::path path)
-    : file(followedLinks(std::move(path))),
-      temporaryPrefix("." + file.filename().string() + ".new-") {}
+LinuxWholeFile::LinuxWholeFile(fs::path path) : file(followedLinks(std::move(path))) {}
 
 std::optional<FileStamp> LinuxWholeFile::stamp(std::error_code& error) const {
     error.clear();
@@ -112,25 +101,22 @@ std::optional<FileStamp> LinuxWholeFile::replace(std::string_view bytes, std::er
     error = LinuxFileSystem().createDirectories(directory);
     if (error)
         return std::nullopt;
-    removeLeftovers();
-
-    std::string temporary = (directory / (temporaryPrefix + "XXXXXX")).string();
-    const FileDescriptor fd(::mkostemp(temporary.data(), O_CLOEXEC)); // O_EXCL, mode 0600
-    if (!fd) {
-        error = lastError();
+    GError* raw = nullptr;
+    const bool isWritten =
+        g_file_set_contents_full(file.c_str(), bytes.data(), static_cast<gssize>(bytes.size()),
+                                 static_cast<GFileSetContentsFlags>(G_FILE_SET_CONTENTS_CONSISTENT |
+                                                                    G_FILE_SET_CONTENTS_DURABLE),
+                                 0600, &raw);
+    if (const GErrorPtr failure(raw); !isWritten) {
+        error = codeOf(*failure);
         return std::nullopt;
     }
-    if (!writeAll(fd, bytes) || ::fsync(fd.get()) != 0 ||
-        ::rename(temporary.c_str(), file.c_str()) != 0) {
-        error = lastError();
-        (void)::unlink(temporary.c_str());
-        return std::nullopt;
-    }
-    if (!synchronise(directory)) {
-        error = lastError();
-        return std::nullopt;
-    }
-    return stampOf(fd, error); // after the rename, which may change it
+    // GLib does not say which file it wrote: the one that is there now is looked at. A stamp of
+    // another program's file would hide what that program has changed.
+    const auto content = read(error);
+    if (!error && (!content || content->bytes != bytes))
+        error = std::make_error_code(std::errc::resource_unavailable_try_again);
+    return error ? std::nullopt : std::optional(content->stamp);
 }
 
 std::optional<fs::path> LinuxWholeFile::setAside(Time time, std::error_code& error) {
@@ -151,20 +137,6 @@ std::optional<fs::path> LinuxWholeFile::setAside(Time time, std::error_code& err
     }
     error = std::make_error_code(std::errc::file_exists);
     return std::nullopt;
-}
-
-/// Removes what a program that was ended while it wrote has left behind. Recent ones are spared:
-/// another one may be writing now.
-void LinuxWholeFile::removeLeftovers() const {
-    std::error_code ignored;
-    const auto old = fs::file_time_type::clock::now() - std::chrono::hours(1);
-    for (auto entry = fs::directory_iterator(file.parent_path(), ignored);
-         entry != fs::directory_iterator(); entry.increment(ignored)) {
-        std::error_code error;
-        if (entry->path().filename().string().starts_with(temporaryPrefix) &&
-            entry->last_write_time(error) < old && !error)
-            (void)::unlink(entry->path().c_str());
-    }
 }
 
 } // namespace quorva

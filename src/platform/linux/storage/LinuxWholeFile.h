@@ -1,4 +1,7 @@
-// Whole files as POSIX has them: written beside the old one, synchronised, and renamed over it.
+// Whole files as GLib writes them (g_file_set_contents_full): into a temporary file "NAME.XXXXXX"
+// in the same directory, which is synchronised and renamed over the old one. A program that is
+// killed meanwhile leaves the temporary file behind. It is not removed later, because its name does
+// not tell it from a copy that the user has made.
 #pragma once
 
 #include "platform/WholeFile.h"
@@ -19,10 +22,7 @@ public:
                                                                 std::error_code& error) override;
 
 private:
-    void removeLeftovers() const;
-
     const std::filesystem::path file;
-    const std::string temporaryPrefix; ///< of the names that a replacement is first written under
 };
 
 } // namespace quorva
