@@ -80,12 +80,14 @@ void MeetingParticipantMonitor::startMonitoring() {
              logCategory::participant);
     schedulePass();
     pollTimer = loop.every(pollInterval, lifetime.guard([this] { schedulePass(); }));
+    readyObserver = applications.onReady(lifetime.guard([this] { schedulePass(); }));
     readObserver = tree.onRead(lifetime.guard([this] { scheduleMissedPass(); }));
 }
 
 void MeetingParticipantMonitor::stopMonitoring() {
     isMonitoring = false;
     pollTimer.reset();
+    readyObserver.reset();
     readObserver.reset();
     tree.request({});
     activeMeetingPlatform = std::nullopt;
@@ -118,7 +120,7 @@ void MeetingParticipantMonitor::performMissedPass() {
 }
 
 void MeetingParticipantMonitor::performScan() {
-    if (!hasAccessibilityPermission || isScanning)
+    if (!hasAccessibilityPermission || isScanning || !applications.isReady())
         return;
     isScanning = true;
     Pass pass = beginPass();
@@ -134,6 +136,8 @@ void MeetingParticipantMonitor::performScan() {
 bool MeetingParticipantMonitor::readAhead() {
     if (!hasAccessibilityPermission)
         return true;
+    if (!applications.isReady())
+        return false;
     const auto present = watched(applications.runningApplications());
     bool isEnabling = false;
     for (const auto& application : present)

@@ -96,7 +96,8 @@ public:
     void stopMonitoring();
 
     /// One pass over the windows as they were last read, and a request to go on reading them.
-    /// Returns at once without permission, and when called from within a pass, by a callback.
+    /// Returns at once without permission, when called from within a pass, by a callback, and while
+    /// the applications cannot be listed yet.
     void performScan();
 
     /// Asks for the windows to be read, without a pass. Whether a pass would find each of them read
@@ -166,6 +167,7 @@ private:
     const Seconds pollInterval{5.0};
 
     Timer pollTimer;
+    Subscription readyObserver;
     Subscription readObserver;
     bool isScanning = false;
     bool isMissedPassScheduled = false;

@@ -65,7 +65,7 @@ void ProcessMonitor::stopMonitoring() {
 }
 
 void ProcessMonitor::scan() {
-    if (isScanning)
+    if (isScanning || !applications.isReady()) // onLaunch calls when it is
         return;
     isScanning = true;
 

@@ -50,14 +50,16 @@ public:
     /// A product has been gone for its grace period. Called as above.
     std::function<void(const DetectedBot&)> onBotDisappeared;
 
-    /// Scans at once, then every 3 seconds and whenever an application starts or ends or a detected
-    /// process ends. Does nothing when monitoring already.
+    /// Scans at once, or as soon as the applications can be listed, then every 3 seconds and
+    /// whenever an application starts or ends or a detected process ends. Does nothing when
+    /// monitoring already.
     void startMonitoring();
 
     /// Ends that. What was detected stays listed, and is not announced again by the next start.
     void stopMonitoring();
 
-    /// One full scan. Returns at once when called from within a scan, by a callback.
+    /// One full scan. Returns at once when called from within a scan, by a callback, and while the
+    /// applications cannot be listed yet.
     void scan();
 
     /// A scan without memory: what it does not see is gone at once, and what it sees starts anew to

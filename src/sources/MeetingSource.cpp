@@ -38,6 +38,7 @@ std::string describeWindow(const UnreadMeetingWindow& window) {
 MeetingSource::MeetingSource(Platform& platform)
     : Source(meetingProfile, platform.loop),
       monitor(platform.loop, platform.applications, platform.accessibility, platform.log),
+      applications(platform.applications),
       tree(platform.accessibility),
       processTable(platform.processTable) {
     monitor.onBotDetected = [this](const ParticipantBotDetection& bot) {
@@ -77,6 +78,7 @@ void MeetingSource::awaitFirstLook(Task done) {
         if (awaited && monitor.readAhead())
             finish();
     };
+    subscriptions.push_back(applications.onReady(lifetime.guard(check)));
     subscriptions.push_back(tree.onRead(lifetime.guard(check)));
     subscriptions.push_back(loop.after(readingTimeout, lifetime.guard(finish)));
     check();

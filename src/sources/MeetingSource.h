@@ -35,6 +35,7 @@ protected:
 private:
     [[nodiscard]] bool canListProcesses() const;
 
+    Applications& applications;
     AccessibilityTree& tree;
     ProcessTable& processTable;
     Task awaited; ///< what follows the first look

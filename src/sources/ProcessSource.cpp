@@ -7,6 +7,9 @@
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
 
+#include <memory>
+#include <utility>
+
 namespace quorva {
 
 const FindingKind processFindings{
@@ -117,7 +120,8 @@ private:
 
 ProcessSource::ProcessSource(Platform& platform)
     : Source(processProfile, platform.loop),
-      monitor(platform.loop, platform.applications, platform.processTable) {
+      monitor(platform.loop, platform.applications, platform.processTable),
+      applications(platform.applications) {
     monitor.onBotDetected = [this](const DetectedBot& bot) {
         appeared(std::make_shared<ProcessFinding>(bot));
     };
@@ -129,8 +133,24 @@ ProcessSource::ProcessSource(Platform& platform)
 }
 
 void ProcessSource::look(Task done) {
-    monitor.scan();
-    done();
+    auto scan = [this, done = std::move(done)] {
+        monitor.scan();
+        done();
+    };
+    if (applications.isReady())
+        return scan();
+    subscriptions.push_back(applications.onReady(lifetime.guard(std::move(scan))));
+}
+
+/// The first scan comes when applications can be listed, which has a deadline of its own.
+void ProcessSource::awaitFirstLook(Task done) {
+    if (*monitor.lastScanDate)
+        return done();
+    subscriptions.push_back(
+        monitor.lastScanDate.observeChanges([once = std::make_shared<Task>(std::move(done))] {
+            if (const Task task = std::exchange(*once, nullptr))
+                task();
+        }));
 }
 
 SourceState ProcessSource::sight() const {

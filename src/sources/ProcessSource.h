@@ -20,7 +20,7 @@ public:
 
     [[nodiscard]] bool isWatching() const override { return monitor.isMonitoring; }
     void refresh() override { monitor.forceRescan(); }
-    void awaitFirstLook(Task done) override { done(); }
+    void awaitFirstLook(Task done) override;
     [[nodiscard]] std::string detail() const override;
     [[nodiscard]] std::string productNamed(std::string_view allowKey) const override;
 
@@ -32,6 +32,9 @@ protected:
     [[nodiscard]] SourceState sight() const override;
     [[nodiscard]] SourceState obstacle() const override { return {}; }
     [[nodiscard]] Findings list() const override;
+
+private:
+    Applications& applications;
 };
 
 } // namespace quorva

@@ -82,6 +82,18 @@ TEST_F(ProcessMonitorTest, matchesProcessesByPathThenByFileName) {
     EXPECT_EQ(monitor.coverage->denied, 1U);
 }
 
+TEST_F(ProcessMonitorTest, waitsUntilApplicationsCanBeListed) {
+    applications.ready = false;
+    applications.running = {{"com.aisense.otter", "Otter", "/opt/otter/otter", 4712}};
+    table.run(4711, "/opt/otter/Otter.app/otter-helper");
+    monitor.startMonitoring();
+    loop.advance(9s);
+    EXPECT_FALSE(monitor.lastScanDate->has_value());
+    applications.getReady();
+    loop.runPosted();
+    EXPECT_THAT(announced(), ElementsAre("+otter-4712")) << "and not by its helper";
+}
+
 TEST_F(ProcessMonitorTest, keepsTheFirstOfEquallyConfidentProcesses) {
     table.run(30, "/a/otter.app/x");
     table.run(31, "/b/otter.app/x");

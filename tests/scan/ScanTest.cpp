@@ -109,6 +109,21 @@ TEST_F(ScanTest, tellsClearFoundAndIncompleteApart) {
     EXPECT_EQ(look(everything).exitStatus(), 1) << "a finding outweighs a gap";
 }
 
+TEST_F(ScanTest, looksOnceApplicationsCanBeListed) {
+    applications.ready = false;
+    inZoom({"Otter.ai Notetaker"});
+    Scan scan({.sources = {"process", "meeting"}, .namesSources = true}, platform);
+    std::optional<ScanReport> report;
+    scan.look([&](ScanReport found) { report = std::move(found); });
+    loop.advance(9s);
+    EXPECT_FALSE(report);
+    applications.getReady();
+    loop.advance(10s);
+    ASSERT_TRUE(report);
+    EXPECT_EQ(report->exitStatus(), 1);
+    EXPECT_EQ(report->toJson()["detections"]["participants"].size(), 1U);
+}
+
 TEST_F(ScanTest, findsInvitationsAndSaysWhatGaveThemAway) {
     invite("mailto:notetaker@otter.ai");
     invite("mailto:x@example.org", "Fathom Notetaker");

@@ -47,10 +47,25 @@ class FakeApplications final : public Applications {
 public:
     std::vector<RunningApplication> running;
     std::optional<std::string> own = "com.veltran.QuorvaApp";
+    bool ready = true;
     CallbackList<> launches;
     CallbackList<> quits;
+    CallbackList<> readies;
 
-    [[nodiscard]] std::vector<RunningApplication> runningApplications() override { return running; }
+    /// What is installed has been read.
+    void getReady() {
+        ready = true;
+        readies.call();
+        launches.call();
+    }
+
+    [[nodiscard]] std::vector<RunningApplication> runningApplications() override {
+        return ready ? running : std::vector<RunningApplication>();
+    }
+    [[nodiscard]] bool isReady() const override { return ready; }
+    [[nodiscard]] Subscription onReady(Task callback) override {
+        return readies.add(std::move(callback));
+    }
     [[nodiscard]] std::optional<std::string> ownBundleIdentifier() const override { return own; }
     [[nodiscard]] Subscription onLaunch(Task callback) override {
         return launches.add(std::move(callback));
