@@ -75,6 +75,12 @@ void turnLoop() {
     }
 }
 
+/// Turns the main loop until what is installed has been read.
+void waitUntilReady(const Applications& applications) {
+    while (!applications.isReady())
+        g_main_context_iteration(nullptr, TRUE);
+}
+
 /// Reports a scan that has seen too few processes.
 void checkCoverage(benchmark::State& state, const ProcessCoverage& seen, std::size_t crowd) {
     if (!seen.listed || seen.processes < crowd)
@@ -95,6 +101,7 @@ void firstScan(benchmark::State& state, Summary& summary) {
             scanner.reset();
             return secondsOf([&] {
                 scanner.emplace(loop, log);
+                waitUntilReady(scanner->applications);
                 scanner->monitor.scan();
                 turnLoop();
             });
@@ -113,6 +120,7 @@ void nextScan(benchmark::State& state, Summary& summary) {
     NoLog log;
     BarePass bare;
     Scanner scanner(loop, log);
+    waitUntilReady(scanner.applications);
     const auto scan = [&] {
         scanner.monitor.scan();
         turnLoop();

@@ -3,7 +3,7 @@
 #include "Expect.h"
 #include "platform/linux/glib/Handles.h"
 #include "platform/linux/glib/Utf8.h"
-#include "platform/linux/processes/DesktopEntries.h"
+#include "platform/linux/processes/DesktopEntry.h"
 #include "platform/linux/processes/ProcFormats.h"
 
 #include <algorithm>

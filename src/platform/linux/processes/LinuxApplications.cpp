@@ -42,13 +42,14 @@ LinuxApplications::LinuxApplications(MainLoop& loop, LinuxProcessTable& processT
       entries(entries_),
       scopes(std::move(scopes_)),
       launches(loop),
-      quits(loop) {}
+      quits(loop),
+      entriesObserver(entries_.onChange([this] { noteEntries(); })) {}
 
 std::vector<RunningApplication> LinuxApplications::runningApplications() {
     const auto* const processes = processTable.look();
-    if (!processes)
-        return {};
     entries.refresh();
+    if (!processes || !isReady())
+        return {};
 
     std::map<std::string, std::vector<const Process*>> processesOf;
     std::map<std::string, Identity> identities;
@@ -80,6 +81,14 @@ std::optional<std::string> LinuxApplications::ownBundleIdentifier() const {
     return "com.veltran.QuorvaApp";
 }
 
+bool LinuxApplications::isReady() const {
+    return entries.isRead();
+}
+
+Subscription LinuxApplications::onReady(Task callback) {
+    return isReady() ? Subscription() : readies.add(std::move(callback));
+}
+
 Subscription LinuxApplications::onLaunch(Task callback) {
     return launches.callbacks.add(std::move(callback));
 }
@@ -94,6 +103,12 @@ void LinuxApplications::noteLaunch() {
 
 void LinuxApplications::noteQuit() {
     quits.note();
+}
+
+/// Something else is installed than before, or that is known for the first time.
+void LinuxApplications::noteEntries() {
+    std::exchange(readies, {}).call();
+    noteLaunch();
 }
 
 void LinuxApplications::Burst::note() {
@@ -158,7 +173,7 @@ std::optional<LinuxApplications::Identity> LinuxApplications::ownIdentity(const 
     if (process.executable.find("/.mount_") != std::string::npos)
         if (auto appImage = identityOfAppImage(process))
             return appImage;
-    if (const auto* const entry = entries.byProgram(program))
+    if (const auto* const entry = entries.index().byProgram(program))
         return identityOfEntry(*entry, process);
     if (const auto name = lastPathComponent(program); knownIdentifier(name))
         return identityOfId(name, process);
@@ -173,7 +188,7 @@ LinuxApplications::Identity LinuxApplications::identityOfEntry(const DesktopEntr
 
 LinuxApplications::Identity LinuxApplications::identityOfId(std::string_view id,
                                                             const Process& process) const {
-    if (const auto* const entry = entries.byId(id))
+    if (const auto* const entry = entries.index().byId(id))
         return identityOfEntry(*entry, process);
     return identityOfEntry({.id = std::string(id)}, process);
 }
@@ -181,7 +196,7 @@ LinuxApplications::Identity LinuxApplications::identityOfId(std::string_view id,
 LinuxApplications::Identity LinuxApplications::identityOfSnap(const std::string& snap,
                                                               const Process& process) const {
     Identity identity{.key = "snap." + snap};
-    if (const auto* const entry = entries.bySnap(snap))
+    if (const auto* const entry = entries.index().bySnap(snap))
         identity.name = entry->name;
     identity.identifier =
         knownIdentifierOf({snap, lastPathComponent(process.program)}).value_or(snap);
@@ -213,7 +228,7 @@ LinuxApplications::identityOfAppImage(const Process& process) {
         if (!entry.starts_with(variable))
             continue;
         const auto image = executableOfLink(entry.substr(variable.size()));
-        if (const auto* const known = entries.byProgram(image))
+        if (const auto* const known = entries.index().byProgram(image))
             return identityOfEntry(*known, process);
         return Identity{.key = image,
                         .name = nameOfAppImage(image),

@@ -23,6 +23,8 @@ public:
 
     [[nodiscard]] std::vector<RunningApplication> runningApplications() override;
     [[nodiscard]] std::optional<std::string> ownBundleIdentifier() const override;
+    [[nodiscard]] bool isReady() const override;
+    [[nodiscard]] Subscription onReady(Task callback) override;
     [[nodiscard]] Subscription onLaunch(Task callback) override;
     [[nodiscard]] Subscription onQuit(Task callback) override;
 
@@ -58,6 +60,7 @@ private:
         Lifetime lifetime;
     };
 
+    void noteEntries();
     [[nodiscard]] std::optional<Identity> ownIdentity(const Process& process);
     [[nodiscard]] Identity identityOfEntry(const DesktopEntry& entry, const Process& process) const;
     [[nodiscard]] Identity identityOfId(std::string_view id, const Process& process) const;
@@ -76,6 +79,8 @@ private:
     const ApplicationScopes scopes;
     Burst launches;
     Burst quits;
+    CallbackList<> readies;
+    Subscription entriesObserver;
 };
 
 } // namespace quorva

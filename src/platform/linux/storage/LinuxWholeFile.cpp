@@ -1,5 +1,6 @@
 #include "platform/linux/storage/LinuxWholeFile.h"
 
+#include "platform/linux/glib/FileStamps.h"
 #include "platform/linux/glib/Handles.h"
 #include "platform/linux/glib/ReadFile.h"
 #include "platform/linux/storage/LinuxFileSystem.h"
@@ -10,7 +11,6 @@
 #include <cerrno>
 #include <cstdio>
 #include <fcntl.h>
-#include <sys/stat.h>
 
 namespace quorva {
 namespace {
@@ -28,17 +28,6 @@ fs::path followedLinks(fs::path path) {
     for (int links = 0; links < 16 && fs::is_symlink(fs::symlink_status(path, error)); ++links)
         path = path.parent_path() / fs::read_symlink(path, error); // an absolute target replaces
     return path;
-}
-
-FileStamp stampOf(const struct stat& status) {
-    const auto nanoseconds = [](const timespec& time) {
-        return static_cast<std::int64_t>(time.tv_sec) * 1'000'000'000 + time.tv_nsec;
-    };
-    return {.device = status.st_dev,
-            .inode = status.st_ino,
-            .size = status.st_size,
-            .modified = nanoseconds(status.st_mtim),
-            .changed = nanoseconds(status.st_ctim)};
 }
 
 /// The errno that GLib's error was made from. GLib's codes leave some out (EDQUOT, EFBIG), which
@@ -77,13 +66,10 @@ bool renameToUnused(const fs::path& from, const fs::path& to) {
 LinuxWholeFile::LinuxWholeFile(fs::path path) : file(followedLinks(std::move(path))) {}
 
 std::optional<FileStamp> LinuxWholeFile::stamp(std::error_code& error) const {
-    error.clear();
-    struct stat status {};
-    if (::stat(file.c_str(), &status) == 0)
-        return stampOf(status);
-    if (errno != ENOENT)
-        error = lastError();
-    return std::nullopt;
+    const auto stamp = stampAt(file, error);
+    if (error == std::errc::no_such_file_or_directory)
+        error.clear();
+    return stamp;
 }
 
 std::optional<WholeFile::Content> LinuxWholeFile::read(std::error_code& error) const {

@@ -1,5 +1,6 @@
 #include "platform/linux/processes/LinuxApplications.h"
 
+#include "support/Eventually.h"
 #include "support/ProcTree.h"
 #include "support/RecordingLog.h"
 #include "support/VirtualMainLoop.h"
@@ -23,7 +24,9 @@ std::string entryText(std::string_view name, std::string_view exec, std::string_
 class LinuxApplicationsTest : public testing::Test {
 protected:
     void install(std::string_view file, std::string_view text) const {
-        disk.write(std::filesystem::path("applications") / file, text);
+        disk.write("staged", text); // and put there in one step
+        std::filesystem::create_directories((folder / file).parent_path());
+        std::filesystem::rename(disk.path / "staged", folder / file);
     }
     void scope(std::string_view unit, std::string_view processes) const {
         disk.write(
@@ -31,14 +34,32 @@ protected:
                 unit / "cgroup.procs",
             processes);
     }
+    /// Starts to read what is installed by now.
+    void start() {
+        entries.emplace(loop, log,
+                        DesktopEntryPlaces{.folders = {disk.path / "home", folder},
+                                           .searchPath = {disk.path / "bin"}});
+        applications.emplace(loop, table, *entries, ApplicationScopes(disk.path / "cgroup", 1000));
+    }
     /// Each application as "identifier|name|process".
     std::vector<std::string> running() {
         loop.runPosted();
         std::vector<std::string> texts;
-        for (const auto& a : applications.runningApplications())
+        for (const auto& a : applications->runningApplications())
             texts.push_back(fmt::format("{}|{}|{}", a.bundleIdentifier.value_or("-"),
                                         a.localizedName.value_or("-"), a.processIdentifier));
         return texts;
+    }
+    /// Adopts what has been read of the entries until this is what runs.
+    void expectRunning(const std::vector<std::string>& expected) {
+        if (!applications)
+            start();
+        const bool isSo = eventually(loop, [&] {
+            while (g_main_context_iteration(nullptr, FALSE) != FALSE) {
+            }
+            return applications->isReady() && running() == expected;
+        });
+        EXPECT_TRUE(isSo) << testing::PrintToString(running());
     }
     std::string program(std::string_view name) const { return (disk.path / "bin" / name).string(); }
 
@@ -47,12 +68,9 @@ protected:
     VirtualMainLoop loop;
     RecordingLog log;
     LinuxProcessTable table{loop, log, proc.path()};
-    DesktopEntries entries{loop,
-                           log,
-                           {.folders = {disk.path / "home", disk.path / "applications"},
-                            .searchPath = {disk.path / "bin"}}};
-    LinuxApplications applications{loop, table, entries,
-                                   ApplicationScopes(disk.path / "cgroup", 1000)};
+    std::optional<DesktopEntries> entries;
+    std::optional<LinuxApplications> applications;
+    const std::filesystem::path folder = disk.path / "applications";
 };
 
 TEST_F(LinuxApplicationsTest, listsAnEntrysProgramOnceByItsTopmostProcess) {
@@ -61,8 +79,8 @@ TEST_F(LinuxApplicationsTest, listsAnEntrysProgramOnceByItsTopmostProcess) {
     proc.add(40, program("otter"), {}, 1);
     proc.add(30, program("otter"), {}, 50);
     proc.add(20, "/usr/bin/other");
-    EXPECT_THAT(running(), ElementsAre("com.aisense.otter|Otter|40"));
-    EXPECT_EQ(applications.runningApplications()[0].executablePath, program("otter"));
+    expectRunning({"com.aisense.otter|Otter|40"});
+    EXPECT_EQ(applications->runningApplications()[0].executablePath, program("otter"));
 }
 
 TEST_F(LinuxApplicationsTest, followsTheWaysInWhichEntriesStartPrograms) {
@@ -84,8 +102,8 @@ TEST_F(LinuxApplicationsTest, followsTheWaysInWhichEntriesStartPrograms) {
     proc.add(5, program("browser"));
     proc.add(6, "/usr/bin/flatpak");
     proc.add(7, "/usr/bin/python3", {"python3", "other.py"});
-    EXPECT_THAT(running(), ElementsAre("link|Link|1", "name|ByName|2", "sub-script|Script|3",
-                                       "owner|Owner|4", "zbrowser|Browser|5"));
+    expectRunning({"link|Link|1", "name|ByName|2", "sub-script|Script|3", "owner|Owner|4",
+                   "zbrowser|Browser|5"});
 }
 
 TEST_F(LinuxApplicationsTest, prefersTheUsersEntryAndHonoursItsDeletion) {
@@ -95,7 +113,7 @@ TEST_F(LinuxApplicationsTest, prefersTheUsersEntryAndHonoursItsDeletion) {
     disk.write("home/b.desktop", entryText("Mine", program("b"), "Hidden=true\n"));
     proc.add(1, program("a"));
     proc.add(2, program("b"));
-    EXPECT_THAT(running(), ElementsAre("a|Mine|1"));
+    expectRunning({"a|Mine|1"});
 }
 
 TEST_F(LinuxApplicationsTest, usesTheCataloguesIdentifiers) {
@@ -103,8 +121,8 @@ TEST_F(LinuxApplicationsTest, usesTheCataloguesIdentifiers) {
     proc.add(1, program("chromium"));
     proc.add(2, "/opt/zoom/zoom");
     proc.add(3, "/snap/slack/120/usr/lib/slack/slack");
-    EXPECT_THAT(running(), ElementsAre("com.google.Chrome|Chromium|1", "us.zoom.xos|-|2",
-                                       "com.tinyspeck.slackmacgap|-|3"));
+    expectRunning(
+        {"com.google.Chrome|Chromium|1", "us.zoom.xos|-|2", "com.tinyspeck.slackmacgap|-|3"});
 }
 
 TEST_F(LinuxApplicationsTest, takesAScopesWordForWhatWasStartedInIt) {
@@ -123,9 +141,8 @@ TEST_F(LinuxApplicationsTest, takesAScopesWordForWhatWasStartedInIt) {
     proc.add(20, program("chrome"));
     proc.add(21, program("chrome"), {}, 20);
     proc.add(30, "/usr/bin/electron", {"electron", "main.js"});
-    EXPECT_THAT(running(),
-                ElementsAre("org.kde.konsole|Konsole|10", "org.mozilla.firefox|Firefox|12",
-                            "otter-web|Otter|20", "granola|-|30"));
+    expectRunning({"org.kde.konsole|Konsole|10", "org.mozilla.firefox|Firefox|12",
+                   "otter-web|Otter|20", "granola|-|30"});
 }
 
 TEST_F(LinuxApplicationsTest, knowsFlatpaksSnapsAndAppImages) {
@@ -140,7 +157,7 @@ TEST_F(LinuxApplicationsTest, knowsFlatpaksSnapsAndAppImages) {
     proc.write(4, "environ", "A=b\0APPIMAGE=/home/u/Otter-1.2-x86_64.AppImage\0"sv);
     proc.add(5, "/tmp/.mount_OtterAbCdEf/helper", {}, 4);
     proc.write(5, "environ", "APPIMAGE=/home/u/Otter-1.2-x86_64.AppImage");
-    EXPECT_THAT(running(), ElementsAre("us.zoom.xos|Zoom|1", "notta|Notta|3", "-|Otter|4"));
+    expectRunning({"us.zoom.xos|Zoom|1", "notta|Notta|3", "-|Otter|4"});
 }
 
 TEST_F(LinuxApplicationsTest, leavesOutBadEntriesAndSaysSoOnce) {
@@ -156,34 +173,63 @@ TEST_F(LinuxApplicationsTest, leavesOutBadEntriesAndSaysSoOnce) {
     std::filesystem::create_directory_symlink(".", disk.path / "applications/again");
     proc.add(1, program("good"));
     proc.add(2, program("huge"));
-    EXPECT_THAT(running(), ElementsAre("good|Good|1"));
+    expectRunning({"good|Good|1"});
+    install("added.desktop", entryText("Added", program("huge")));
     loop.advance(600s);
-    EXPECT_THAT(running(), ElementsAre("good|Good|1"));
+    expectRunning({"good|Good|1", "added|Added|2"});
     for (const auto* file : {"truncated", "empty", "huge", "pipe", "loop"})
         EXPECT_EQ(log.count(fmt::format("/{}.desktop is left out", file)), 1U) << file;
     EXPECT_EQ(log.messages.size(), 5U);
 }
 
-TEST_F(LinuxApplicationsTest, noticesInstalledAndRemovedEntries) {
+TEST_F(LinuxApplicationsTest, noticesInstalledChangedAndRemovedEntries) {
+    const auto nextTick = [] { std::this_thread::sleep_for(20ms); }; // of the file system's clock
+    disk.write("other/otter.desktop", entryText("Otter", program("otter")));
     proc.add(1, program("otter"));
-    EXPECT_THAT(running(), IsEmpty());
+    expectRunning({});
+    loop.advance(1s);
+    int told = 0;
+    const auto subscription = applications->onLaunch([&] { ++told; });
+    std::filesystem::rename(disk.path / "other", folder);
+    expectRunning({"otter|Otter|1"});
+    EXPECT_EQ(told, 1);
+    nextTick();
+    disk.write("applications/otter.desktop", entryText("Renamed", program("otter")));
+    loop.advance(300s); // the folder's time does not show it
+    expectRunning({"otter|Renamed|1"});
+    nextTick();
+    std::filesystem::remove(folder / "otter.desktop");
+    expectRunning({});
+}
+
+TEST_F(LinuxApplicationsTest, listsNothingUntilEntriesAreReadOrTakeTooLong) {
     install("otter.desktop", entryText("Otter", program("otter")));
-    EXPECT_THAT(running(), ElementsAre("otter|Otter|1"));
-    std::filesystem::remove(disk.path / "applications/otter.desktop");
+    proc.add(1, program("otter"));
+    proc.add(2, "/opt/zoom/zoom");
+    start();
+    int ready = 0;
+    const auto subscription = applications->onReady([&] { ++ready; });
     EXPECT_THAT(running(), IsEmpty());
+    EXPECT_FALSE(applications->isReady());
+    loop.advance(10s);
+    EXPECT_TRUE(applications->isReady());
+    EXPECT_THAT(running(), ElementsAre("us.zoom.xos|-|2"));
+    expectRunning({"otter|Otter|1", "us.zoom.xos|-|2"});
+    EXPECT_EQ(ready, 1);
 }
 
 TEST_F(LinuxApplicationsTest, tellsABurstOfLaunchesAtItsBeginningAndAtItsEnd) {
+    start();
     int told = 0;
-    const auto subscription = applications.onLaunch([&] { ++told; });
+    const auto subscription = applications->onLaunch([&] { ++told; });
     for (int i = 0; i < 50; ++i)
-        applications.noteLaunch();
+        applications->noteLaunch();
     EXPECT_EQ(told, 1);
-    loop.advance(10s);
+    loop.advance(9s);
     EXPECT_EQ(told, 2);
-    applications.noteLaunch();
+    applications->noteLaunch();
     EXPECT_EQ(told, 3);
-    applications.noteQuit();
+    applications->noteQuit();
     EXPECT_EQ(told, 3);
 }
 
