@@ -1,5 +1,6 @@
 // Draws the application's icon: the five bars on a light plate. Built and run with the programs, so
 // that the icon has the colours and lengths of the tray icon's bars.
+#include "base/ApplicationId.h"
 #include "ui/tray/MenuBarIcon.h"
 
 #include <QDir>
@@ -83,7 +84,7 @@ QString place(const QString& root, const QString& folder, const QString& extensi
     const auto path = root + "/hicolor/" + folder + "/apps";
     if (!QDir().mkpath(path))
         throw std::runtime_error("the folder can't be made: " + path.toStdString());
-    return path + "/com.veltran.QuorvaApp." + extension;
+    return path + "/" + applicationId + "." + extension;
 }
 
 void draw(const QString& root) {

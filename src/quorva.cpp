@@ -1,5 +1,6 @@
 // quorva: the application. Puts the Linux services, the core and the user interface together, makes
 // sure that it is the session's only instance, and shuts down in order.
+#include "base/ApplicationId.h"
 #include "core/AppDelegate.h"
 #include "core/AppState.h"
 #include "core/CalendarConsentDialog.h"
@@ -44,7 +45,6 @@ namespace {
 using namespace quorva;
 
 constexpr int cannotStart = 1;
-constexpr auto applicationId = "com.veltran.QuorvaApp";
 
 using Bus = GObjectPtr<GDBusConnection>;
 

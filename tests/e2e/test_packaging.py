@@ -11,7 +11,15 @@ from application import INSTANCE, Desktop
 from conftest import DEADLINE, PROGRAMS, wait_until
 
 PACKAGING = pathlib.Path(__file__).parents[2] / "packaging"
-ENTRY = (PACKAGING / f"{INSTANCE}.desktop").read_text()
+
+
+def template(name):
+    """What is installed under the name, made from its template."""
+    text = (PACKAGING / f"{name}.in").read_text()
+    return text.replace("@application_id@", INSTANCE).replace("@bin@", str(PROGRAMS))
+
+
+ENTRY = template(f"{INSTANCE}.desktop")
 
 
 @pytest.fixture
@@ -54,8 +62,8 @@ def test_manual_and_completion_know_every_option():
 def test_the_desktop_starts_it_by_its_name_and_its_actions_open_windows(desktop):
     services = desktop.home / "data/dbus-1/services"
     services.mkdir(parents=True)
-    service = (PACKAGING / f"{INSTANCE}.service.in").read_text()
-    (services / f"{INSTANCE}.service").write_text(service.replace("@bin@", str(PROGRAMS)))
+    service = f"{INSTANCE}.service"
+    (services / service).write_text(template(service))
     desktop.bus.get_object("org.freedesktop.DBus", "/org/freedesktop/DBus").ReloadConfig(
         dbus_interface="org.freedesktop.DBus")
 

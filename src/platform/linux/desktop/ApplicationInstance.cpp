@@ -1,5 +1,6 @@
 #include "platform/linux/desktop/ApplicationInstance.h"
 
+#include "base/ApplicationId.h"
 #include "platform/linux/glib/AsyncCall.h"
 #include "platform/linux/glib/BusSignals.h"
 #include "platform/linux/glib/MainContext.h"
@@ -11,8 +12,8 @@
 namespace quorva {
 namespace {
 
-constexpr const char* name = "com.veltran.QuorvaApp";
-constexpr const char* path = "/com/veltran/QuorvaApp";
+constexpr auto name = applicationId;
+constexpr auto path = applicationObjectPath;
 constexpr const char* interface = "org.freedesktop.Application";
 constexpr const char* dbusName = "org.freedesktop.DBus";
 constexpr const char* dbusPath = "/org/freedesktop/DBus";

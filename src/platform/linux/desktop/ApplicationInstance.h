@@ -1,4 +1,4 @@
-// One Quorva in a session: the first one owns the bus name com.veltran.QuorvaApp and is activated
+// One Quorva in a session: the first one owns the bus name `applicationId` and is activated
 // when the program is started again (interface org.freedesktop.Application of the Desktop Entry
 // Specification 1.5, "D-Bus Activation").
 #pragma once

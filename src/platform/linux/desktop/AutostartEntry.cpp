@@ -1,5 +1,6 @@
 #include "platform/linux/desktop/AutostartEntry.h"
 
+#include "base/ApplicationId.h"
 #include "platform/linux/glib/Handles.h"
 #include "platform/linux/glib/Utf8.h"
 #include "platform/linux/storage/LinuxWholeFile.h"
@@ -44,7 +45,8 @@ Time lastChange(const FileStamp& stamp) {
 } // namespace
 
 AutostartEntry::AutostartEntry(const fs::path& folder, std::string program_)
-    : file(folder / "autostart" / "com.veltran.QuorvaApp.desktop"), program(std::move(program_)) {}
+    : file(folder / "autostart" / (std::string(applicationId) + ".desktop")),
+      program(std::move(program_)) {}
 
 LoginItemStatus AutostartEntry::status() const {
     std::error_code error;
@@ -86,7 +88,7 @@ std::optional<std::string> AutostartEntry::enable() const {
     set(G_KEY_FILE_DESKTOP_KEY_TYPE, G_KEY_FILE_DESKTOP_TYPE_APPLICATION);
     setUnlessThere(G_KEY_FILE_DESKTOP_KEY_NAME, "Quorva");
     setUnlessThere(G_KEY_FILE_DESKTOP_KEY_COMMENT, "Tells when an AI note-taker joins a meeting");
-    setUnlessThere(G_KEY_FILE_DESKTOP_KEY_ICON, "com.veltran.QuorvaApp");
+    setUnlessThere(G_KEY_FILE_DESKTOP_KEY_ICON, applicationId);
     set(G_KEY_FILE_DESKTOP_KEY_EXEC, execOf(program));
     // Not removed: where the key is there twice, only the last one would go, and the other count.
     if (g_key_file_has_key(entry.get(), group, G_KEY_FILE_DESKTOP_KEY_HIDDEN, nullptr) != FALSE)

@@ -1,13 +1,12 @@
 #include "platform/linux/notifications/NotificationProtocol.h"
 
+#include "base/ApplicationId.h"
 #include "platform/linux/glib/Utf8.h"
 
 namespace quorva::notifications {
 namespace {
 
 constexpr const char* programName = "Quorva";
-constexpr const char* programIdentifier =
-    "com.veltran.QuorvaApp"; // names its desktop entry and icon
 constexpr std::int32_t serversOwnTime = -1;
 
 bool changesDirection(gunichar character) {
@@ -83,7 +82,7 @@ GVariant* encodeHints(const NotificationRequest& request) {
         g_variant_builder_add(&hints, "{sv}", key, value);
     };
     add("urgency", g_variant_new_byte(urgencyLevel(request.urgency)));
-    add("desktop-entry", g_variant_new_string(programIdentifier));
+    add("desktop-entry", g_variant_new_string(applicationId));
     if (request.hasSound)
         add("sound-name", g_variant_new_string("message-new-instant"));
     else
@@ -174,8 +173,8 @@ GVariant* encode(const NotificationRequest& request, const std::vector<Button>& 
                  std::uint32_t replaces, const Capabilities& capabilities) {
     const auto title = plainText(request.title, maxTitle, Lines::join);
     const auto body = plainText(request.body, maxBody, Lines::keep);
-    return g_variant_new("(susss@as@a{sv}i)", programName, replaces, programIdentifier,
-                         title.c_str(), (capabilities.bodyMarkup ? escaped(body) : body).c_str(),
+    return g_variant_new("(susss@as@a{sv}i)", programName, replaces, applicationId, title.c_str(),
+                         (capabilities.bodyMarkup ? escaped(body) : body).c_str(),
                          encodeButtons(capabilities.actions ? buttons : std::vector<Button>{}),
                          encodeHints(request), serversOwnTime);
 }

@@ -1,5 +1,6 @@
 #include "platform/linux/processes/LinuxApplications.h"
 
+#include "base/ApplicationId.h"
 #include "base/Text.h"
 #include "platform/linux/glib/Handles.h"
 #include "platform/linux/processes/ApplicationIdentifiers.h"
@@ -78,7 +79,7 @@ std::vector<RunningApplication> LinuxApplications::runningApplications() {
 }
 
 std::optional<std::string> LinuxApplications::ownBundleIdentifier() const {
-    return "com.veltran.QuorvaApp";
+    return applicationId;
 }
 
 bool LinuxApplications::isReady() const {

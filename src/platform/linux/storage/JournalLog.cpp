@@ -1,5 +1,7 @@
 #include "platform/linux/storage/JournalLog.h"
 
+#include "base/ApplicationId.h"
+
 #include <syslog.h>
 
 #define SD_JOURNAL_SUPPRESS_LOCATION // the location is the caller's, not this file's
@@ -33,7 +35,7 @@ void JournalLog::send(LogLevel level, std::string_view message, QuorvaLogCategor
         "MESSAGE=" + std::string(message),
         "PRIORITY=" + std::to_string(priorityOf(level)),
         "QUORVA_CATEGORY=" + std::string(category.category),
-        std::string("QUORVA_SUBSYSTEM=com.veltran.QuorvaApp"),
+        std::string("QUORVA_SUBSYSTEM=") + applicationId,
         std::string("SYSLOG_IDENTIFIER=quorva"),
         "CODE_FILE=" + std::string(site.file),
         "CODE_LINE=" + std::to_string(site.line),
