@@ -1,6 +1,7 @@
 #include "detectors/CalendarMonitor.h"
 
 #include "base/Text.h"
+#include "detectors/Difference.h"
 
 #include <fmt/format.h>
 
@@ -179,8 +180,8 @@ void CalendarMonitor::complete(const CalendarWindow& window, Time now) {
     auto fresh = withoutDismissed(findBots(window.events, now));
     keepFailed(fresh, window.failed, now);
     const Detections old = *calendarDetections; // a callback may dismiss one
-    announce(fresh, detectionKeys(old));
-    retire(old, detectionKeys(fresh));
+    announce(fresh, old);
+    forEachMissing<CalendarBotDetection>(old, fresh, detectionKey, onBotDisappeared);
 
     std::stable_sort(fresh.begin(), fresh.end(), [](const auto& a, const auto& b) {
         return a.eventStartDate < b.eventStartDate;
@@ -260,17 +261,13 @@ void CalendarMonitor::keepFailed(Detections& fresh, const std::vector<FailedCale
             fresh.push_back(old);
 }
 
-void CalendarMonitor::announce(const Detections& fresh, const KeySet& oldKeys) {
-    for (const auto& detection : fresh)
-        if (!oldKeys.contains(detectionKey(detection)) &&
-            alertedDetections.insert(hashedDetectionKey(detection)).second && onBotDetected)
-            onBotDetected(detection);
-}
-
-void CalendarMonitor::retire(const Detections& old, const KeySet& newKeys) {
-    for (const auto& detection : old)
-        if (!newKeys.contains(detectionKey(detection)) && onBotDisappeared)
-            onBotDisappeared(detection);
+/// What was announced in an earlier run, or before it was gone for a while, is not announced again.
+void CalendarMonitor::announce(const Detections& fresh, const Detections& old) {
+    forEachMissing<CalendarBotDetection>(
+        fresh, old, detectionKey, [this](const CalendarBotDetection& detection) {
+            if (alertedDetections.insert(hashedDetectionKey(detection)).second && onBotDetected)
+                onBotDetected(detection);
+        });
 }
 
 /// Publishes which calendars could not be read, and logs each when it begins to fail.

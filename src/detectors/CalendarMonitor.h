@@ -95,8 +95,7 @@ private:
     makeDetection(const CalendarParticipant& attendee, const CalendarEvent& event) const;
     [[nodiscard]] Detections withoutDismissed(Detections found) const;
     void keepFailed(Detections& fresh, const std::vector<FailedCalendar>& failed, Time now) const;
-    void announce(const Detections& fresh, const KeySet& oldKeys);
-    void retire(const Detections& old, const KeySet& newKeys);
+    void announce(const Detections& fresh, const Detections& old);
     void reportFailed(const std::vector<FailedCalendar>& failed);
     [[nodiscard]] std::string hashedDetectionKey(const CalendarBotDetection& detection) const;
     [[nodiscard]] KeySet loadKeys(const PreferenceKey<std::vector<std::string>>& key) const;

@@ -1,6 +1,7 @@
 #include "detectors/MeetingParticipantMonitor.h"
 
 #include "base/Text.h"
+#include "detectors/Difference.h"
 #include "detectors/WindowScan.h"
 
 #include <fmt/format.h>
@@ -30,19 +31,10 @@ void append(std::vector<Element>& all, const std::vector<Element>& more) {
 template <typename Detection>
 void announce(const std::vector<Detection>& next,
               const std::vector<Detection> previous, // a callback may change the list
-              std::unordered_set<std::string>& previousIds,
               const std::function<void(const Detection&)>& onDetected,
               const std::function<void(const Detection&)>& onDisappeared) {
-    std::unordered_set<std::string> ids;
-    for (const auto& detection : next)
-        ids.insert(detection.id);
-    for (const auto& detection : next)
-        if (!previousIds.contains(detection.id) && onDetected)
-            onDetected(detection);
-    for (const auto& detection : previous)
-        if (!ids.contains(detection.id) && onDisappeared)
-            onDisappeared(detection);
-    previousIds = std::move(ids);
+    forEachMissing(next, previous, &Detection::id, onDetected);
+    forEachMissing(previous, next, &Detection::id, onDisappeared);
 }
 
 } // namespace
@@ -372,17 +364,20 @@ void MeetingParticipantMonitor::publish(Pass& pass) {
     std::stable_sort(foundBots.begin(), foundBots.end(),
                      [](const auto& a, const auto& b) { return a.confidence > b.confidence; });
     auto bots = retainedBots.endPass(std::move(foundBots), pass.now,
-                                     [this](const auto& bot) { return reachOf(bot); });
+                                     [this](const auto& bot, const Absence& absence) {
+                                         return meetingGracePeriod(absence, reachOf(bot));
+                                     });
     auto indicators = retainedIndicators.endPass(
-        firstOfEachKey(std::move(pass.indicators)), pass.now, [&](const auto& indicator) {
+        firstOfEachKey(std::move(pass.indicators)), pass.now,
+        [&](const auto& indicator, const Absence& absence) {
             auto reach = reachOf(indicator);
             reach.isOver =
                 pass.activeMeetingPlatform && pass.activeMeetingPlatform != indicator.platformName;
-            return reach;
+            return meetingGracePeriod(absence, reach);
         });
 
-    announce(bots, *participantBotDetections, previousBotIds, onBotDetected, onBotDisappeared);
-    announce(indicators, *recordingIndicators, previousIndicatorIds, onRecordingIndicatorDetected,
+    announce(bots, *participantBotDetections, onBotDetected, onBotDisappeared);
+    announce(indicators, *recordingIndicators, onRecordingIndicatorDetected,
              onRecordingIndicatorDisappeared);
     participantBotDetections = std::move(bots);
     recordingIndicators = std::move(indicators);

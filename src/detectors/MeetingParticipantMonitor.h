@@ -22,7 +22,6 @@
 #include <set>
 #include <string>
 #include <string_view>
-#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -175,8 +174,6 @@ private:
     MeetingWindowWalks walks;
     std::set<WindowKey> failingWindows; ///< that have been logged
     std::set<WindowKey> waitingWindows; ///< that the last pass found not read yet
-    std::unordered_set<std::string> previousBotIds;
-    std::unordered_set<std::string> previousIndicatorIds;
     Retention<ParticipantBotDetection> retainedBots;
     Retention<RecordingIndicatorDetection> retainedIndicators;
     ProcessesByPlatform knownActiveMeetingPIDs; ///< in which there was a meeting; while they run

@@ -1,43 +1,31 @@
 #include "detectors/ProcessMonitor.h"
 
 #include "base/Text.h"
+#include "detectors/Difference.h"
 
 #include <algorithm>
+#include <tuple>
 
 namespace quorva {
 namespace {
-
-const DetectedBot* findBot(const std::vector<DetectedBot>& bots, const std::string& signatureId) {
-    const auto found = std::find_if(bots.begin(), bots.end(), [&](const DetectedBot& bot) {
-        return bot.signatureId == signatureId;
-    });
-    return found == bots.end() ? nullptr : &*found;
-}
 
 std::optional<std::string> lowerCased(const std::optional<std::string>& text) {
     return text ? std::optional(quorva::lowerCased(*text)) : std::nullopt;
 }
 
 /// The most confident detection of each product; of equal ones the one found first.
-std::map<std::string, DetectedBot> bestPerProduct(std::vector<DetectedBot> found) {
-    std::map<std::string, DetectedBot> best;
-    for (auto& bot : found) {
-        const auto [at, isNew] = best.try_emplace(bot.signatureId, bot);
-        if (!isNew && bot.confidence > at->second.confidence)
-            at->second = std::move(bot);
-    }
-    return best;
-}
-
-std::vector<DetectedBot> byConfidence(std::map<std::string, DetectedBot>&& bots) {
-    std::vector<DetectedBot> list;
-    list.reserve(bots.size());
-    for (auto& [signatureId, bot] : bots)
-        list.push_back(std::move(bot));
-    std::stable_sort(list.begin(), list.end(), [](const DetectedBot& a, const DetectedBot& b) {
+std::vector<DetectedBot> bestPerProduct(std::vector<DetectedBot> found) {
+    std::stable_sort(found.begin(), found.end(), [](const DetectedBot& a, const DetectedBot& b) {
         return a.confidence > b.confidence;
     });
-    return list;
+    return firstOfEachKey(std::move(found));
+}
+
+void sortByConfidence(std::vector<DetectedBot>& bots) {
+    std::sort(bots.begin(), bots.end(), [](const DetectedBot& a, const DetectedBot& b) {
+        return std::tuple(-a.confidence, std::string_view(a.signatureId)) <
+               std::tuple(-b.confidence, std::string_view(b.signatureId));
+    });
 }
 
 } // namespace
@@ -69,11 +57,11 @@ void ProcessMonitor::scan() {
         return;
     isScanning = true;
 
-    auto current = bestPerProduct(findBots());
-    const Time now = loop.now();
-    countSightings(current, now);
-    keepThroughGrace(current, now);
-    auto next = byConfidence(std::move(current));
+    auto next = retained.endPass(bestPerProduct(findBots()), loop.now(),
+                                 [](const DetectedBot&, const Absence& absence) {
+                                     return processGracePeriods.after(absence);
+                                 });
+    sortByConfidence(next);
     announce(next);
 
     detectedBots = std::move(next);
@@ -84,8 +72,7 @@ void ProcessMonitor::scan() {
 }
 
 void ProcessMonitor::forceRescan() {
-    lastSeenTimes.clear();
-    seenCounts.clear();
+    retained.clear();
     scan();
 }
 
@@ -176,48 +163,16 @@ DetectedBot ProcessMonitor::makeBot(const BotMatch& match, DetectionMethod metho
     };
 }
 
-void ProcessMonitor::countSightings(const std::map<SignatureId, DetectedBot>& current, Time now) {
-    for (const auto& [signatureId, bot] : current) {
-        lastSeenTimes[signatureId] = now;
-        ++seenCounts[signatureId];
-    }
-}
-
-void ProcessMonitor::keepThroughGrace(std::map<SignatureId, DetectedBot>& current, Time now) {
-    for (const auto& old : *detectedBots) {
-        if (current.contains(old.signatureId))
-            continue;
-        if (isWithinGrace(old.signatureId, now)) {
-            current.emplace(old.signatureId, old);
-        } else {
-            lastSeenTimes.erase(old.signatureId);
-            seenCounts.erase(old.signatureId);
-        }
-    }
-}
-
-bool ProcessMonitor::isWithinGrace(const SignatureId& signatureId, Time now) const {
-    const auto lastSeen = lastSeenTimes.find(signatureId);
-    if (lastSeen == lastSeenTimes.end())
-        return false;
-    const auto seen = seenCounts.find(signatureId);
-    const bool confirmed = seen != seenCounts.end() && seen->second >= confirmedScanThreshold;
-    return now - lastSeen->second < (confirmed ? confirmedGracePeriod : baseGracePeriod);
-}
-
+/// A product that is found under another process is announced again.
 void ProcessMonitor::announce(const std::vector<DetectedBot>& next) {
-    for (const auto& bot : next) {
-        const auto* before = findBot(detectedBots, bot.signatureId);
-        if (!before || before->processIdentifier != bot.processIdentifier)
-            announceOnce(bot);
-    }
-    for (const auto& old : *detectedBots) {
-        if (findBot(next, old.signatureId))
-            continue;
-        knownDetections.erase(old.id);
-        if (onBotDisappeared)
-            onBotDisappeared(old);
-    }
+    forEachMissing<DetectedBot>(next, detectedBots, &DetectedBot::id,
+                                [this](const DetectedBot& bot) { announceOnce(bot); });
+    forEachMissing<DetectedBot>(detectedBots, next, &DetectedBot::signatureId,
+                                [this](const DetectedBot& old) {
+                                    knownDetections.erase(old.id);
+                                    if (onBotDisappeared)
+                                        onBotDisappeared(old);
+                                });
 }
 
 void ProcessMonitor::announceOnce(const DetectedBot& bot) {

@@ -7,11 +7,11 @@
 #include "base/Published.h"
 #include "catalogue/BotSignatureDatabase.h"
 #include "catalogue/Records.h"
+#include "detectors/Retention.h"
 #include "platform/Applications.h"
 #include "platform/ProcessTable.h"
 
 #include <functional>
-#include <map>
 #include <optional>
 #include <string>
 #include <unordered_map>
@@ -67,7 +67,6 @@ public:
     void forceRescan();
 
 private:
-    using SignatureId = std::string;
     struct ProcessMatch {
         BotMatch match;
         DetectionMethod method;
@@ -80,9 +79,6 @@ private:
     const std::optional<ProcessMatch>& matchProcess(const std::string& path);
     DetectedBot makeBot(const BotMatch& match, DetectionMethod method, ProcessIdentifier process,
                         std::string matchedValue) const;
-    void countSightings(const std::map<SignatureId, DetectedBot>& current, Time now);
-    void keepThroughGrace(std::map<SignatureId, DetectedBot>& current, Time now);
-    bool isWithinGrace(const SignatureId& signatureId, Time now) const;
     void announce(const std::vector<DetectedBot>& next);
     void announceOnce(const DetectedBot& bot);
     void watchExits();
@@ -94,10 +90,6 @@ private:
     const BotSignatureDatabase& database;
 
     const Seconds pollInterval{3.0};
-    const Seconds baseGracePeriod{9.0};
-    const int confirmedScanThreshold = 3;
-    const Seconds confirmedGracePeriod{15.0};
-
     const std::size_t maxRememberedPaths = 4096;
 
     Timer pollTimer;
@@ -106,8 +98,7 @@ private:
     std::unordered_set<std::string> knownDetections;
     std::unordered_map<std::string, std::optional<ProcessMatch>> matchOfPath;
     bool isScanning = false;
-    std::unordered_map<SignatureId, Time> lastSeenTimes;
-    std::unordered_map<SignatureId, int> seenCounts;
+    Retention<DetectedBot> retained;
 
     Lifetime lifetime;
 };

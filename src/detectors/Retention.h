@@ -1,6 +1,6 @@
-// How what was found in meetings is kept while it is not seen: shortly when nothing else is known,
-// longer once it has been seen several times, longest while the meeting goes on but its window
-// can't be looked at. Main thread only.
+// How detections are kept through gaps: for a short time when they have been seen once or twice,
+// for longer once they are confirmed. The monitors of processes and of meetings have rules of their
+// own for how long. Main thread only.
 #pragma once
 
 #include "base/Text.h"
@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <unordered_map>
 #include <unordered_set>
@@ -17,7 +18,11 @@
 
 namespace quorva {
 
-/// Under which key a detection is kept: the same bot or banner of a platform, however it is worded.
+/// The key under which a detection is kept: one product; the same bot or banner of a platform,
+/// whatever its wording.
+[[nodiscard]] inline std::string retentionKey(const DetectedBot& bot) {
+    return bot.signatureId;
+}
 [[nodiscard]] inline std::string retentionKey(const ParticipantBotDetection& bot) {
     return bot.platformName + "-" + lowerCased(bot.botDisplayName);
 }
@@ -33,22 +38,60 @@ template <typename Detection>
     return found;
 }
 
+/// How often a detection that this pass has missed was seen before, and missed since.
+struct Absence {
+    int sightings = 0;
+    int misses = 0; ///< in a row, this pass included
+};
+
+/// How long a detection is kept after its last sighting.
+struct GracePeriods {
+    Seconds base;
+    Seconds confirmed; ///< from the third sighting on
+
+    [[nodiscard]] Seconds after(const Absence& absence) const {
+        constexpr int confirmedScanThreshold = 3;
+        return absence.sightings < confirmedScanThreshold ? base : confirmed;
+    }
+};
+
+inline constexpr GracePeriods processGracePeriods{.base = Seconds(9), .confirmed = Seconds(15)};
+
 /// What a pass knows of the meetings that a detection belongs to.
 struct MeetingReach {
-    bool isRunning = false;    ///< a process in which there was one still runs
+    bool isRunning = false;    ///< a process that held one is still running
     bool isAccessible = false; ///< a window of one was looked at
-    bool isOver = false;       ///< whatever there was does not count any more
+    bool isOver = false;       ///< another platform's meeting has taken its place
 };
+
+/// How long what was found in a meeting is kept after its last sighting; nothing when it is not.
+/// The longest while the meeting goes on but its windows cannot be looked at, the shortest after
+/// three misses in windows that were.
+[[nodiscard]] inline std::optional<Seconds> meetingGracePeriod(const Absence& absence,
+                                                               const MeetingReach& reach) {
+    constexpr GracePeriods inSight{.base = Seconds(15), .confirmed = Seconds(60)};
+    constexpr GracePeriods inBackground{.base = Seconds(15), .confirmed = Seconds(300)};
+    constexpr Seconds goneGracePeriod{5};
+    constexpr int missesInSight = 3;
+    if (reach.isOver)
+        return std::nullopt;
+    if (reach.isAccessible && absence.misses >= missesInSight)
+        return goneGracePeriod;
+    const bool isHidden = reach.isRunning && !reach.isAccessible;
+    return (isHidden ? inBackground : inSight).after(absence);
+}
 
 template <typename Detection>
 class Retention {
 public:
-    /// Ends a pass at the time `now` that has found this, one detection a key. Returns it, followed
-    /// by what was found before and is still kept, in the order in which it was first seen.
-    /// `reachOf` tells the MeetingReach of a detection.
-    template <typename ReachOf>
+    /// Ends a pass at the time `now` that has found these detections, one a key. Returns them,
+    /// followed by those found before that are still kept, in the order of their first sightings.
+    ///
+    /// `periodOf(detection, absence)` returns for how long after its last sighting a missed
+    /// detection is kept, or nothing when it is not.
+    template <typename PeriodOf>
     [[nodiscard]] std::vector<Detection> endPass(std::vector<Detection> found, Time now,
-                                                 ReachOf&& reachOf) {
+                                                 PeriodOf&& periodOf) {
         ++pass;
         for (const auto& detection : found)
             see(detection, now);
@@ -56,7 +99,7 @@ public:
         for (auto at = entries.begin(); at != entries.end();) {
             auto& entry = at->second;
             const bool isSeen = entry.lastPass == pass;
-            if (!isSeen && !survivesMiss(entry, now, reachOf(entry.detection))) {
+            if (!isSeen && !survivesMiss(entry, now, periodOf)) {
                 at = entries.erase(at);
                 continue;
             }
@@ -71,14 +114,16 @@ public:
         return found;
     }
 
+    /// Drops all detections and their sightings.
+    void clear() { entries.clear(); }
+
 private:
     struct Entry {
         std::uint64_t number = 0; ///< in the order of first sighting
         Detection detection;      ///< the latest
         Time lastSeen;
         std::uint64_t lastPass = 0; ///< that has seen it
-        int seenCount = 0;
-        int consecutiveMisses = 0;
+        Absence absence;
     };
 
     void see(const Detection& detection, Time now) {
@@ -89,30 +134,16 @@ private:
         entry.detection = detection;
         entry.lastSeen = now;
         entry.lastPass = pass;
-        ++entry.seenCount;
-        entry.consecutiveMisses = 0;
+        ++entry.absence.sightings;
+        entry.absence.misses = 0;
     }
 
-    bool survivesMiss(Entry& entry, Time now, const MeetingReach& reach) const {
-        ++entry.consecutiveMisses;
-        return !reach.isOver && now - entry.lastSeen < gracePeriod(entry, reach);
+    template <typename PeriodOf>
+    static bool survivesMiss(Entry& entry, Time now, PeriodOf& periodOf) {
+        ++entry.absence.misses;
+        const std::optional<Seconds> period = periodOf(entry.detection, entry.absence);
+        return period && now - entry.lastSeen < *period;
     }
-
-    [[nodiscard]] Seconds gracePeriod(const Entry& entry, const MeetingReach& reach) const {
-        if (reach.isAccessible && entry.consecutiveMisses >= missesInSight)
-            return goneGracePeriod;
-        if (entry.seenCount < confirmedScanThreshold)
-            return baseGracePeriod;
-        return reach.isRunning && !reach.isAccessible ? backgroundedMeetingGracePeriod
-                                                      : confirmedGracePeriod;
-    }
-
-    const Seconds baseGracePeriod{15.0};
-    const int confirmedScanThreshold = 3;
-    const Seconds confirmedGracePeriod{60.0};
-    const Seconds backgroundedMeetingGracePeriod{300.0};
-    const Seconds goneGracePeriod{5.0}; ///< after this many misses in a window that was looked at
-    const int missesInSight = 3;
 
     std::unordered_map<std::string, Entry> entries;
     std::uint64_t count = 0;
