@@ -1,5 +1,5 @@
-// Any bytes in place of what tells applications apart: the texts of /proc, the names of systemd's
-// units, desktop entries. What is made of them is text, and comes from where it should.
+// Parses any bytes as the texts of /proc, the names of systemd's units and desktop entries. The
+// results are valid text and parts of the input.
 #include "Expect.h"
 #include "platform/linux/glib/Handles.h"
 #include "platform/linux/glib/Utf8.h"
@@ -15,7 +15,7 @@ using namespace quorva;
 
 namespace {
 
-/// The bytes as a program's name, which may hold what ends the name elsewhere.
+/// Parses the bytes as a program's name, which may contain the characters that end it.
 void readStat(const std::string& bytes) {
     if (const auto any = parseStat(bytes))
         expect(bytes.find(") ") != std::string::npos);
@@ -48,7 +48,7 @@ void readCommand(const std::string& bytes) {
     expect(path.find(name) != std::string::npos);
 }
 
-/// As systemd writes an application's id into the name of a unit.
+/// The id as systemd escapes it in a unit's name.
 std::string escaped(const std::string& id) {
     constexpr const char* digits = "0123456789abcdef";
     std::string text;

@@ -1,5 +1,5 @@
-// Any bytes in place of a preferences file: they are refused, or what was read of them survives
-// being written and read again, and so does what the file holds besides.
+// Parses any bytes as a preferences file. They are refused, or all of their content survives being
+// written and read again.
 #include "Expect.h"
 #include "platform/linux/storage/PreferencesFormat.h"
 
@@ -32,7 +32,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     expect(again.values() == document->values());
     expect(again.serialised() == written);
 
-    // The values under their own keys, set anew in an empty document, are the same values.
+    // Setting the same values in an empty document yields the same values.
     PreferencesDocument copy;
     for (const auto& [key, value] : document->values()) {
         expect(!again.apply(key, value));

@@ -13,7 +13,7 @@ std::optional<std::string> lowerCased(const std::optional<std::string>& text) {
     return text ? std::optional(quorva::lowerCased(*text)) : std::nullopt;
 }
 
-/// The most confident detection of each product; of equal ones the one found first.
+/// The most confident detection of each product; among equals, the first one found.
 std::vector<DetectedBot> bestPerProduct(std::vector<DetectedBot> found) {
     std::stable_sort(found.begin(), found.end(), [](const DetectedBot& a, const DetectedBot& b) {
         return a.confidence > b.confidence;
@@ -130,7 +130,7 @@ void ProcessMonitor::findProcesses(std::vector<DetectedBot>& found) {
     coverage = looked;
 }
 
-/// What the catalogue says of a path does not change: it is asked once, not at every scan.
+/// The catalogue's result for a path never changes, so it is cached.
 const std::optional<ProcessMonitor::ProcessMatch>&
 ProcessMonitor::matchProcess(const std::string& path) {
     if (const auto known = matchOfPath.find(path); known != matchOfPath.end())
@@ -180,7 +180,7 @@ void ProcessMonitor::announceOnce(const DetectedBot& bot) {
         onBotDetected(bot);
 }
 
-/// Follows the end of each process that is detected now, so that its going is looked at at once.
+/// Watches the end of each detected process, so that a scan follows at once.
 void ProcessMonitor::watchExits() {
     std::unordered_map<ProcessIdentifier, Subscription> watches;
     for (const auto& bot : *detectedBots) {

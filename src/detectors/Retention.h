@@ -47,7 +47,7 @@ struct Absence {
 /// How long a detection is kept after its last sighting.
 struct GracePeriods {
     Seconds base;
-    Seconds confirmed; ///< from the third sighting on
+    Seconds confirmed; ///< after three sightings or more
 
     [[nodiscard]] Seconds after(const Absence& absence) const {
         constexpr int confirmedScanThreshold = 3;

@@ -1,5 +1,5 @@
-// The applications of the current user session: programs as the user knows them, with a name and an
-// identifier, each listed once and not once per helper process.
+// The applications that run in the user's session. Each has a name and an identifier, and is listed
+// once, however many helper processes it has.
 #pragma once
 
 #include "platform/ProcessTable.h"

@@ -1,5 +1,5 @@
-// The files that the program keeps. Failures come back as error codes of the system category, so
-// that a test can play a full disk through the same operations the program uses.
+// The program's own files. Failures are returned as error codes of the system category, so that a
+// test can simulate a full disk.
 #pragma once
 
 #include <cstdint>
@@ -15,8 +15,8 @@ class AppendFile {
 public:
     virtual ~AppendFile() = default;
 
-    /// Appends all bytes or, as far as the system allows, none: what was written before a failure
-    /// is taken back.
+    /// Appends all bytes or, as far as the system allows, none: a part that was written before a
+    /// failure is removed again.
     [[nodiscard]] virtual std::error_code append(std::string_view bytes) = 0;
 
     /// The file's size in bytes.
@@ -25,7 +25,7 @@ public:
     /// Whether `path` still leads to this file: false after it was deleted or moved away.
     [[nodiscard]] virtual bool isAt(const std::filesystem::path& path) const = 0;
 
-    /// Closes the file. Reports what the system held back until then.
+    /// Closes the file. Returns write errors that the system reports only now.
     [[nodiscard]] virtual std::error_code close() = 0;
 };
 
@@ -35,16 +35,16 @@ public:
     virtual ~FileSystem() = default;
 
     /// Makes the directory, and those above it that are missing, for this user only (mode 0700).
-    /// One that exists is a success.
+    /// An existing directory is a success.
     [[nodiscard]] virtual std::error_code
     createDirectories(const std::filesystem::path& directory) = 0;
 
-    /// Opens a file for appending at its end; made empty, for this user only (mode 0600), when it
-    /// is missing. Null with `error` set on failure.
+    /// Opens a file for appending. A missing file is created empty, for this user only (mode 0600).
+    /// Null with `error` set on failure.
     [[nodiscard]] virtual std::unique_ptr<AppendFile>
     openForAppending(const std::filesystem::path& path, std::error_code& error) = 0;
 
-    /// Whether something is at `path`; false where that cannot be told.
+    /// Whether something is at `path`; false where that cannot be looked up.
     [[nodiscard]] virtual bool exists(const std::filesystem::path& path) = 0;
 
     /// Removes a file. A missing one is a failure.

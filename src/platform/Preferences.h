@@ -1,4 +1,4 @@
-// The user's settings and what the program keeps from one run to the next: typed values under keys.
+// Typed values under keys: the user's settings, and the program's data that outlives a run.
 #pragma once
 
 #include "base/Subscription.h"
@@ -21,10 +21,10 @@ struct PreferenceData {
     bool operator==(const PreferenceData&) const = default;
 };
 
-/// A value that is there, but of none of the types below: another program's, or a later version's.
-/// It can be stored again under another key.
+/// A value of none of the types below, written by another program or a later version. It can be
+/// stored under another key.
 struct UnknownPreference {
-    std::string json; ///< as it is stored; empty: nothing
+    std::string json; ///< its stored form; empty for no value
 
     bool operator==(const UnknownPreference&) const = default;
 };
@@ -33,14 +33,14 @@ struct UnknownPreference {
 using PreferenceValue = std::variant<UnknownPreference, bool, std::int64_t, double, std::string,
                                      std::vector<std::string>, PreferenceData>;
 
-/// What a key was found to hold.
+/// The result of reading a key as a T.
 template <typename T>
 struct PreferenceReading {
     std::optional<T> value; ///< absent when the key is missing, or holds a value of another type
     bool isMissing = false;
 };
 
-/// Main thread only. No operation waits for a disk, none fails: a value that can't be stored now is
+/// Main thread only. No operation waits for the disk or fails: a value that cannot be stored now is
 /// kept in memory and stored with a later change.
 class Preferences {
 public:
@@ -50,8 +50,8 @@ public:
     [[nodiscard]] virtual std::optional<PreferenceValue> value(std::string_view key) const = 0;
 
     /// Sets the value under `key`, and calls `onDurable`, if given, as a task of the main loop once
-    /// the change, or a later one of the same key, would survive a power cut. While nothing can be
-    /// stored it is not called; nor after these preferences have been destroyed. Setting an
+    /// the change, or a later one of the same key, would survive a power cut. It is not called
+    /// while nothing can be stored, nor after the preferences were destroyed. Setting an
     /// UnknownPreference that holds nothing does nothing.
     virtual void set(std::string_view key, PreferenceValue value, Task onDurable = {}) = 0;
 

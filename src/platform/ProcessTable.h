@@ -1,4 +1,4 @@
-// All processes of this computer, as far as the user may see them.
+// The processes of this computer that the user may see.
 #pragma once
 
 #include "base/Subscription.h"
@@ -12,19 +12,19 @@ namespace quorva {
 
 using ProcessIdentifier = std::int32_t;
 
-/// What looking at one process's executable came to.
+/// A process's executable, or why there is none.
 struct Executable {
     enum class Status {
         read,   ///< `path` holds it
-        none,   ///< there is none: a kernel thread, a process that has ended
-        denied, ///< there is one, but it could not be read: another user's, a protected process
+        none,   ///< a kernel thread, or a process that has ended
+        denied, ///< it may not be read: another user's process, or a protected one
     };
     Status status = Status::none;
-    std::string path; ///< valid UTF-8, replacement characters where it was not
+    std::string path; ///< valid UTF-8, with replacement characters for invalid bytes
 };
 
-/// The processes do not change within one turn of the main loop: all who ask in that turn are told
-/// of the same moment. Main thread only; no operation waits for another process.
+/// A snapshot that is taken once a turn of the main loop: all callers in that turn see the same
+/// processes. Main thread only; no operation waits for another process.
 class ProcessTable {
 public:
     virtual ~ProcessTable() = default;
@@ -37,7 +37,7 @@ public:
     [[nodiscard]] virtual Executable executable(ProcessIdentifier process) = 0;
 
     /// Calls `callback` once on the main loop when the process has ended. An empty subscription,
-    /// and no call, when the system cannot tell or the process has ended already.
+    /// and no call, when the system cannot report that or the process has ended already.
     [[nodiscard]] virtual Subscription onExit(ProcessIdentifier process, Task callback) = 0;
 };
 

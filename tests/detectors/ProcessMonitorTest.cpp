@@ -22,7 +22,7 @@ protected:
         table.run(1, "/sbin/init");
     }
 
-    /// What has been announced since the last call.
+    /// The announcements since the last call.
     std::vector<std::string> announced() { return std::exchange(events, {}); }
 
     std::vector<std::string> listed() const {
@@ -243,7 +243,7 @@ TEST(ProcessMonitorLifetime, leavesNothingBehindThatRunsAfterItsEnd) {
         ProcessMonitor monitor(loop, applications, table);
         monitor.onBotDetected = [&](const DetectedBot&) { ++announcements; };
         monitor.startMonitoring();
-        applications.launches.call(); // waits for its turn when the monitor goes
+        applications.launches.call(); // still pending when the monitor is destroyed
     }
     table.run(2, "/usr/bin/fathom");
     applications.launches.call();

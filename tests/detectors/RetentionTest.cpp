@@ -12,8 +12,8 @@ using testing::SizeIs;
 
 using RetentionTest = MeetingMonitorTest;
 
-/// What becomes of the window of a bot that has been seen `sightings` times, and how long after the
-/// last one it is gone when passes are this far apart.
+/// A bot is seen `sightings` times, then its window changes. With passes this far apart, it is
+/// listed for `expected` after the last sighting.
 struct Absence {
     const char* what;
     int sightings;

@@ -1,4 +1,4 @@
-// What all preferences promise, asked of those in memory and of those in a file.
+// The contract of Preferences, tried on the implementations in memory and in a file.
 #include "platform/linux/storage/JsonPreferences.h"
 #include "platform/linux/storage/LinuxWholeFile.h"
 #include "support/Eventually.h"
@@ -95,11 +95,11 @@ TYPED_TEST(PreferencesContract, tellsThatChangesAreDurableAndNeverWithinTheCall)
     preferences.remove("b", [&] { ++durable; });
     EXPECT_EQ(durable, 0);
     EXPECT_TRUE(eventually(this->world.loop, [&] { return durable == 5; }));
-    preferences.set("a", 2.0, [&] { ++durable; }); // what it is already
+    preferences.set("a", 2.0, [&] { ++durable; }); // the same value again
     EXPECT_TRUE(eventually(this->world.loop, [&] { return durable == 6; }));
 
     preferences.set("c", true, [&] { ++durable; });
-    this->world.reopen(); // ends those that were to be told
+    this->world.reopen(); // drops pending callbacks
     this->world.loop.runPosted();
     EXPECT_EQ(durable, 6);
     EXPECT_EQ(this->preferences().template read<double>("a").value, 2.0);

@@ -1,5 +1,5 @@
-// Under which identifier the catalogues know a product that Linux knows by other names: desktop
-// entries' ids, Flatpak and Snap names, names of executable files.
+// The catalogues' identifiers for products that have other names on Linux: ids of desktop entries,
+// names of Flatpaks and Snaps, names of executable files.
 #pragma once
 
 #include <optional>
@@ -47,8 +47,8 @@ inline constexpr KnownIdentity knownIdentities[] = {
 };
 // clang-format on
 
-/// The catalogues' identifier for a Linux name, letter case included; nothing when it has none of
-/// its own.
+/// The catalogues' identifier for a Linux name, which is compared with its letter case; nothing for
+/// an unknown name. Callable from any thread.
 [[nodiscard]] constexpr std::optional<std::string_view>
 knownIdentifier(std::string_view linuxName) {
     for (const auto& known : knownIdentities)

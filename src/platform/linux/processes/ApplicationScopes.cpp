@@ -12,13 +12,14 @@ namespace quorva {
 namespace {
 
 constexpr int deepest = 8;
-constexpr std::size_t mostBytes = std::size_t{32} * 1024 * 1024; // of as many processes as can be
+constexpr std::size_t mostBytes =
+    std::size_t{32} * 1024 * 1024; // enough for all processes of a kernel
 
 using ScopePtr = std::shared_ptr<const ApplicationScopes::Scope>;
 
 void readMembers(const std::filesystem::path& group, const ScopePtr& scope,
                  ApplicationScopes::Members& members) {
-    std::error_code ignored; // the group is gone, or its members belong to a threaded group
+    std::error_code ignored; // the group is gone, or is a threaded one
     const auto list = readWholeFile(group / "cgroup.procs", mostBytes, ignored);
     if (!list)
         return;
@@ -32,14 +33,14 @@ void readMembers(const std::filesystem::path& group, const ScopePtr& scope,
     }
 }
 
-/// `scope` is the application that the groups above belong to; null when there is none.
+/// `scope` is the application of the groups above; null for none.
 void readGroup(const std::filesystem::path& group, ScopePtr scope, int depth,
                ApplicationScopes::Members& members) {
     if (auto application = applicationOfUnit(group.filename().string()))
         scope = std::make_shared<const ApplicationScopes::Scope>(
             ApplicationScopes::Scope{group.filename().string(), std::move(*application)});
     else if (group.extension() == ".scope")
-        scope = nullptr; // started on its own account, such as a shell in a terminal
+        scope = nullptr; // not part of the application, such as a shell in a terminal
     if (scope)
         readMembers(group, scope, members);
     if (depth == deepest)

@@ -1,5 +1,5 @@
-// Which processes the systemd user manager runs as part of which application: the control groups of
-// the user's "app.slice" (systemd's "Desktop Environment Integration"). Main thread only.
+// The applications that the systemd user manager has started, by process: the control groups of the
+// user's "app.slice" (systemd's "Desktop Environment Integration"). Main thread only.
 #pragma once
 
 #include "platform/ProcessTable.h"
@@ -13,8 +13,8 @@ namespace quorva {
 
 class ApplicationScopes {
 public:
-    /// Reads nothing yet. `cgroupRoot` is where the control groups are mounted; both the unified
-    /// hierarchy and the older ones beside it are understood.
+    /// Reads nothing yet. `cgroupRoot` is where the control groups are mounted; the unified
+    /// hierarchy and the older ones are both understood.
     explicit ApplicationScopes(std::filesystem::path cgroupRoot = "/sys/fs/cgroup",
                                std::uint32_t user = ownUser());
 
@@ -26,7 +26,7 @@ public:
     };
     using Members = std::unordered_map<ProcessIdentifier, std::shared_ptr<const Scope>>;
 
-    /// The processes that are part of an application now. Empty where no systemd user manager runs.
+    /// The processes that belong to an application now. Empty without a systemd user manager.
     /// Costs in proportion to the applications, not to the processes.
     [[nodiscard]] Members read() const;
 

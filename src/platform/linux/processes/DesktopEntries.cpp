@@ -79,7 +79,7 @@ void DesktopEntries::adopt(const DesktopEntryReader::Reading& reading) {
 void DesktopEntries::giveUpWaiting() {
     deadline.reset();
     log.notice("The desktop entries have not been read within 10 seconds: until they are, "
-               "applications are told by their executables alone",
+               "applications are identified by their executables alone",
                logCategory::appState);
     replace(std::make_shared<const DesktopEntryIndex>());
 }

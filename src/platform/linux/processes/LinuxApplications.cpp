@@ -18,7 +18,7 @@ std::optional<std::string> owned(std::optional<std::string_view> text) {
     return text ? std::optional<std::string>(*text) : std::nullopt;
 }
 
-/// The identifier that the catalogues use for the first of these names that they know.
+/// The catalogues' identifier for the first of these names that they know.
 std::optional<std::string> knownIdentifierOf(std::initializer_list<std::string_view> names) {
     for (const auto name : names)
         if (const auto known = knownIdentifier(name))
@@ -106,7 +106,7 @@ void LinuxApplications::noteQuit() {
     quits.note();
 }
 
-/// Something else is installed than before, or that is known for the first time.
+/// Called when the entries have been read for the first time, and when they have changed.
 void LinuxApplications::noteEntries() {
     std::exchange(readies, {}).call();
     noteLaunch();
@@ -144,9 +144,9 @@ LinuxApplications::members(const std::vector<Process>& processes) {
     return members;
 }
 
-/// A scope names what was started in it: its main process, whatever else runs the same program, and
-/// helpers that are nothing of their own. Another application that was started from there, as from
-/// a terminal, keeps its own identity.
+/// A scope's application comprises its main process, other processes of the same program, and
+/// helpers without an identity of their own. Another application that was started in the scope, for
+/// example from a terminal, keeps its own identity.
 std::optional<LinuxApplications::Identity> LinuxApplications::identityInScope(
     const Process& process, const ApplicationScopes::Members& scoped,
     const std::unordered_map<std::string_view, const Process*>& mains) {
@@ -217,8 +217,8 @@ LinuxApplications::identityOfFlatpak(const Process& process) {
     return id ? std::optional(identityOfId(*id, process)) : std::nullopt;
 }
 
-/// Nothing is read from the AppImage's own mount: the program that serves it may be stopped, and a
-/// read would wait for it without end.
+/// Reads nothing from the AppImage's own mount: the program that serves it may be stopped, and the
+/// read would never return.
 std::optional<LinuxApplications::Identity>
 LinuxApplications::identityOfAppImage(const Process& process) {
     const auto environment = processTable.read(process.identifier, "environ");
@@ -238,8 +238,8 @@ LinuxApplications::identityOfAppImage(const Process& process) {
     return std::nullopt;
 }
 
-/// The process that the others come from: one whose parent is not among them; of several, the one
-/// that started first.
+/// The ancestor of the others: a process whose parent is not among them; of several, the one that
+/// started first.
 const LinuxProcessTable::Process*
 LinuxApplications::topmost(const std::vector<const Process*>& processes) {
     if (processes.size() == 1)

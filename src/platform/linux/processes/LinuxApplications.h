@@ -1,6 +1,6 @@
-// The applications of the user's session, made out among the processes: by the systemd scope they
-// were started in, the Flatpak, Snap or AppImage they are part of, the desktop entry whose program
-// they run, or a well-known executable name.
+// The applications of the user's session. A process belongs to an application by the systemd scope
+// it was started in, by its Flatpak, Snap or AppImage, by the desktop entry of its program, or by a
+// well-known executable name.
 #pragma once
 
 #include "base/Lifetime.h"
@@ -28,15 +28,15 @@ public:
     [[nodiscard]] Subscription onLaunch(Task callback) override;
     [[nodiscard]] Subscription onQuit(Task callback) override;
 
-    /// Tells the subscribers that applications have started or ended: at once and, for all that
-    /// follows within a quarter of a second, once more at its end.
+    /// Calls the subscribers because applications have started or ended: at once and, for all
+    /// further calls within a quarter of a second, once more at its end.
     void noteLaunch();
     void noteQuit();
 
 private:
     using Process = LinuxProcessTable::Process;
 
-    /// What a process is part of. Processes with the same key are one application.
+    /// The application that a process belongs to. Processes with the same key are one application.
     struct Identity {
         std::string key;
         std::optional<std::string> name;
@@ -46,7 +46,7 @@ private:
         const Process* process;
         Identity identity;
     };
-    /// Passes on the first of several events close together, and the rest as one.
+    /// Passes on the first of several events in quick succession at once, and the rest as one.
     class Burst {
     public:
         explicit Burst(MainLoop& loop_) : loop(loop_) {}

@@ -32,7 +32,7 @@ std::optional<ProcessIdentifier> identifierOf(const char* name) {
     return error == std::errc{} && stop == end ? std::optional(identifier) : std::nullopt;
 }
 
-/// Keeps `wasFailing` up to date; true when a failure begins, so that it is logged once.
+/// Updates `wasFailing`; true when a failure begins, so that it is logged once.
 bool beginsToFail(bool& wasFailing, bool fails) {
     return !std::exchange(wasFailing, fails) && fails;
 }
@@ -125,7 +125,7 @@ std::optional<std::vector<LinuxProcessTable::Listed>> LinuxProcessTable::list() 
     while (const auto* const entry = ::readdir(directory.get()))
         if (const auto identifier = identifierOf(entry->d_name))
             listed.push_back({*identifier, entry->d_ino});
-    if (listed.empty()) { // not even this process: what was read is no process list
+    if (listed.empty()) { // not even this process: it is not a process list
         directory.reset();
         return std::nullopt;
     }
@@ -137,8 +137,8 @@ std::optional<std::vector<LinuxProcessTable::Listed>> LinuxProcessTable::list() 
     return listed;
 }
 
-/// Fills `next` with the listed processes, taking over what is known of those that were there
-/// before.
+/// Fills `next` with the listed processes, and moves there the cached results of those that were
+/// listed before.
 void LinuxProcessTable::update(std::vector<Process>& next, const std::vector<Listed>& listed) {
     next.reserve(listed.size());
     unreadableLinks = 0;

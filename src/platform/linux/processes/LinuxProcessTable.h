@@ -1,5 +1,4 @@
-// The processes as /proc shows them (proc(5)), and their ends as process file descriptors tell them
-// (pidfd_open(2)).
+// The processes in /proc (proc(5)), and their ends by process file descriptors (pidfd_open(2)).
 #pragma once
 
 #include "base/Lifetime.h"
@@ -14,22 +13,22 @@
 
 namespace quorva {
 
-/// Reads every process's executable link once a turn of the main loop, and nothing else unless it
-/// is asked for. What a process is, is remembered for as long as it lives and runs the same
-/// executable. A failure is logged when it first shows, and again after it has passed.
+/// Reads every process's executable link once a turn of the main loop, and everything else on
+/// request. The results are cached for as long as a process runs the same executable. A failure is
+/// logged when it begins.
 class LinuxProcessTable final : public ProcessTable {
 public:
-    /// One process as it was when this turn's look was taken.
+    /// A process in this turn's snapshot.
     struct Process {
         ProcessIdentifier identifier = 0;
-        std::uint64_t instance = 0; ///< inode of its /proc folder: another one, another process
+        std::uint64_t instance = 0; ///< inode of its /proc folder, which no later process shares
         Executable::Status status = Executable::Status::none;
         std::string link;                 ///< bytes of /proc/PID/exe
         std::string executable;           ///< where the link leads
         bool interprets = false;          ///< `executable` is a general interpreter
         std::string program;              ///< the script it interprets, else `executable`
         unsigned looks = 0;               ///< how often it has been seen with this executable
-        std::optional<Ancestry> ancestry; ///< once asked for
+        std::optional<Ancestry> ancestry; ///< once requested
     };
 
     LinuxProcessTable(MainLoop& loop, Log& log, std::filesystem::path procRoot = "/proc");
@@ -44,11 +43,11 @@ public:
     /// The listed process with this identifier; null when there is none. Valid in this turn.
     [[nodiscard]] const Process* find(ProcessIdentifier process);
 
-    /// Where a listed process comes from; nothing when that cannot be read.
+    /// The parent and start of a listed process; nothing when they cannot be read.
     [[nodiscard]] std::optional<Ancestry> ancestry(ProcessIdentifier process);
 
-    /// The bytes of a file in the process's folder in /proc, at most 64 KiB; nothing when it cannot
-    /// be read.
+    /// The first 64 KiB of a file in the process's folder in /proc; nothing when it cannot be
+    /// read.
     [[nodiscard]] std::optional<std::string> read(ProcessIdentifier process, std::string_view file);
 
 private:

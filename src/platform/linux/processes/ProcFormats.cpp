@@ -30,10 +30,11 @@ std::vector<std::string_view> split(std::string_view text, char separator) {
     }
 }
 
-/// How an interpreter's command line is read.
+/// The options of an interpreter that matter for finding its script.
 struct Interpreter {
-    std::string_view name;                         ///< without version
-    std::array<std::string_view, 4> inlineOptions; ///< what follows is no script
+    std::string_view name; ///< without version
+    std::array<std::string_view, 4>
+        inlineOptions; ///< what follows is code or a module, not a script
     std::array<std::string_view, 6> valuedOptions; ///< take the next argument for themselves
 };
 
@@ -77,7 +78,7 @@ bool contains(std::span<const std::string_view> options, std::string_view argume
            std::find(options.begin(), options.end(), argument) != options.end();
 }
 
-/// "\x2d" is a "-": how systemd writes bytes that mean something in a unit's name.
+/// Undoes systemd's escapes of special bytes in a unit's name: "\x2d" is a "-".
 std::string unescapeUnit(std::string_view text) {
     std::string plain;
     for (std::size_t i = 0; i < text.size(); ++i) {

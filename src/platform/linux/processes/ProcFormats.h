@@ -1,6 +1,5 @@
-// The texts of /proc and the names of systemd's units, read from bytes: no I/O here. Pure
-// functions, callable from any thread. Formats: proc(5); systemd's "Desktop Environment
-// Integration" for units.
+// Parsers for the texts of /proc (proc(5)) and the names of systemd's units (systemd's "Desktop
+// Environment Integration"). Pure functions on bytes, callable from any thread.
 #pragma once
 
 #include <cstdint>
@@ -11,13 +10,13 @@
 
 namespace quorva {
 
-/// Where a process comes from.
+/// A process's parent and start.
 struct Ancestry {
     std::int32_t parent = 0;
     std::uint64_t startTicks = 0; ///< clock ticks from boot to its start
 };
 
-/// The fields of /proc/PID/stat that are needed; nothing when the text is not of its form.
+/// The ancestry in the text of /proc/PID/stat; nothing when the text is malformed.
 [[nodiscard]] std::optional<Ancestry> parseStat(std::string_view stat);
 
 /// The path that /proc/PID/exe leads to, without the mark that the kernel puts on a deleted file,
@@ -27,17 +26,17 @@ struct Ancestry {
 /// The arguments of /proc/PID/cmdline, or the entries of /proc/PID/environ.
 [[nodiscard]] std::vector<std::string_view> splitAtZeros(std::string_view bytes);
 
-/// Whether a program only runs what it is given, so that its own path says nothing: a shell,
-/// python3, node, electron, java and their like, with or without a version in the name.
+/// Whether a program is a general interpreter, whose own path says nothing about what it runs: a
+/// shell, python3, node, electron, java and the like, with or without a version in the name.
 [[nodiscard]] bool isInterpreter(std::string_view executablePath);
 
-/// The script that an interpreter was told to run: the first argument that is no option, when it is
-/// an absolute path. `arguments` begin with the program's own name. Nothing when it runs code from
+/// The script that an interpreter runs: its first argument that is not an option, if it is an
+/// absolute path. `arguments` begin with the program's own name. Nothing when it runs code from
 /// its command line, a module, or a relative path.
 [[nodiscard]] std::optional<std::string>
 scriptOfCommand(std::string_view interpreterPath, const std::vector<std::string_view>& arguments);
 
-/// The application that a systemd unit was made for.
+/// The application of a systemd unit.
 struct UnitApplication {
     enum class Kind { desktopEntry, snap };
     Kind kind = Kind::desktopEntry;

@@ -85,15 +85,15 @@ void FolderWatch::receiveEvents() {
                 if (isOverflow || (watch == event.wd && isAwaited))
                     changed.insert(folder);
             }
-            // The kernel has ended this watch: the folder is gone.
+            // The kernel ended this watch because the folder is gone.
             if ((event.mask & IN_IGNORED) != 0)
                 std::erase_if(
                     watches, [ended = event.wd](const auto& each) { return each.second == ended; });
         }
     }
-    const auto told = onChange; // may end this
+    const auto report = onChange; // may destroy this object
     for (const auto& folder : changed)
-        told(folder);
+        report(folder);
 }
 
 } // namespace quorva

@@ -1,4 +1,4 @@
-// Tells when something in one of several folders changes (inotify(7)).
+// Reports changes in folders (inotify(7)).
 #pragma once
 
 #include "platform/linux/glib/Handles.h"
@@ -12,10 +12,9 @@
 
 namespace quorva {
 
-/// A folder to be watched.
 struct WatchedFolder {
     std::filesystem::path path;
-    std::optional<std::string> awaited; ///< only the coming of this name matters
+    std::optional<std::string> awaited; ///< only the appearance of this name is reported
 
     auto operator<=>(const WatchedFolder&) const = default; // NOLINT(modernize-use-nullptr)
 };
@@ -23,18 +22,18 @@ struct WatchedFolder {
 /// Main thread only, on GLib's default main context.
 class FolderWatch {
 public:
-    /// `onChange` is called on the main loop with the folder; several changes may be told as one.
+    /// `onChange` is called on the main loop with the folder; several changes may come as one call.
     explicit FolderWatch(std::function<void(const WatchedFolder&)> onChange);
     ~FolderWatch();
 
     FolderWatch(const FolderWatch&) = delete;
     FolderWatch& operator=(const FolderWatch&) = delete;
 
-    /// Watches these folders and no others. Returns those that were not watched before, for what
-    /// happened in them until now was not seen.
+    /// Watches these folders and no others. Returns those that were not watched before: changes in
+    /// them until now were not seen. A folder that cannot be watched is in neither (`isWatched`).
     [[nodiscard]] std::vector<WatchedFolder> watch(const std::vector<WatchedFolder>& folders);
 
-    /// Whether changes in this folder are told. False where the system's limit is reached.
+    /// Whether changes in this folder are reported. False where the system's limit is reached.
     [[nodiscard]] bool isWatched(const std::filesystem::path& folder) const;
 
 private:

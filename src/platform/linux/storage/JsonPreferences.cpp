@@ -10,7 +10,7 @@ namespace {
 
 using Changes = std::map<std::string, std::optional<PreferenceValue>, std::less<>>;
 
-/// What leads from one set of values to the other.
+/// The changes that turn one set of values into the other.
 Changes difference(const PreferenceMap& before, const PreferenceMap& after) {
     Changes edits;
     for (const auto& [key, value] : before)
@@ -36,7 +36,7 @@ JsonPreferences::JsonPreferences(MainLoop& loop_, Log& log_, WholeFile& file_)
       file(file_),
       receive(lifetime.guard(
           [this](const std::vector<Task>& onDurable, const Changes& edits, Revision revision) {
-              takeOver(edits, revision);
+              adopt(edits, revision);
               for (const auto& task : onDurable)
                   task();
           })) {
@@ -93,7 +93,7 @@ void JsonPreferences::wakeWriter() {
         (void)writer.post([this] { write(); });
 }
 
-void JsonPreferences::takeOver(const Changes& edits, Revision revision) {
+void JsonPreferences::adopt(const Changes& edits, Revision revision) {
     for (const auto& [key, value] : edits) {
         const auto changed = revisions.find(key);
         if (changed != revisions.end() && changed->second > revision)
@@ -106,7 +106,7 @@ void JsonPreferences::takeOver(const Changes& edits, Revision revision) {
 }
 
 void JsonPreferences::write() {
-    auto batch = takeWaiting();
+    auto batch = popWaiting();
     Changes edits;
     const auto failure = store(batch.changes, edits);
     report(failure);
@@ -120,7 +120,7 @@ void JsonPreferences::write() {
         deliver(std::move(onDurable), std::move(edits), revision);
 }
 
-JsonPreferences::Batch JsonPreferences::takeWaiting() {
+JsonPreferences::Batch JsonPreferences::popWaiting() {
     const std::lock_guard lock(mutex);
     isWriterAwake = false;
     Batch batch{.changes = {}, .onDurable = {}, .revision = waiting.revision};
@@ -129,7 +129,8 @@ JsonPreferences::Batch JsonPreferences::takeWaiting() {
     return batch;
 }
 
-/// For the next change to take along. What was changed meanwhile stays as it is.
+/// Returns a batch that could not be stored to the queue, to be stored with the next change. Newer
+/// changes of the same keys win.
 void JsonPreferences::putBack(Batch batch) {
     const std::lock_guard lock(mutex);
     waiting.changes.merge(batch.changes);
@@ -143,11 +144,12 @@ void JsonPreferences::deliver(std::vector<Task> onDurable, Changes edits, Revisi
                revision] { receive(onDurable, edits, revision); });
 }
 
-/// Brings the changes to the file, and tells what others have changed in it. Returns what failed.
+/// Stores the changes. `edits` receives the changes that others made to the file. Returns the
+/// reason of a failure; empty on success.
 std::string JsonPreferences::store(const Changes& changes, Changes& edits) {
     auto failure = follow(edits);
     for (const auto& [key, value] : changes)
-        edits.erase(key); // what is set here wins
+        edits.erase(key); // our own change wins
     if (!failure.empty())
         return failure;
     for (const auto& [key, value] : changes)
@@ -161,15 +163,14 @@ std::string JsonPreferences::store(const Changes& changes, Changes& edits) {
     return error ? error.message() : std::string();
 }
 
-/// Reads the file if it is not the one that is known: `edits` are then what leads from what was
-/// known to what it holds. Returns why it could be neither read nor set
-/// aside: nothing may be written over it then.
+/// Reads the file if it has changed; `edits` receives the differences. Returns why the file could
+/// be neither read nor set aside, in which case it must not be overwritten; empty on success.
 std::string JsonPreferences::follow(Changes& edits) {
     std::error_code error;
     const auto now = file.stamp(error);
     if (!error && now == known)
         return {};
-    if (!error && !now) { // it was deleted: it is written anew
+    if (!error && !now) { // it was deleted: write all of it again
         known.reset();
         isStored = false;
         return {};
@@ -200,7 +201,7 @@ std::string JsonPreferences::setAside(const std::string& why) {
     return {};
 }
 
-/// Logs a failure once, until it has passed.
+/// Logs when a failure begins and when it ends.
 void JsonPreferences::report(const std::string& failure) {
     if (!failure.empty() && !isFailing)
         log.error(fmt::format("The preferences can't be stored in {}, {}. They are kept in memory",

@@ -1,5 +1,6 @@
-// Preferences in one JSON file. Changes are written by a worker, gathered while it writes. What
-// others write to the file meanwhile is taken over; what cannot be read is set aside, never lost.
+// Preferences in one JSON file. A worker writes the changes; those that come while it writes are
+// stored together. Changes that other programs make to the file are adopted. A file that cannot be
+// read is set aside, never lost.
 #pragma once
 
 #include "base/Lifetime.h"
@@ -22,16 +23,16 @@ namespace quorva {
 
 class JsonPreferences final : public Preferences {
 public:
-    /// Where the user's preferences are, below XDG_CONFIG_HOME.
+    /// The path of the user's preferences, below XDG_CONFIG_HOME.
     [[nodiscard]] static std::filesystem::path standardPath();
 
-    /// Reads the file, waiting for the disk this once. A file that cannot be read or parsed is set
-    /// aside, the log says so, and there are no preferences; where it cannot be set aside either,
-    /// nothing is stored until that has passed. The services must outlive the preferences, and
-    /// nobody else uses `file` meanwhile.
+    /// Reads the file and waits for the disk, this once. A file that cannot be read or parsed is
+    /// set aside and logged, and the preferences are empty. If it cannot be set aside either,
+    /// nothing is stored until it can. The services must outlive the preferences, which alone use
+    /// `file`.
     JsonPreferences(MainLoop& loop, Log& log, WholeFile& file);
 
-    /// Writes what is not stored yet, waiting for the disk.
+    /// Stores pending changes and waits for the disk.
     ~JsonPreferences() override;
 
     JsonPreferences(const JsonPreferences&) = delete;
@@ -43,10 +44,10 @@ public:
 
 private:
     using Revision = std::uint64_t;
-    /// New values by key; nothing for a key that is removed.
+    /// New values by key; nothing for a removed key.
     using Changes = std::map<std::string, std::optional<PreferenceValue>, std::less<>>;
 
-    /// What is to be stored, as of one revision.
+    /// The changes to store, up to one revision.
     struct Batch {
         Changes changes;
         std::vector<Task> onDurable;
@@ -56,11 +57,11 @@ private:
     // Main thread.
     void change(std::string_view key, std::optional<PreferenceValue> value, Task onDurable);
     void wakeWriter();
-    void takeOver(const Changes& edits, Revision revision);
+    void adopt(const Changes& edits, Revision revision);
 
-    // The worker and, before there is one, the constructor.
+    // The worker, and the constructor before the worker starts.
     void write();
-    [[nodiscard]] Batch takeWaiting();
+    [[nodiscard]] Batch popWaiting();
     void putBack(Batch batch);
     void deliver(std::vector<Task> onDurable, Changes edits, Revision revision);
     [[nodiscard]] std::string store(const Changes& changes, Changes& edits);
@@ -72,7 +73,8 @@ private:
     Log& log;
     WholeFile& file;
 
-    // Main thread: what `value` answers, and the revision of each key's last change here.
+    // Main thread: the values that `value` returns, and the revision of each key's last change
+    // here.
     PreferenceMap values;
     std::map<std::string, Revision, std::less<>> revisions;
 
@@ -80,7 +82,7 @@ private:
     Batch waiting;
     bool isWriterAwake = false;
 
-    // Worker: what the file is known to hold, or is to hold.
+    // Worker: the file's content, as last read or still to be stored.
     PreferencesDocument document;
     std::optional<FileStamp> known;
     bool isStored = true;

@@ -26,7 +26,7 @@ public:
                 written += static_cast<std::size_t>(count);
             } else if (errno != EINTR) {
                 const auto error = lastError();
-                takeBack(written);
+                removePartialLine(written);
                 return error;
             }
         }
@@ -49,8 +49,8 @@ public:
     std::error_code close() override { return fd.reset() == 0 ? std::error_code{} : lastError(); }
 
 private:
-    /// Cuts off the part of a line that went to the file before the rest failed.
-    void takeBack(std::size_t written) const {
+    /// Removes the beginning of a line whose rest could not be written.
+    void removePartialLine(std::size_t written) const {
         std::error_code error;
         const auto end = size(error);
         if (written > 0 && !error && end >= written)

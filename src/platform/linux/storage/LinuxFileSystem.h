@@ -1,4 +1,4 @@
-// Files as POSIX has them.
+// Files through POSIX calls.
 #pragma once
 
 #include "platform/FileSystem.h"

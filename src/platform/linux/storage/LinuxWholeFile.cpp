@@ -26,7 +26,8 @@ std::error_code lastError() {
 fs::path followedLinks(fs::path path) {
     std::error_code error;
     for (int links = 0; links < 16 && fs::is_symlink(fs::symlink_status(path, error)); ++links)
-        path = path.parent_path() / fs::read_symlink(path, error); // an absolute target replaces
+        path =
+            path.parent_path() / fs::read_symlink(path, error); // an absolute target replaces all
     return path;
 }
 
@@ -41,13 +42,13 @@ std::error_code codeOf(const GError& error) {
     return {number > 0 ? number : EIO, std::system_category()};
 }
 
-/// Makes a rename within `directory` last.
+/// Makes renames within `directory` durable.
 bool synchronise(const fs::path& directory) {
     const FileDescriptor fd(::open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     return fd && ::fsync(fd.get()) == 0;
 }
 
-/// Renames without replacing, also on file systems that have no such operation.
+/// Renames without replacing an existing file, also on file systems that lack RENAME_NOREPLACE.
 bool renameToUnused(const fs::path& from, const fs::path& to) {
     if (::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0)
         return true;
@@ -97,8 +98,8 @@ std::optional<FileStamp> LinuxWholeFile::replace(std::string_view bytes, std::er
         error = codeOf(*failure);
         return std::nullopt;
     }
-    // GLib does not say which file it wrote: the one that is there now is looked at. A stamp of
-    // another program's file would hide what that program has changed.
+    // GLib does not report the stamp of the file it wrote. Reading back makes sure that the stamp
+    // is not that of another program's file, whose changes it would hide.
     const auto content = read(error);
     if (!error && (!content || content->bytes != bytes))
         error = std::make_error_code(std::errc::resource_unavailable_try_again);
@@ -108,7 +109,8 @@ std::optional<FileStamp> LinuxWholeFile::replace(std::string_view bytes, std::er
 std::optional<fs::path> LinuxWholeFile::setAside(Time time, std::error_code& error) {
     error.clear();
     auto moment = iso8601Seconds(time);
-    std::replace(moment.begin(), moment.end(), ':', '-'); // for disks that are carried elsewhere
+    std::replace(moment.begin(), moment.end(), ':',
+                 '-'); // other file systems do not allow colons
     for (int number = 1; number <= 1000; ++number) {
         fs::path aside = file;
         aside += number == 1 ? fmt::format(".{}", moment) : fmt::format(".{}-{}", moment, number);

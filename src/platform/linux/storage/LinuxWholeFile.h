@@ -1,7 +1,7 @@
 // Whole files as GLib writes them (g_file_set_contents_full): into a temporary file "NAME.XXXXXX"
 // in the same directory, which is synchronised and renamed over the old one. A program that is
 // killed meanwhile leaves the temporary file behind. It is not removed later, because its name does
-// not tell it from a copy that the user has made.
+// not distinguish it from a copy made by the user.
 #pragma once
 
 #include "platform/WholeFile.h"
@@ -10,7 +10,7 @@ namespace quorva {
 
 class LinuxWholeFile final : public WholeFile {
 public:
-    /// The file at `path`, or where the symbolic links at `path` lead to now.
+    /// The file at `path`. Symbolic links are followed once, now.
     explicit LinuxWholeFile(std::filesystem::path path);
 
     [[nodiscard]] const std::filesystem::path& path() const override { return file; }

@@ -5,8 +5,8 @@
 
 namespace quorva {
 
-/// The digest of `bytes`. Ends the program if the library is damaged: a made-up digest would be
-/// taken for another's.
+/// The digest of `bytes`. Aborts if OpenSSL fails: a wrong digest could match another text's.
+/// Callable from any thread.
 [[nodiscard]] Sha256Digest openSslSha256(std::string_view bytes);
 
 } // namespace quorva

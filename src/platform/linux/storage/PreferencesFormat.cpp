@@ -16,8 +16,8 @@ constexpr auto textDataKey = "data";
 constexpr auto base64Key = "base64";
 constexpr int deepestNesting = 64;
 
-/// How deep the arrays and objects of a JSON text are nested, at most. Copying and writing JSON
-/// recurses: a few bytes must not be able to use up the stack.
+/// An upper bound on the nesting of a JSON text. Copying and writing JSON recurses, so that a small
+/// file could otherwise exhaust the stack.
 int nestingOf(std::string_view json) {
     int depth = 0;
     int deepest = 0;
@@ -46,7 +46,7 @@ std::string toBase64(const std::string& bytes) {
     return text.get();
 }
 
-/// Only what `toBase64` gives: GLib skips over anything else.
+/// Accepts only the output of `toBase64`; GLib's own decoder skips invalid characters.
 std::optional<std::string> fromBase64(const std::string& text) {
     gsize size = 0;
     const GCharsPtr decoded(reinterpret_cast<gchar*>(g_base64_decode(text.c_str(), &size)));
@@ -135,15 +135,15 @@ std::optional<PreferencesDocument> PreferencesDocument::parse(std::string_view b
         return refuse("it is nested too deep");
     auto root = Json::parse(bytes, nullptr, false);
     if (!root.is_object())
-        return refuse(root.is_discarded() ? "it is no JSON" : "it is no JSON object");
+        return refuse(root.is_discarded() ? "it is not JSON" : "it is not a JSON object");
 
     const auto& itsVersion = root.emplace(versionKey, version).first.value();
     if (!itsVersion.is_number_integer() || itsVersion < 1)
-        return refuse("its version is no version");
+        return refuse("its version is invalid");
     if (itsVersion > version)
         return refuse("it was written by a later version of this program");
     if (!root.emplace(preferencesKey, Json::object()).first.value().is_object())
-        return refuse("its preferences are no JSON object");
+        return refuse("its preferences are not a JSON object");
     return PreferencesDocument(std::move(root));
 }
 

@@ -3,8 +3,8 @@
 //     {"version": 1, "preferences": {"stampVolume": 0.5, "detectionLog": {"data": "[]"}, …}}
 //
 // Booleans, integers, doubles, texts and lists of texts are themselves; data is an object with one
-// member, "data" where it is valid UTF-8 and "base64" where it is not. Whatever else the file holds
-// is kept as it is. Pure functions on bytes, callable from any thread.
+// member, "data" where it is valid UTF-8 and "base64" where it is not. Everything else in
+// the file is preserved. Pure functions on bytes, callable from any thread.
 #pragma once
 
 #include "platform/Preferences.h"
@@ -25,27 +25,27 @@ class PreferencesDocument {
 public:
     static constexpr int version = 1;
 
-    /// Without preferences.
+    /// An empty document.
     PreferencesDocument();
 
-    /// Reads a file's content. Nothing, and `fault` says for people why, when it is no JSON object
-    /// in UTF-8, was written by a later version, or is nested more than 64 deep.
+    /// Parses a file's content. Nothing, with `fault` set to a readable reason, when it is not a
+    /// JSON object in UTF-8, was written by a later version, or is nested more than 64 levels deep.
     [[nodiscard]] static std::optional<PreferencesDocument> parse(std::string_view bytes,
                                                                   std::string& fault);
 
     /// The file's content; ends in a line feed.
     [[nodiscard]] std::string serialised() const;
 
-    /// All values; UnknownPreference for one that is of none of the types.
+    /// All values; UnknownPreference for a value of any other type.
     [[nodiscard]] PreferenceMap values() const;
 
-    /// Sets the value under `key`, or removes the key. False when that changes nothing.
+    /// Sets the value under `key`, or removes the key. Returns whether that changed anything.
     bool apply(const std::string& key, const std::optional<PreferenceValue>& value);
 
 private:
     explicit PreferencesDocument(nlohmann::json whole);
 
-    nlohmann::json root; ///< an object whose member "preferences" is one too
+    nlohmann::json root; ///< an object with a member "preferences", which is an object too
 };
 
 } // namespace quorva

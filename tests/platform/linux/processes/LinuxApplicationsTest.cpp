@@ -24,7 +24,7 @@ std::string entryText(std::string_view name, std::string_view exec, std::string_
 class LinuxApplicationsTest : public testing::Test {
 protected:
     void install(std::string_view file, std::string_view text) const {
-        disk.write("staged", text); // and put there in one step
+        disk.write("staged", text); // and moved there in one step
         std::filesystem::create_directories((folder / file).parent_path());
         std::filesystem::rename(disk.path / "staged", folder / file);
     }
@@ -34,7 +34,7 @@ protected:
                 unit / "cgroup.procs",
             processes);
     }
-    /// Starts to read what is installed by now.
+    /// Starts the first reading of the entries.
     void start() {
         entries.emplace(loop, log,
                         DesktopEntryPlaces{.folders = {disk.path / "home", folder},
@@ -50,7 +50,7 @@ protected:
                                         a.localizedName.value_or("-"), a.processIdentifier));
         return texts;
     }
-    /// Adopts what has been read of the entries until this is what runs.
+    /// Runs the main loop until this is the listing.
     void expectRunning(const std::vector<std::string>& expected) {
         if (!applications)
             start();

@@ -160,7 +160,7 @@ TEST_F(LinuxProcessTableTest, saysOnceThatProcessesCannotBeListedOrRead) {
 
     proc.add(10, "/usr/bin/a");
     std::filesystem::create_directory(proc.path() / "11");
-    std::filesystem::create_directory(proc.path() / "11" / "exe"); // no link: EINVAL
+    std::filesystem::create_directory(proc.path() / "11" / "exe"); // not a link: EINVAL
     loop.runPosted();
     EXPECT_EQ(programOf(10), "/usr/bin/a");
     EXPECT_EQ(programOf(11), "denied");

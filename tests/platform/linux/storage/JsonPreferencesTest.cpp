@@ -72,7 +72,7 @@ protected:
     void edit(std::string_view bytes) const { folder.write("preferences.json", bytes); }
 
     VirtualMainLoop loop; // at 2026-03-02 09:00
-    RecordingLog log;     // read it only when the worker rests
+    RecordingLog log;     // read it only while the worker is idle
     TemporaryFolder folder;
     FaultyWholeFile file{folder.path / "preferences.json"};
     std::optional<JsonPreferences> preferences;
@@ -138,7 +138,7 @@ TEST_F(JsonPreferencesTest, neverSetsAsideOverAnother) {
         open();
     }
     close();
-    fs::create_directory(file.path()); // what is no file can't be read either
+    fs::create_directory(file.path()); // a directory cannot be read either
     open();
     ASSERT_EQ(::mkfifo(file.path().c_str(), 0600), 0);
     open();
@@ -175,7 +175,7 @@ TEST_F(JsonPreferencesTest, takesOverWhatIsChangedByHandMeanwhile) {
     };
     expectMerged();
 
-    fs::remove(file.path()); // a file that is gone or damaged is no change: it is written whole
+    fs::remove(file.path()); // a missing or damaged file does not count as a change
     ASSERT_TRUE(store("more", 1.0));
     edit("damaged");
     ASSERT_TRUE(store("more", 2.0));
@@ -191,7 +191,7 @@ TEST_F(JsonPreferencesTest, storesWithTheNextChangeWhatItCouldNotStoreBefore) {
     file.replaceFails = true;
     for (const double value : {2.0, 3.0, 4.0})
         preferences->set("a", value, [&] { ++durable; });
-    close(); // tries once more, and says so once
+    close(); // tries once more, and logs the failure once
     EXPECT_EQ(log.count("can't be stored"), 1U);
     EXPECT_NE(folder.read("preferences.json").find("1.0"), std::string::npos);
 
@@ -217,7 +217,7 @@ TEST_F(JsonPreferencesTest, neverWritesOverWhatItCanNeitherReadNorSetAside) {
     EXPECT_EQ(log.count("can't be stored"), 1U);
 
     open();
-    file.readFails = false; // it has passed: both are kept
+    file.readFails = false; // the failure is over: both values are kept
     ASSERT_TRUE(store("a", true));
     EXPECT_TRUE(preferences->value("kept"));
     EXPECT_EQ(names().size(), 1U);
@@ -244,7 +244,7 @@ TEST(LinuxWholeFile, keepsTheOldContentWhereTheNewOneDoesNotFit) {
     EXPECT_EQ(std::distance(fs::directory_iterator(folder.path), fs::directory_iterator()), 2);
 }
 
-/// Stores one number after the other and says in `report` which ones are durable, until killed.
+/// Stores ascending numbers until killed, and writes those that are durable to `report`.
 [[noreturn]] void storeNumbers(const fs::path& path, int report) {
     VirtualMainLoop loop;
     RecordingLog log;
@@ -260,7 +260,7 @@ TEST(LinuxWholeFile, keepsTheOldContentWhereTheNewOneDoesNotFit) {
 }
 
 TEST(JsonPreferencesKilled, leavesTheLastStateOrTheOneUnderWay) {
-    const TemporaryFolder folder("/dev/shm"); // a kill is no power cut: a disk would only cost time
+    const TemporaryFolder folder("/dev/shm"); // not a power cut, so a disk is not needed
     const auto path = folder.path / "preferences.json";
     std::mt19937 random(20260302);
     std::int64_t reported = 0;
