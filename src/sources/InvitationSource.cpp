@@ -156,12 +156,12 @@ bool InvitationSource::mayLook() const {
 void InvitationSource::look(Task done) {
     if (!mayLook())
         return done();
-    awaitFirstLook(std::move(done));
+    awaitLook(std::move(done));
     monitor.scanCalendar();
 }
 
 /// The look is over when the calendars have answered, or turn out not to be there.
-void InvitationSource::awaitFirstLook(Task done) {
+void InvitationSource::awaitLook(Task done) {
     if (!mayLook() || *monitor.lastScanDate)
         return done();
     const auto once = std::make_shared<Task>(std::move(done));

@@ -26,7 +26,7 @@ namespace {
 
 constexpr Seconds readingTimeout{10.0};
 
-std::string describeWindow(const UnreadMeetingWindow& window) {
+std::string describeWindow(const UnseenMeetingWindow& window) {
     auto what = window.applicationName;
     if (!window.windowTitle.empty())
         what += fmt::format(" \"{}\"", window.windowTitle);
@@ -60,13 +60,13 @@ MeetingSource::MeetingSource(Platform& platform)
 
 /// The pass comes when the windows have been read, or when that takes too long.
 void MeetingSource::look(Task done) {
-    awaitFirstLook([this, done = std::move(done)] {
+    awaitLook([this, done = std::move(done)] {
         monitor.performScan();
         done();
     });
 }
 
-void MeetingSource::awaitFirstLook(Task done) {
+void MeetingSource::awaitLook(Task done) {
     if (!mayLook())
         return done();
     awaited = std::move(done);
@@ -92,11 +92,11 @@ SourceState MeetingSource::sight() const {
     if (!canListProcesses())
         return {notAvailable,
                 "The processes of this computer can't be listed: bots in meetings are not seen."};
-    if (!looked.unread.empty())
+    if (!looked.failed.empty())
         return {
             partlyBlind,
             fmt::format("Windows that can't be looked at: {}. Bots in their meetings are not seen.",
-                        someOf(looked.unread, [](const UnreadMeetingWindow& window) {
+                        someOf(looked.failed, [](const UnseenMeetingWindow& window) {
                             return fmt::format("{} ({})", window.applicationName, window.problem);
                         }))};
     if (!looked.notReadYet.empty())
@@ -115,11 +115,11 @@ std::string MeetingSource::detail() const {
     if (!canListProcesses())
         return remedies::processesCannotBeListed;
     const auto& looked = *monitor.coverage;
-    auto unread = looked.unread;
-    unread.insert(unread.end(), looked.notReadYet.begin(), looked.notReadYet.end());
-    if (!unread.empty()) {
-        auto detail = fmt::format("windows that can't be read: {}", unread.size());
-        for (const auto& window : unread)
+    auto unseen = looked.failed;
+    unseen.insert(unseen.end(), looked.notReadYet.begin(), looked.notReadYet.end());
+    if (!unseen.empty()) {
+        auto detail = fmt::format("windows that can't be read: {}", unseen.size());
+        for (const auto& window : unseen)
             detail += "; " + describeWindow(window);
         return detail;
     }

@@ -19,7 +19,6 @@ public:
 
     [[nodiscard]] bool isWatching() const override { return monitor.isMonitoring; }
     void refresh() override { monitor.performScan(); }
-    void awaitFirstLook(Task done) override;
     [[nodiscard]] std::string detail() const override;
     [[nodiscard]] std::string productNamed(std::string_view) const override { return {}; }
 
@@ -28,6 +27,7 @@ protected:
     void startWatching() override { monitor.startMonitoring(); }
     void stopWatching() override { monitor.stopMonitoring(); }
     void look(Task done) override;
+    void awaitLook(Task done) override;
     [[nodiscard]] SourceState sight() const override;
     [[nodiscard]] SourceState obstacle() const override;
     [[nodiscard]] Findings list() const override;

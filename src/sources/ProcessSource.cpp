@@ -143,7 +143,7 @@ void ProcessSource::look(Task done) {
 }
 
 /// The first scan comes when applications can be listed, which has a deadline of its own.
-void ProcessSource::awaitFirstLook(Task done) {
+void ProcessSource::awaitLook(Task done) {
     if (*monitor.lastScanDate)
         return done();
     subscriptions.push_back(

@@ -24,14 +24,22 @@ void Source::startIfWanted() {
 
 void Source::lookOnce(Task done) {
     mode = Mode::lookingOnce;
-    look([this, done = std::move(done)] {
-        // Fields tell of a change before it is made: what was found is read a task later.
+    look(afterUpdate(std::move(done)));
+}
+
+void Source::awaitFirstLook(Task done) {
+    awaitLook(afterUpdate(std::move(done)));
+}
+
+/// Fields tell of a change before it is made, so the list and the state are read a task later.
+Task Source::afterUpdate(Task done) {
+    return [this, done = std::move(done)] {
         loop.post(lifetime.guard([this, done] {
             findings = list();
             state = currentState();
             done();
         }));
-    });
+    };
 }
 
 void Source::appeared(FindingPtr finding) {

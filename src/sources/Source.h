@@ -61,7 +61,7 @@ public:
     void lookOnce(Task done);
 
     /// After `setOn(true)`: calls `done`, as above, when the first look is complete.
-    virtual void awaitFirstLook(Task done) = 0;
+    void awaitFirstLook(Task done);
 
     /// One line: what was looked at, or why it was not, and what helps.
     [[nodiscard]] virtual std::string detail() const = 0;
@@ -76,7 +76,9 @@ protected:
     [[nodiscard]] virtual bool mayLook() const = 0;
     virtual void startWatching() = 0;
     virtual void stopWatching() = 0;
+    /// Look once, or wait for the first look of the monitor; `done` is called as above.
     virtual void look(Task done) = 0;
+    virtual void awaitLook(Task done) = 0;
     /// The state of a source that is on and may look.
     [[nodiscard]] virtual SourceState sight() const = 0;
     /// Why it may not look: `notAllowed` or `notAvailable`.
@@ -103,15 +105,14 @@ protected:
     void appeared(FindingPtr finding);
     void gone(FindingPtr finding);
 
-    /// The state now, without waiting for the task that follows a change.
-    [[nodiscard]] SourceState currentState() const;
-
     MainLoop& loop;
     std::vector<Subscription> subscriptions;
 
 private:
     enum class Mode { off, lookingOnce, watching };
 
+    [[nodiscard]] SourceState currentState() const;
+    [[nodiscard]] Task afterUpdate(Task done);
     void startIfWanted();
     void schedule(bool& due);
     void update();

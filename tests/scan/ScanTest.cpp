@@ -323,6 +323,7 @@ TEST_F(ScanTest, watchPrintsWhatComesAndGoesInMeetings) {
         [&](std::vector<SourceReport> first) { reports = std::move(first); });
     loop.runPosted();
     ASSERT_EQ(reports.size(), 1U);
+    EXPECT_TRUE(reports[0].isOk());
     EXPECT_THAT(reports[0].detail, HasSubstr("meeting windows: 1"));
     inZoom({"Acme Notetaker", "Recording to the cloud"});
     loop.advance(5s);
