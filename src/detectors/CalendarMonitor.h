@@ -1,6 +1,6 @@
-// Finds bots that are invited to the user's meetings: reads the events of the next 24 hours,
-// matches every attendee against the catalogue, announces each find once, also across restarts, and
-// forgets what the user has dismissed. Main thread only. Never writes to a calendar.
+// Finds bots that are invited to the user's meetings. Reads the events of the next 24 hours,
+// matches every attendee against the catalogue, announces each bot once, also across restarts, and
+// leaves out the ones that the user dismissed. Main thread only. Never writes to a calendar.
 #pragma once
 
 #include "base/Lifetime.h"
@@ -39,11 +39,11 @@ public:
                     Sha256 sha256,
                     const CalendarBotDatabase& database = CalendarBotDatabase::shared());
 
-    /// What was found, by the start of the event.
+    /// The invited bots, by the start of the event.
     Published<std::vector<CalendarBotDetection>, CalendarMonitor> calendarDetections;
-    /// Whether scans come by themselves: the timer runs and changes are followed.
+    /// Whether scans run by themselves: by timer, and when calendars change.
     Published<bool, CalendarMonitor> isMonitoring{false};
-    /// The access to calendars, as it was last looked up. This is its one home: everything else
+    /// The access to calendars when it was last looked up. This is its one home: everything else
     /// observes it.
     Published<CalendarAuthorization, CalendarMonitor> authorizationStatus;
     /// When the last completed scan began.
@@ -54,13 +54,13 @@ public:
     /// until its event has ended.
     Published<std::vector<FailedCalendar>, CalendarMonitor> failedCalendars;
 
-    /// A bot was found that was never announced before. Called within a scan, before
+    /// Called when a bot is found that was never announced before. Called within a scan, before
     /// `calendarDetections` changes; may be empty.
     std::function<void(const CalendarBotDetection&)> onBotDetected;
-    /// What was listed is no longer found. Called as above.
+    /// Called when a listed bot is no longer found. As above.
     std::function<void(const CalendarBotDetection&)> onBotDisappeared;
 
-    /// Looks the access up. Monitoring ends when it is gone.
+    /// Looks up the access. Stops monitoring if it is gone.
     void refreshAuthorization();
 
     /// Asks the user for access to calendars, and calls `done` with whether it is granted, on the
@@ -71,7 +71,7 @@ public:
     /// seconds ago or earlier. Does nothing without full access, and when monitoring already.
     void startMonitoring();
 
-    /// Ends that, and a scan under way. What was found stays listed.
+    /// Stops scans, and the one that is running. Detections stay listed.
     void stopMonitoring();
 
     /// Starts one full scan, which completes when the calendars have answered. While one is under
@@ -79,7 +79,7 @@ public:
     /// scan, and monitoring ends.
     void scanCalendar();
 
-    /// Takes the detection off the list, for good: it does not come back after a restart either.
+    /// Removes the detection from the list for good, also after a restart.
     void dismiss(const CalendarBotDetection& detection);
 
     [[nodiscard]] CalendarSourceSummary discoverCalendarSources() const;

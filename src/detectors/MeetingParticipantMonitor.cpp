@@ -14,7 +14,7 @@ namespace {
 
 constexpr int wholeApplication = -1; ///< in place of a window's index
 constexpr auto showsNothing = "it shows nothing to a screen reader";
-constexpr std::size_t fewTexts = 20; ///< so few are no meeting's page, but part of one
+constexpr std::size_t fewTexts = 20; ///< a page with fewer is only part of a meeting's page
 
 bool hostsMeetings(const std::string& bundleIdentifier) {
     const auto platforms = meetingPlatforms();
@@ -93,7 +93,7 @@ void MeetingParticipantMonitor::schedulePass() {
     }));
 }
 
-/// Sees to it that what the last pass missed is looked at without waiting for the next one.
+/// Schedules a pass for windows that the last pass missed.
 void MeetingParticipantMonitor::scheduleMissedPass() {
     if (isMissedPassScheduled || waitingWindows.empty())
         return;
@@ -105,7 +105,8 @@ void MeetingParticipantMonitor::scheduleMissedPass() {
     }));
 }
 
-/// Only where that makes a difference: what is read over and over is not to hurry the passes.
+/// Only if the list of waiting windows changed: a window that is read again and again must not
+/// cause more passes.
 void MeetingParticipantMonitor::performMissedPass() {
     if (waitingIn(watched(applications.runningApplications())) != waitingWindows)
         performScan();
@@ -171,7 +172,7 @@ MeetingParticipantMonitor::watched(const std::vector<RunningApplication>& runnin
     return watched;
 }
 
-/// What of them has not been read yet.
+/// Their windows that have not been read yet.
 std::set<MeetingParticipantMonitor::WindowKey>
 MeetingParticipantMonitor::waitingIn(const std::vector<WatchedApplication>& watched) {
     std::set<WindowKey> waiting;
@@ -274,7 +275,7 @@ void MeetingParticipantMonitor::scanWindow(const MeetingPlatform& platform,
     ++pass.coverage.windows;
     pass.coverage.cutShort += findings.isCutShort ? 1 : 0;
     if (findings.textCount == 0)
-        pass.coverage.unread.push_back(
+        pass.coverage.failed.push_back(
             {application.process, application.name, window.title, showsNothing});
     logDiagnostics(platform, findings);
     pass.activeMeetingPlatform = platform.name;
@@ -305,15 +306,15 @@ void MeetingParticipantMonitor::logDiagnostics(const MeetingPlatform& platform,
                            wholeWindowExtent(platform.isBrowser).maxElements, platform.name));
 }
 
-/// Lists what could not be read, once a pass, and logs it when it begins to fail. Its title is
-/// nobody's business, and does not go into the log.
+/// Lists a window or application that could not be read, once a pass, and logs it when it begins to
+/// fail. Titles are private and are not logged.
 void MeetingParticipantMonitor::noteFailing(const WatchedApplication& application, int index,
                                             const std::string& windowTitle,
                                             const std::string& problem, Pass& pass) {
     const WindowKey key{application.process, index};
     if (!pass.failing.insert(key).second)
         return;
-    pass.coverage.unread.push_back({application.process, application.name, windowTitle, problem});
+    pass.coverage.failed.push_back({application.process, application.name, windowTitle, problem});
     if (!failingWindows.contains(key))
         log.notice(fmt::format("{} of {} (PID: {}) can't be read: {}",
                                index == wholeApplication ? "The windows" : "A window",
@@ -326,7 +327,7 @@ void MeetingParticipantMonitor::noteWaiting(const WatchedApplication& applicatio
                                             Pass& pass) {
     if (!pass.waiting.insert({application.process, index}).second)
         return;
-    UnreadMeetingWindow waiting{application.process, application.name, {}, {}};
+    UnseenMeetingWindow waiting{application.process, application.name, {}, {}};
     if (index != wholeApplication) {
         const auto& window = application.windows[static_cast<std::size_t>(index)].window;
         waiting.windowTitle = window.title;
@@ -336,7 +337,7 @@ void MeetingParticipantMonitor::noteWaiting(const WatchedApplication& applicatio
     pass.coverage.notReadYet.push_back(std::move(waiting));
 }
 
-/// Takes over what the next pass has to know.
+/// Stores what the next pass needs to know.
 void MeetingParticipantMonitor::remember(Pass& pass) {
     walks.endPass();
     for (const auto& key : failingWindows)

@@ -1,7 +1,7 @@
-// Finds note-takers among the participants of the user's meetings, and banners that tell of a
-// recording or an assistant: looks at what the windows of meeting applications and browsers show
-// to a screen reader, keeps what it found through gaps, and tells its owner what appears and what
-// is gone. Main thread only. What is read of the windows is not stored.
+// Finds note-takers among the participants of the user's meetings, and banners that announce a
+// recording or an assistant. Looks at the texts that the windows of meeting applications and
+// browsers expose to screen readers, keeps detections through gaps, and calls its owner when one
+// appears or is gone. Main thread only. The texts of the windows are not stored.
 #pragma once
 
 #include "base/Lifetime.h"
@@ -27,57 +27,57 @@
 
 namespace quorva {
 
-/// A window, or an application with all its windows, that a pass could not look at.
-struct UnreadMeetingWindow {
+/// A window that a pass could not look at, or an application with all its windows.
+struct UnseenMeetingWindow {
     ProcessIdentifier processIdentifier = 0;
     std::string applicationName;
     std::string windowTitle; ///< empty: the application as a whole, or a window without a title
     std::string problem;     ///< empty: it has not been read yet
 
-    bool operator==(const UnreadMeetingWindow&) const = default;
+    bool operator==(const UnseenMeetingWindow&) const = default;
 };
 
-/// What the last pass could look at, so that "found nothing" and "could not look" stay apart.
+/// What the last pass could look at. Distinguishes "found nothing" from "could not look".
 struct MeetingCoverage {
-    std::size_t applications = 0;                ///< that run and may hold meetings
-    std::size_t windows = 0;                     ///< of meetings, that were looked at
-    std::size_t cutShort = 0;                    ///< of these, how many hold more than is looked at
-    std::vector<UnreadMeetingWindow> unread;     ///< could not be read, or showed nothing
-    std::vector<UnreadMeetingWindow> notReadYet; ///< still to be read
+    std::size_t applications = 0;                ///< running ones that may hold meetings
+    std::size_t windows = 0;                     ///< meeting windows that were looked at
+    std::size_t cutShort = 0;                    ///< of these, windows larger than the budget
+    std::vector<UnseenMeetingWindow> failed;     ///< could not be read, or were empty
+    std::vector<UnseenMeetingWindow> notReadYet; ///< still to be read
 
     bool operator==(const MeetingCoverage&) const = default;
 };
 
 class MeetingParticipantMonitor {
 public:
-    /// The services must outlive the monitor. Nothing is looked at yet.
+    /// The services must outlive the monitor. It does not look at anything yet.
     MeetingParticipantMonitor(MainLoop& loop, Applications& applications, AccessibilityTree& tree,
                               Log& log);
 
-    /// The bots of the last pass, the highest confidence first, then those kept from earlier ones.
+    /// The bots of the last pass, by falling confidence, then the bots kept from earlier passes.
     Published<std::vector<ParticipantBotDetection>, MeetingParticipantMonitor>
         participantBotDetections;
-    /// The banners of the last pass, then those kept from earlier ones.
+    /// The banners of the last pass, then the banners kept from earlier passes.
     Published<std::vector<RecordingIndicatorDetection>, MeetingParticipantMonitor>
         recordingIndicators;
-    /// Whether passes come by themselves.
+    /// Whether passes run by themselves.
     Published<bool, MeetingParticipantMonitor> isMonitoring{false};
-    /// Whether windows may be read, as it was last looked up. This is its one home: everything else
-    /// observes it. Followed as the service tells of changes.
+    /// Whether windows may be read. Follows the service. This is its one home: everything else
+    /// observes it.
     Published<bool, MeetingParticipantMonitor> hasAccessibilityPermission;
-    /// The platform whose meeting window the last pass found last.
+    /// The platform of the last meeting window that the last pass found.
     Published<std::optional<std::string>, MeetingParticipantMonitor> activeMeetingPlatform;
     /// When the last pass ended.
     Published<std::optional<Time>, MeetingParticipantMonitor> lastScanDate;
     /// What the last pass could look at.
     Published<MeetingCoverage, MeetingParticipantMonitor> coverage;
 
-    /// A participant that is listed for the first time in a row is a bot, or a bot is listed under
-    /// another wording. Called within a pass, before the list changes; may be empty.
+    /// Called when a bot appears that the previous pass did not list, or when a listed bot's text
+    /// changes. Called within a pass, before the list changes; may be empty.
     std::function<void(const ParticipantBotDetection&)> onBotDetected;
-    /// A bot is no longer listed, or no longer under this wording. Called as above.
+    /// Called when a bot is no longer listed, or no longer with this text. As above.
     std::function<void(const ParticipantBotDetection&)> onBotDisappeared;
-    /// The same of banners.
+    /// The same for banners.
     std::function<void(const RecordingIndicatorDetection&)> onRecordingIndicatorDetected;
     std::function<void(const RecordingIndicatorDetection&)> onRecordingIndicatorDisappeared;
 
@@ -87,20 +87,19 @@ public:
     /// Switches the session's accessibility on, at the user's wish.
     void requestPermission();
 
-    /// Starts a pass as a task of its own, then one every 5 seconds, and one when windows have been
-    /// read that the last pass missed. Does nothing when monitoring already, or without permission.
+    /// Runs a pass as a task of its own, then every 5 seconds, and when windows have been read that
+    /// the last pass missed. Does nothing while monitoring, or without permission.
     void startMonitoring();
 
-    /// Ends that, and the reading of windows. What was detected stays listed.
+    /// Stops passes and the reading of windows. Detections stay listed.
     void stopMonitoring();
 
-    /// One pass over the windows as they were last read, and a request to go on reading them.
-    /// Returns at once without permission, when called from within a pass, by a callback, and while
-    /// the applications cannot be listed yet.
+    /// Runs one pass over the windows as they were last read, and requests further reading. Does
+    /// nothing without permission, within a pass, and while the applications cannot be listed yet.
     void performScan();
 
-    /// Asks for the windows to be read, without a pass. Whether a pass would find each of them read
-    /// or not readable, so that waiting longer gains nothing.
+    /// Requests the windows to be read, without a pass. True once every window has been read or has
+    /// failed, which means that waiting longer gains nothing.
     bool readAhead();
 
 private:
@@ -179,7 +178,7 @@ private:
     ProcessesByPlatform knownActiveMeetingPIDs; ///< in which there was a meeting; while they run
     std::map<std::string_view, bool> platformWindowsAccessible; ///< in the last pass
 
-    Lifetime lifetime; // goes first but for what is made with it
+    Lifetime lifetime; // goes first, after the subscription that uses it
     Subscription permissionObserver;
 };
 

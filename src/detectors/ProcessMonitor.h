@@ -20,11 +20,11 @@
 
 namespace quorva {
 
-/// What the last scan could look at, so that "found nothing" and "could not look" stay apart.
+/// What the last scan could look at. Distinguishes "found nothing" from "could not look".
 struct ProcessCoverage {
-    bool listed = false;       ///< the processes could be listed
-    std::size_t processes = 0; ///< how many there were
-    std::size_t denied = 0;    ///< of these, how many kept their executable to themselves
+    bool listed = false;       ///< whether the processes could be listed
+    std::size_t processes = 0; ///< number of processes
+    std::size_t denied = 0;    ///< of these, processes whose executable the kernel does not show
 
     bool operator==(const ProcessCoverage&) const = default;
 };
@@ -35,19 +35,19 @@ public:
     ProcessMonitor(MainLoop& loop, Applications& applications, ProcessTable& processTable,
                    const BotSignatureDatabase& database = BotSignatureDatabase::shared());
 
-    /// One detection per product, the highest confidence first.
+    /// One detection for each product, by falling confidence.
     Published<std::vector<DetectedBot>, ProcessMonitor> detectedBots;
-    /// Whether scans come by themselves: the timer runs and launches and quits are followed.
+    /// Whether scans run by themselves: by timer, and when applications start and end.
     Published<bool, ProcessMonitor> isMonitoring{false};
     /// When the last scan ended.
     Published<std::optional<Time>, ProcessMonitor> lastScanDate;
     /// What the last scan could look at.
     Published<ProcessCoverage, ProcessMonitor> coverage;
 
-    /// A product was found, or found again under another process. Called within a scan, before
-    /// `detectedBots` changes; may be empty.
+    /// Called when a product is found, or is found under another process. Called within a scan,
+    /// before `detectedBots` changes; may be empty.
     std::function<void(const DetectedBot&)> onBotDetected;
-    /// A product has been gone for its grace period. Called as above.
+    /// Called when a product has been gone for its grace period. As above.
     std::function<void(const DetectedBot&)> onBotDisappeared;
 
     /// Scans at once, or as soon as the applications can be listed, then every 3 seconds and
@@ -55,15 +55,15 @@ public:
     /// monitoring already.
     void startMonitoring();
 
-    /// Ends that. What was detected stays listed, and is not announced again by the next start.
+    /// Stops scans. Detections stay listed, and the next start does not announce them again.
     void stopMonitoring();
 
     /// One full scan. Returns at once when called from within a scan, by a callback, and while the
     /// applications cannot be listed yet.
     void scan();
 
-    /// A scan without memory: what it does not see is gone at once, and what it sees starts anew to
-    /// earn its longer grace period.
+    /// Scans without memory: a product that this scan does not see is gone at once, and one that it
+    /// sees starts again to earn the longer grace period.
     void forceRescan();
 
 private:

@@ -74,8 +74,8 @@ BrokenStep MeetingDrill::unfinished() {
         return {notRead, remedies::accessibilityIsOff};
     if (looked.applications == 0)
         return {notRead, "the stand-in has ended or is hidden, or the processes can't be listed"};
-    if (!looked.unread.empty())
-        return {notRead, looked.unread.front().problem};
+    if (!looked.failed.empty())
+        return {notRead, looked.failed.front().problem};
     if (looked.windows == 0)
         return {notRead, "no answer came through the accessibility bus: log in again, or restart "
                          "it with \"systemctl --user restart at-spi-dbus-bus\""};

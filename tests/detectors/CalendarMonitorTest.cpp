@@ -204,7 +204,7 @@ TEST_F(CalendarMonitorTest, waitsForSlowCalendarsWithOneScanAtATime) {
     EXPECT_THAT(announced(), IsEmpty());
 }
 
-TEST_F(CalendarMonitorTest, doesNotTakeAnFailedCalendarForAnEmptyOne) {
+TEST_F(CalendarMonitorTest, doesNotTakeAFailedCalendarForAnEmptyOne) {
     auto other = event("E2", 1h, {otter});
     other.calendarName = "Home";
     store.events = {event("E1", 30min, {otter}), other};

@@ -123,8 +123,8 @@ TEST_F(MeetingParticipantMonitorTest, repeatsItselfOverAWindowThatHasNotChanged)
               3U);
     EXPECT_EQ(log.count("AX tree"), 6U);
     EXPECT_EQ(monitor->participantBotDetections->front().detectedAt, loop.now() - 5s);
-    EXPECT_THAT(monitor->coverage->unread,
-                ElementsAre(UnreadMeetingWindow{zoom, "Zoom", "Zoom Meeting",
+    EXPECT_THAT(monitor->coverage->failed,
+                ElementsAre(UnseenMeetingWindow{zoom, "Zoom", "Zoom Meeting",
                                                 "it shows nothing to a screen reader"}));
 
     tree.applications[chrome].windows[1].title = "Meet – new";
@@ -142,7 +142,7 @@ TEST_F(MeetingParticipantMonitorTest, saysWhatItCouldNotReadAndLogsItWhenItBegin
         pass();
     EXPECT_EQ(monitor->coverage.get(),
               (MeetingCoverage{.applications = 3,
-                               .unread = {{zoom, "Zoom", "", "no answer"},
+                               .failed = {{zoom, "Zoom", "", "no answer"},
                                           {chrome, "Chrome", "Salaries", "it went away"}},
                                .notReadYet = {{chrome, "Chrome", "Zoom Meeting", ""}}}));
     EXPECT_EQ(*monitor->activeMeetingPlatform, std::nullopt);
@@ -210,7 +210,7 @@ TEST_F(MeetingParticipantMonitorTest, looksAgainAtOnceWhenWhatItMissedHasBeenRea
     EXPECT_EQ(loop.now(), begin);
     EXPECT_EQ(passes, 2U);
     EXPECT_THAT(monitor->coverage->notReadYet,
-                ElementsAre(UnreadMeetingWindow{chrome, "Chrome", "", ""}));
+                ElementsAre(UnseenMeetingWindow{chrome, "Chrome", "", ""}));
 
     inZoom({otter, "Fathom Notetaker"});
     tree.reads.call();
@@ -229,7 +229,7 @@ TEST_F(MeetingParticipantMonitorTest, looksAgainAtOnceWhenWhatItMissedHasBeenRea
     shows(chrome, "Meet – a", element(AccessibilityRole::window));
     loop.advance(5s);
     EXPECT_THAT(monitor->coverage->notReadYet,
-                ElementsAre(UnreadMeetingWindow{chrome, "Chrome", "Meet – a",
+                ElementsAre(UnseenMeetingWindow{chrome, "Chrome", "Meet – a",
                                                 "it shows nothing to a screen reader"}));
     shows(chrome, "Meet – a", browserWindow("https://meet.google.com/a", {otter}));
     tree.reads.call();

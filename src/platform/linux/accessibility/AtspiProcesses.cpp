@@ -1,11 +1,9 @@
 #include "platform/linux/accessibility/AtspiProcesses.h"
 
-#include "platform/linux/glib/Handles.h"
+#include "platform/linux/glib/ReadFile.h"
 #include "platform/linux/processes/ProcFormats.h"
 
-#include <array>
 #include <cstdlib>
-#include <fcntl.h>
 #include <optional>
 #include <string>
 #include <system_error>
@@ -18,16 +16,11 @@ namespace {
 constexpr double timeToJoin = 15.0; // seconds
 constexpr int maxGenerations = 64;
 
+constexpr std::size_t mostBytes = 64UL * 1024;
+
 std::optional<std::string> contentOf(const std::filesystem::path& path) {
-    const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
-    if (!file)
-        return std::nullopt;
-    std::string content;
-    std::array<char, 4096> bytes;
-    ssize_t count = 0;
-    while ((count = ::read(file.get(), bytes.data(), bytes.size())) > 0)
-        content.append(bytes.data(), static_cast<std::size_t>(count));
-    return count == 0 ? std::optional(std::move(content)) : std::nullopt;
+    std::error_code error;
+    return readWholeFile(path, mostBytes, error);
 }
 
 /// The systemd control group of the process's Flatpak application; empty for none.

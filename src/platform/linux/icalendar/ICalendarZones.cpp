@@ -1,10 +1,11 @@
 #include "platform/linux/icalendar/ICalendarZones.h"
 
-#include "platform/linux/glib/Handles.h"
+#include "platform/linux/glib/ReadFile.h"
 
 #include <algorithm>
-#include <array>
 #include <fcntl.h>
+#include <string_view>
+#include <system_error>
 
 namespace quorva {
 namespace {
@@ -32,9 +33,9 @@ private:
 bool isInDatabase(const std::string& name) {
     const FileDescriptor fd(
         ::open(("/usr/share/zoneinfo/" + name).c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
-    std::array<char, 4> magic{};
-    return fd && ::read(fd.get(), magic.data(), magic.size()) == 4 &&
-           std::string_view(magic.data(), magic.size()) == "TZif";
+    constexpr std::string_view magic = "TZif";
+    std::error_code error;
+    return fd && readUpTo(fd, magic.size(), error) == magic;
 }
 
 CalendarZonePtr systemZone(const std::string& identifier) {
