@@ -21,6 +21,9 @@ function(quorva_library name)
         target_include_directories(${name} PUBLIC ${root})
         target_link_libraries(${name} PUBLIC ${arg_DEPENDS} ${arg_PACKAGES}
             PRIVATE quorva_compiler)
+        precompile(${name} library_headers quorva_compiler <algorithm> <chrono> <filesystem>
+            <functional> <map> <memory> <optional> <set> <string> <string_view> <utility> <variant>
+            <vector> <fmt/format.h>)
     else()
         add_library(${name} INTERFACE)
         target_include_directories(${name} INTERFACE ${root})
