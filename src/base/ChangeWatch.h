@@ -6,6 +6,8 @@
 #include "base/MainLoop.h"
 #include "base/Published.h"
 
+#include <algorithm>
+#include <iterator>
 #include <utility>
 #include <vector>
 
@@ -25,7 +27,8 @@ public:
     /// The fields must outlive the watch.
     template <typename... Fields>
     void follow(const Fields&... fields) {
-        (subscriptions.push_back(fields.observe([this](const auto&) { schedule(); })), ...);
+        Subscription added[] = {fields.observe([this](const auto&) { schedule(); })...};
+        std::move(std::begin(added), std::end(added), std::back_inserter(subscriptions));
     }
 
     /// Posts `onChange`, unless it is posted already.

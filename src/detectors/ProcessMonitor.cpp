@@ -84,26 +84,30 @@ std::vector<DetectedBot> ProcessMonitor::findBots() {
 }
 
 void ProcessMonitor::findApplications(std::vector<DetectedBot>& found) {
+    using Database = BotSignatureDatabase;
+    using enum DetectionMethod;
     const auto own = lowerCased(applications.ownBundleIdentifier());
     for (auto& application : applications.runningApplications()) {
         if (lowerCased(application.bundleIdentifier) == own)
             continue;
-        const auto tryMatch = [&](std::optional<std::string>& text, auto match,
-                                  DetectionMethod method) {
-            if (!text)
-                return false;
-            const auto matched = (database.*match)(*text);
-            if (matched)
-                found.push_back(
-                    makeBot(*matched, method, application.processIdentifier, std::move(*text)));
-            return matched.has_value();
+        // The first text that matches counts, in this order.
+        const struct {
+            std::optional<std::string>& text;
+            std::optional<BotMatch> (Database::*match)(std::string_view) const;
+            DetectionMethod method;
+        } attempts[] = {
+            {application.bundleIdentifier, &Database::matchBundleIdentifier, bundleIdentifier},
+            {application.localizedName, &Database::matchProcessName, processName},
+            {application.executablePath, &Database::matchProcessPath, processPath},
         };
-        using Database = BotSignatureDatabase;
-        using enum DetectionMethod;
-        tryMatch(application.bundleIdentifier, &Database::matchBundleIdentifier,
-                 bundleIdentifier) ||
-            tryMatch(application.localizedName, &Database::matchProcessName, processName) ||
-            tryMatch(application.executablePath, &Database::matchProcessPath, processPath);
+        for (const auto& [text, match, method] : attempts) {
+            const auto matched = text ? (database.*match)(*text) : std::nullopt;
+            if (!matched)
+                continue;
+            found.push_back(
+                makeBot(*matched, method, application.processIdentifier, std::move(*text)));
+            break;
+        }
     }
 }
 

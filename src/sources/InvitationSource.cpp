@@ -135,7 +135,9 @@ InvitationSource::InvitationSource(Platform& platform, Preferences& preferences)
         gone(std::make_shared<InvitationFinding>(bot));
     };
     followList(monitor.calendarDetections);
-    followState(monitor.failedCalendars, monitor.calendarCount, monitor.lastScanDate);
+    followState(monitor.failedCalendars);
+    followState(monitor.calendarCount);
+    followState(monitor.lastScanDate);
     followPermission(monitor.authorizationStatus);
 }
 

@@ -53,8 +53,10 @@ MeetingSource::MeetingSource(Platform& platform)
     monitor.onRecordingIndicatorDisappeared = [this](const RecordingIndicatorDetection& banner) {
         gone(std::make_shared<BannerFinding>(banner));
     };
-    followList(monitor.participantBotDetections, monitor.recordingIndicators);
-    followState(monitor.coverage, monitor.lastScanDate);
+    followList(monitor.participantBotDetections);
+    followList(monitor.recordingIndicators);
+    followState(monitor.coverage);
+    followState(monitor.lastScanDate);
     followPermission(monitor.hasAccessibilityPermission);
 }
 

@@ -129,7 +129,8 @@ ProcessSource::ProcessSource(Platform& platform)
         gone(std::make_shared<ProcessFinding>(bot));
     };
     followList(monitor.detectedBots);
-    followState(monitor.coverage, monitor.lastScanDate);
+    followState(monitor.coverage);
+    followState(monitor.lastScanDate);
 }
 
 void ProcessSource::look(Task done) {

@@ -85,14 +85,14 @@ protected:
     [[nodiscard]] virtual SourceState obstacle() const = 0;
     [[nodiscard]] virtual Findings list() const = 0;
 
-    /// Update the state, or the list, when one of these fields changes.
-    template <typename... Fields>
-    void followState(const Fields&... fields) {
-        (subscriptions.push_back(fields.observeChanges([this] { schedule(isStateDue); })), ...);
+    /// Update the state, or the list, when this field changes.
+    template <typename Field>
+    void followState(const Field& field) {
+        subscriptions.push_back(field.observeChanges([this] { schedule(isStateDue); }));
     }
-    template <typename... Fields>
-    void followList(const Fields&... fields) {
-        (subscriptions.push_back(fields.observeChanges([this] { schedule(isListDue); })), ...);
+    template <typename Field>
+    void followList(const Field& field) {
+        subscriptions.push_back(field.observeChanges([this] { schedule(isListDue); }));
     }
     /// Updates the state and starts watching when this field, on which `mayLook` depends, changes.
     template <typename Field>

@@ -23,10 +23,7 @@ constexpr guint statusRetryInterval = 15'000;
 
 AtspiWorker::AtspiWorker(Reports reports_) : reports(std::move(reports_)) {}
 
-AtspiWorker::~AtspiWorker() {
-    if (launcherWatch != 0)
-        g_bus_unwatch_name(launcherWatch);
-}
+AtspiWorker::~AtspiWorker() = default;
 
 void AtspiWorker::start() {
     g_bus_get(G_BUS_TYPE_SESSION, nullptr, asyncCallback,
@@ -47,15 +44,9 @@ void AtspiWorker::adoptSession(GObjectPtr<GDBusConnection> bus) {
                                         .path = launcherPath,
                                         .firstArgument = statusInterface},
                                        [this](const BusSignal&) { askStatus(); });
-    launcherWatch = g_bus_watch_name_on_connection(
-        session.get(), launcherName, G_BUS_NAME_WATCHER_FLAGS_NONE,
-        [](GDBusConnection*, const gchar*, const gchar*, gpointer self) {
-            static_cast<AtspiWorker*>(self)->askStatus();
-        },
-        [](GDBusConnection*, const gchar*, gpointer self) {
-            static_cast<AtspiWorker*>(self)->askStatus();
-        },
-        this, nullptr);
+    launcherWatch = watchBusName(
+        session.get(), launcherName, [this](const std::string&) { askStatus(); },
+        [this] { askStatus(); });
 }
 
 /// The call starts the launcher where it is not running.

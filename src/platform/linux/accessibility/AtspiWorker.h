@@ -50,7 +50,7 @@ private:
     const Reports reports;
     GObjectPtr<GDBusConnection> session;
     Subscription statusChanges;
-    guint launcherWatch = 0;
+    Subscription launcherWatch;
     GSourcePtr retry;
     bool isTrusted = false;
     bool isConnecting = false;

@@ -1,5 +1,7 @@
 #include "platform/linux/desktop/LinuxPanelWatch.h"
 
+#include "platform/linux/glib/BusSignals.h"
+
 #include <fmt/format.h>
 
 #include <cstdlib>
@@ -50,22 +52,11 @@ bool LinuxPanelWatch::hasDisplay() {
 LinuxPanelWatch::LinuxPanelWatch(MainLoop& loop_, GObjectPtr<GDBusConnection> bus_)
     : loop(loop_), bus(std::move(bus_)) {
     if (bus)
-        watch = g_bus_watch_name_on_connection(
-            bus.get(), watcherName, G_BUS_NAME_WATCHER_FLAGS_NONE,
-            [](GDBusConnection*, const gchar*, const gchar*, gpointer self) {
-                static_cast<LinuxPanelWatch*>(self)->setHasWatcher(true);
-            },
-            [](GDBusConnection*, const gchar*, gpointer self) {
-                static_cast<LinuxPanelWatch*>(self)->setHasWatcher(false);
-            },
-            this, nullptr);
+        watch = watchBusName(
+            bus.get(), watcherName, [this](const std::string&) { setHasWatcher(true); },
+            [this] { setHasWatcher(false); });
     else
         lookForManager();
-}
-
-LinuxPanelWatch::~LinuxPanelWatch() {
-    if (watch != 0)
-        g_bus_unwatch_name(watch);
 }
 
 void LinuxPanelWatch::setHasWatcher(bool isThere) {

@@ -16,7 +16,6 @@ public:
     /// `bus` is the session bus, or null. The loop must outlive the watch. The X server is asked
     /// over a separate connection, at once and every 15 seconds while there is no panel.
     LinuxPanelWatch(MainLoop& loop, GObjectPtr<GDBusConnection> bus);
-    ~LinuxPanelWatch() override;
 
     LinuxPanelWatch(const LinuxPanelWatch&) = delete;
     LinuxPanelWatch& operator=(const LinuxPanelWatch&) = delete;
@@ -35,7 +34,7 @@ private:
 
     MainLoop& loop;
     const GObjectPtr<GDBusConnection> bus;
-    guint watch = 0;
+    Subscription watch;
     bool hasWatcher = false;
     bool hasManager = false;
     Timer managerTimer;

@@ -1,6 +1,7 @@
 #include "platform/linux/drill/DrillProcess.h"
 
 #include "platform/linux/drill/DrillMode.h"
+#include "platform/linux/glib/AsyncCall.h"
 #include "platform/linux/glib/MainContext.h"
 #include "platform/linux/glib/Utf8.h"
 
@@ -10,8 +11,6 @@
 
 namespace quorva {
 namespace {
-
-using HearLine = std::function<void(const std::string&)>;
 
 std::vector<const char*> pointersTo(const std::vector<std::string>& texts) {
     std::vector<const char*> pointers;
@@ -57,14 +56,13 @@ DrillProcess::~DrillProcess() {
 void DrillProcess::listen() {
     output.reset(g_data_input_stream_new(g_subprocess_get_stdout_pipe(process.get())));
     g_data_input_stream_read_line_async(
-        output.get(), G_PRIORITY_DEFAULT, nullptr,
-        [](GObject* stream, GAsyncResult* result, gpointer owned) {
-            const std::unique_ptr<HearLine> hear(static_cast<HearLine*>(owned));
+        output.get(), G_PRIORITY_DEFAULT, nullptr, asyncCallback,
+        asyncData([heard = lifetime.guard([this](const std::string& line) { hear(line); })](
+                      GObject* stream, GAsyncResult* result) {
             const GCharsPtr line(g_data_input_stream_read_line_finish(G_DATA_INPUT_STREAM(stream),
                                                                       result, nullptr, nullptr));
-            (*hear)(line ? line.get() : "it ended before it was ready");
-        },
-        new HearLine(lifetime.guard([this](const std::string& line) { hear(line); })));
+            heard(line ? line.get() : "it ended before it was ready");
+        }));
 }
 
 void DrillProcess::hear(const std::string& line) {

@@ -1,4 +1,4 @@
-// Subscriptions to the signals of a D-Bus connection.
+// Signals of a D-Bus connection, and owners of its names, as subscriptions.
 #pragma once
 
 #include "base/Subscription.h"
@@ -6,6 +6,7 @@
 
 #include <functional>
 #include <memory>
+#include <string>
 #include <utility>
 
 namespace quorva {
@@ -58,6 +59,31 @@ subscribeToSignals(GDBusConnection* bus, const BusSignalFilter& filter,
         delivery->hasEnded = true;
         g_dbus_connection_signal_unsubscribe(held.get(), id);
     });
+}
+
+/// Follows the owner of a bus name: calls `onOwner` with the unique name of each owner and
+/// `onVanished` when there is none, first with the present state. Either may be empty. Main
+/// context, thread and end as above.
+[[nodiscard]] inline Subscription
+watchBusName(GDBusConnection* bus, const char* name,
+             std::function<void(const std::string& owner)> onOwner, Task onVanished) {
+    struct Watch {
+        std::function<void(const std::string&)> onOwner;
+        Task onVanished;
+    };
+    const guint id = g_bus_watch_name_on_connection(
+        bus, name, G_BUS_NAME_WATCHER_FLAGS_NONE,
+        [](GDBusConnection*, const gchar*, const gchar* owner, gpointer data) {
+            if (const auto& callback = static_cast<Watch*>(data)->onOwner)
+                callback(owner);
+        },
+        [](GDBusConnection*, const gchar*, gpointer data) {
+            if (const auto& callback = static_cast<Watch*>(data)->onVanished)
+                callback();
+        },
+        new Watch{std::move(onOwner), std::move(onVanished)},
+        [](gpointer data) { delete static_cast<Watch*>(data); });
+    return Subscription([id] { g_bus_unwatch_name(id); });
 }
 
 } // namespace quorva

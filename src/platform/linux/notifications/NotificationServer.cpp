@@ -49,16 +49,10 @@ NotificationServer::NotificationServer(MainLoop& loop_, Log& log_, GObjectPtr<GD
                                if (hasOwner() && signal.sender != nullptr && signal.sender == owner)
                                    callbacks.onSignal(signal);
                            });
-    const guint watch = g_bus_watch_name_on_connection(
-        bus.get(), notifications::name, G_BUS_NAME_WATCHER_FLAGS_NONE,
-        [](GDBusConnection*, const gchar*, const gchar* newOwner, gpointer self) {
-            static_cast<NotificationServer*>(self)->adoptOwner(newOwner);
-        },
-        [](GDBusConnection*, const gchar*, gpointer self) {
-            static_cast<NotificationServer*>(self)->handleOwnerGone();
-        },
-        this, nullptr);
-    nameWatch = Subscription([watch] { g_bus_unwatch_name(watch); });
+    nameWatch = watchBusName(
+        bus.get(), notifications::name,
+        [this](const std::string& newOwner) { adoptOwner(newOwner); },
+        [this] { handleOwnerGone(); });
 }
 
 /// Ends whatever the previous state was waiting for.

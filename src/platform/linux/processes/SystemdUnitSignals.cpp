@@ -11,9 +11,9 @@ constexpr const char* managerPath = "/org/freedesktop/systemd1";
 constexpr const char* managerInterface = "org.freedesktop.systemd1.Manager";
 
 /// The manager sends signals only while a client has subscribed.
-void subscribeAtManager(GDBusConnection* bus, const gchar*, const gchar* owner, gpointer) {
-    g_dbus_connection_call(bus, owner, managerPath, managerInterface, "Subscribe", nullptr, nullptr,
-                           G_DBUS_CALL_FLAGS_NO_AUTO_START, -1, nullptr, nullptr, nullptr);
+void subscribeAtManager(GDBusConnection* bus, const std::string& owner) {
+    g_dbus_connection_call(bus, owner.c_str(), managerPath, managerInterface, "Subscribe", nullptr,
+                           nullptr, G_DBUS_CALL_FLAGS_NO_AUTO_START, -1, nullptr, nullptr, nullptr);
 }
 
 /// The unit's name in a signal's parameters; empty when they are not of the expected types.
@@ -34,21 +34,19 @@ SystemdUnitSignals::SystemdUnitSignals(GObjectPtr<GDBusConnection> bus_, Task on
     signals = subscribeToSignals(
         bus.get(), {.sender = managerName, .interface = managerInterface, .path = managerPath},
         [this](const BusSignal& signal) { receive(signal.member, signal.parameters); });
-    nameWatch =
-        g_bus_watch_name_on_connection(bus.get(), managerName, G_BUS_NAME_WATCHER_FLAGS_NONE,
-                                       subscribeAtManager, nullptr, nullptr, nullptr);
-}
-
-SystemdUnitSignals::~SystemdUnitSignals() {
-    g_bus_unwatch_name(nameWatch);
+    nameWatch = watchBusName(
+        bus.get(), managerName,
+        [this](const std::string& owner) { subscribeAtManager(bus.get(), owner); }, {});
 }
 
 void SystemdUnitSignals::receive(const std::string& signal, GVariant* parameters) const {
     const bool isStart = signal == "UnitNew" || signal == "JobRemoved";
     if (!isStart && signal != "UnitRemoved")
         return;
-    if (applicationOfUnit(unitOf(signal, parameters)))
-        (isStart ? onStarted : onEnded)();
+    if (!applicationOfUnit(unitOf(signal, parameters)))
+        return;
+    const Task& callback = isStart ? onStarted : onEnded;
+    callback();
 }
 
 } // namespace quorva

@@ -15,7 +15,6 @@ class SystemdUnitSignals {
 public:
     /// `bus` is the session bus. The callbacks may be called several times for one unit.
     SystemdUnitSignals(GObjectPtr<GDBusConnection> bus, Task onStarted, Task onEnded);
-    ~SystemdUnitSignals();
 
     SystemdUnitSignals(const SystemdUnitSignals&) = delete;
     SystemdUnitSignals& operator=(const SystemdUnitSignals&) = delete;
@@ -27,7 +26,7 @@ private:
     const Task onStarted;
     const Task onEnded;
     Subscription signals;
-    guint nameWatch = 0;
+    Subscription nameWatch;
 };
 
 } // namespace quorva
