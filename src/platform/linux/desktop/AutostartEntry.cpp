@@ -5,6 +5,8 @@
 #include "platform/linux/glib/Utf8.h"
 #include "platform/linux/storage/LinuxWholeFile.h"
 
+#include <fmt/format.h>
+
 #include <chrono>
 #include <cstdlib>
 #include <string_view>
@@ -45,7 +47,7 @@ Time lastChange(const FileStamp& stamp) {
 } // namespace
 
 AutostartEntry::AutostartEntry(const fs::path& folder, std::string program_)
-    : file(folder / "autostart" / (std::string(applicationId) + ".desktop")),
+    : file(folder / "autostart" / fmt::format("{}.desktop", applicationId)),
       program(std::move(program_)) {}
 
 LoginItemStatus AutostartEntry::status() const {
