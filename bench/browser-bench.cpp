@@ -108,7 +108,7 @@ private:
 
     static bool isWalked(AtspiAccessible* child, int depth) {
         const auto role = static_cast<std::uint32_t>(atspi_accessible_get_role(child, nullptr));
-        if (!wholeWindowExtent(true).descends(AccessibilityRole::other, roleOf(role), depth - 1))
+        if (!wholePageExtent().descends(AccessibilityRole::other, roleOf(role), depth - 1))
             return false;
         if (role != static_cast<std::uint32_t>(AtspiRole::documentWeb))
             return true;
@@ -156,8 +156,9 @@ public:
     /// The page's tree, after it has been read completely.
     AccessibleElementPtr page() {
         for (const auto& window : tree.windows(process).windows)
-            if (window.state == ReadState::read && window.extent == wholeWindowExtent(true))
-                return window.tree;
+            for (const auto& page : window.pages)
+                if (page.state == ReadState::read && page.extent == wholePageExtent())
+                    return page.tree;
         return nullptr;
     }
 

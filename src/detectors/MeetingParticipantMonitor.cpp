@@ -1,8 +1,6 @@
 #include "detectors/MeetingParticipantMonitor.h"
 
-#include "base/Text.h"
 #include "detectors/Difference.h"
-#include "detectors/WindowScan.h"
 
 #include <fmt/format.h>
 
@@ -12,21 +10,7 @@
 namespace quorva {
 namespace {
 
-constexpr int wholeApplication = -1; ///< in place of a window's index
-constexpr auto showsNothing = "it shows nothing to a screen reader";
-constexpr std::size_t fewTexts = 20; ///< a page with fewer is only part of a meeting's page
-
-bool hostsMeetings(const std::string& bundleIdentifier) {
-    const auto platforms = meetingPlatforms();
-    return std::any_of(platforms.begin(), platforms.end(), [&](const MeetingPlatform& platform) {
-        return isHostedBy(platform, bundleIdentifier);
-    });
-}
-
-template <typename Element>
-void append(std::vector<Element>& all, const std::vector<Element>& more) {
-    all.insert(all.end(), more.begin(), more.end());
-}
+constexpr Seconds timeToRepeat{300}; ///< what was logged is not logged again within this time
 
 template <typename Detection>
 void announce(const std::vector<Detection>& next,
@@ -108,22 +92,28 @@ void MeetingParticipantMonitor::scheduleMissedPass() {
 /// Only if the list of waiting windows changed: a window that is read again and again must not
 /// cause more passes.
 void MeetingParticipantMonitor::performMissedPass() {
-    if (waitingIn(watched(applications.runningApplications())) != waitingWindows)
+    if (waitingIn(meetingApplications(applications.runningApplications(), tree)) != waitingWindows)
         performScan();
 }
 
 void MeetingParticipantMonitor::performScan() {
-    if (!hasAccessibilityPermission || isScanning || !applications.isReady())
+    if (isScanning || !applications.isReady())
         return;
     isScanning = true;
-    Pass pass = beginPass();
-    for (const auto& platform : meetingPlatforms())
-        scanPlatform(platform, pass);
-    request(pass.applications);
-    remember(pass);
-    publish(pass);
+    if (hasAccessibilityPermission) {
+        const auto present = meetingApplications(applications.runningApplications(), tree);
+        enable(present);
+        auto results = MeetingPass(present, walks, loop.now()).results;
+        request(present);
+        remember(results);
+        publish(std::move(results));
+        lastScanDate = loop.now();
+    } else if (!participantBotDetections->empty() || !recordingIndicators->empty()) {
+        MeetingPass::Results nothingSeen;
+        remember(nothingSeen);
+        publish(std::move(nothingSeen));
+    }
     isScanning = false;
-    lastScanDate = loop.now();
 }
 
 bool MeetingParticipantMonitor::readAhead() {
@@ -131,7 +121,7 @@ bool MeetingParticipantMonitor::readAhead() {
         return true;
     if (!applications.isReady())
         return false;
-    const auto present = watched(applications.runningApplications());
+    const auto present = meetingApplications(applications.runningApplications(), tree);
     bool isEnabling = false;
     for (const auto& application : present)
         if (const auto which = accessibilitySwitchOf(application.bundleIdentifier))
@@ -140,58 +130,43 @@ bool MeetingParticipantMonitor::readAhead() {
     return !isEnabling && waitingIn(present).empty();
 }
 
-MeetingParticipantMonitor::Pass MeetingParticipantMonitor::beginPass() {
-    Pass pass{.now = loop.now()};
-    const auto running = applications.runningApplications();
-    for (const auto& application : running)
-        pass.running.insert(application.processIdentifier);
-    pass.applications = watched(running);
-    pass.coverage.applications = pass.applications.size();
-    return pass;
-}
-
-/// The applications that may hold meetings, with their windows as they were last read.
-std::vector<MeetingParticipantMonitor::WatchedApplication>
-MeetingParticipantMonitor::watched(const std::vector<RunningApplication>& running) const {
-    std::vector<WatchedApplication> watched;
-    for (const auto& application : running) {
-        if (!application.bundleIdentifier || !hostsMeetings(*application.bundleIdentifier))
+void MeetingParticipantMonitor::enable(const std::vector<MeetingApplication>& present) {
+    for (const auto& application : present) {
+        const auto which = accessibilitySwitchOf(application.bundleIdentifier);
+        if (!which)
             continue;
-        auto [state, problem, windows] = tree.windows(application.processIdentifier);
-        auto& added = watched.emplace_back(WatchedApplication{
-            .process = application.processIdentifier,
-            .bundleIdentifier = *application.bundleIdentifier,
-            .name = application.localizedName.value_or(*application.bundleIdentifier),
-            .state = state,
-            .problem = std::move(problem),
-        });
-        if (state == ReadState::read)
-            for (auto& window : windows)
-                added.windows.push_back(label(std::move(window)));
+        const auto process = application.process;
+        const int error = tree.enable(process, *which);
+        const bool isElectron = which == AccessibilitySwitch::manualAccessibility;
+        if (error == 0)
+            say(LogLevel::debug, fmt::format("Enabled {} (PID: {})",
+                                             isElectron ? "Accessibility tree for Electron app"
+                                                        : "AXEnhancedUserInterface for browser",
+                                             process));
+        else if (isElectron)
+            say(LogLevel::debug, fmt::format("Could not enable AX tree for PID {} (error: {}) — "
+                                             "will use partial tree",
+                                             process, error));
+        else
+            say(LogLevel::debug,
+                fmt::format("Could not enable AXEnhancedUserInterface for PID {} (error: {})",
+                            process, error));
     }
-    return watched;
 }
 
-/// Their windows that have not been read yet.
-std::set<MeetingParticipantMonitor::WindowKey>
-MeetingParticipantMonitor::waitingIn(const std::vector<WatchedApplication>& watched) {
-    std::set<WindowKey> waiting;
-    for (const auto& application : watched) {
-        if (application.state == ReadState::notReadYet)
-            waiting.insert({application.process, wholeApplication});
-        for (const auto& platform : meetingPlatforms())
-            if (isHostedBy(platform, application.bundleIdentifier))
-                for (std::size_t i = 0; i < application.windows.size(); ++i)
-                    if (kindOf(application.windows[i], platform) == WindowKind::notReadYet)
-                        waiting.insert({application.process, static_cast<int>(i)});
-    }
-    return waiting;
+/// Logs a message that has not been logged lately: only changes are of interest.
+void MeetingParticipantMonitor::say(LogLevel level, const std::string& message) {
+    const auto now = loop.now();
+    const auto [at, isNew] = said.try_emplace(message, now);
+    if (isNew)
+        log.write(level, message, logCategory::participant, CallSite::current());
+    at->second = now;
 }
 
-void MeetingParticipantMonitor::request(const std::vector<WatchedApplication>& watched) {
+void MeetingParticipantMonitor::request(const std::vector<MeetingApplication>& present) {
     std::vector<ReadingRequest> requests;
-    requests.reserve(watched.size());
-    for (const auto& application : watched)
+    requests.reserve(present.size());
+    for (const auto& application : present)
         requests.push_back({application.process, planFor(application.bundleIdentifier)});
     tree.request(std::move(requests));
 }
@@ -204,172 +179,44 @@ MeetingParticipantMonitor::planFor(const std::string& bundleIdentifier) {
     return plan;
 }
 
-void MeetingParticipantMonitor::scanPlatform(const MeetingPlatform& platform, Pass& pass) {
-    for (const auto& application : pass.applications) {
-        if (!isHostedBy(platform, application.bundleIdentifier))
-            continue;
-        enable(application);
-        if (application.state == ReadState::read)
-            scanApplication(platform, application, pass);
-        else if (application.state == ReadState::couldNotBeRead)
-            noteFailing(application, wholeApplication, {}, application.problem, pass);
-        else
-            noteWaiting(application, wholeApplication, pass);
-    }
-}
-
-void MeetingParticipantMonitor::enable(const WatchedApplication& application) {
-    const auto which = accessibilitySwitchOf(application.bundleIdentifier);
-    if (!which)
-        return;
-    const auto process = application.process;
-    const int error = tree.enable(process, *which);
-    const bool isElectron = which == AccessibilitySwitch::manualAccessibility;
-    std::string message;
-    if (error == 0)
-        message =
-            isElectron
-                ? fmt::format("Enabled Accessibility tree for Electron app (PID: {})", process)
-                : fmt::format("Enabled AXEnhancedUserInterface for browser (PID: {})", process);
-    else
-        message = isElectron ? fmt::format("Could not enable AX tree for PID {} (error: {}) — will "
-                                           "use partial tree",
-                                           process, error)
-                             : fmt::format("Could not enable AXEnhancedUserInterface for PID {} "
-                                           "(error: {})",
-                                           process, error);
-    log.debug(message, logCategory::participant);
-}
-
-void MeetingParticipantMonitor::scanApplication(const MeetingPlatform& platform,
-                                                const WatchedApplication& application, Pass& pass) {
-    for (std::size_t i = 0; i < application.windows.size(); ++i) {
-        const WindowKey key{application.process, static_cast<int>(i)};
-        if (platform.isBrowser && pass.claimedBrowserWindows.contains(key))
-            continue;
-        const auto& labelled = application.windows[i];
-        const auto& window = labelled.window;
-        switch (kindOf(labelled, platform)) {
-        case WindowKind::none:
-            break;
-        case WindowKind::notReadYet:
-            noteWaiting(application, key.second, pass);
-            break;
-        case WindowKind::couldNotBeRead:
-            noteFailing(application, key.second, window.title, window.problem, pass);
-            break;
-        case WindowKind::meeting:
-            if (platform.isBrowser)
-                pass.claimedBrowserWindows.insert(key);
-            scanWindow(platform, application, window, pass);
-            break;
-        }
-    }
-}
-
-void MeetingParticipantMonitor::scanWindow(const MeetingPlatform& platform,
-                                           const WatchedApplication& application,
-                                           const AccessibleWindow& window, Pass& pass) {
-    pass.scannedPlatformNames.insert(platform.name);
-    const auto& findings = walks.walk(platform, window, pass.now);
-    ++pass.coverage.windows;
-    pass.coverage.cutShort += findings.isCutShort ? 1 : 0;
-    if (findings.textCount == 0)
-        pass.coverage.failed.push_back(
-            {application.process, application.name, window.title, showsNothing});
-    logDiagnostics(platform, findings);
-    pass.activeMeetingPlatform = platform.name;
-    if (!findings.isMeeting) {
-        log.debug("Teams window without active meeting signals — skipped",
-                  logCategory::participant);
-        return;
-    }
-    pass.activeProcesses[platform.name].insert(application.process);
-    append(pass.bots, findings.bots);
-    append(pass.indicators, findings.indicators);
-}
-
-void MeetingParticipantMonitor::logDiagnostics(const MeetingPlatform& platform,
-                                               const MeetingWindowFindings& findings) {
-    const auto notice = [&](const std::string& message) {
-        log.notice(message, logCategory::participant);
-    };
-    if (findings.textCount == 0)
-        notice(
-            fmt::format("AX tree empty for {} window — permission or browser AX setting may be off",
-                        platform.name));
-    else if (platform.isBrowser && findings.textCount < fewTexts)
-        notice(fmt::format("AX tree partial for {}: only {} elements (expected 100+)",
-                           platform.name, findings.textCount));
-    if (findings.isCutShort)
-        notice(fmt::format("Element budget exhausted ({}) scanning {}",
-                           wholeWindowExtent(platform.isBrowser).maxElements, platform.name));
-}
-
-/// Lists a window or application that could not be read, once a pass, and logs it when it begins to
-/// fail. Titles are private and are not logged.
-void MeetingParticipantMonitor::noteFailing(const WatchedApplication& application, int index,
-                                            const std::string& windowTitle,
-                                            const std::string& problem, Pass& pass) {
-    const WindowKey key{application.process, index};
-    if (!pass.failing.insert(key).second)
-        return;
-    pass.coverage.failed.push_back({application.process, application.name, windowTitle, problem});
-    if (!failingWindows.contains(key))
-        log.notice(fmt::format("{} of {} (PID: {}) can't be read: {}",
-                               index == wholeApplication ? "The windows" : "A window",
-                               printable(application.name), application.process,
-                               printable(problem)),
-                   logCategory::participant);
-}
-
-void MeetingParticipantMonitor::noteWaiting(const WatchedApplication& application, int index,
-                                            Pass& pass) {
-    if (!pass.waiting.insert({application.process, index}).second)
-        return;
-    UnseenMeetingWindow waiting{application.process, application.name, {}, {}};
-    if (index != wholeApplication) {
-        const auto& window = application.windows[static_cast<std::size_t>(index)].window;
-        waiting.windowTitle = window.title;
-        if (window.tree && window.tree->children.empty())
-            waiting.problem = showsNothing;
-    }
-    pass.coverage.notReadYet.push_back(std::move(waiting));
-}
-
 /// Stores what the next pass needs to know.
-void MeetingParticipantMonitor::remember(Pass& pass) {
-    walks.endPass();
-    for (const auto& key : failingWindows)
-        if (pass.waiting.contains(key)) // being read again, which may fail again
-            pass.failing.insert(key);
-    failingWindows = std::move(pass.failing);
+void MeetingParticipantMonitor::remember(MeetingPass::Results& pass) {
     waitingWindows = std::move(pass.waiting);
+    for (const auto& [level, message] : pass.messages)
+        say(level, message);
+    const auto now = loop.now();
+    std::erase_if(said, [&](const auto& each) { return now - each.second >= timeToRepeat; });
 
-    platformWindowsAccessible.clear();
-    for (const auto& platform : meetingPlatforms())
-        platformWindowsAccessible[platform.name] =
-            pass.scannedPlatformNames.contains(platform.name);
-    for (auto& [name, processes] : pass.activeProcesses)
+    hiddenPlatforms.clear();
+    for (const auto& meeting : pass.coverage.unseen)
+        if (meeting.cause == UnseenMeeting::Cause::inBackgroundTab ||
+            meeting.cause == UnseenMeeting::Cause::notInFront)
+            hiddenPlatforms.insert(meeting.platformName);
+    accessiblePlatforms = std::move(pass.platforms);
+
+    std::set<ProcessIdentifier> running;
+    for (const auto& application : applications.runningApplications())
+        running.insert(application.processIdentifier);
+    for (auto& [name, processes] : pass.processes)
         knownActiveMeetingPIDs[name].merge(processes);
     for (auto& [name, processes] : knownActiveMeetingPIDs)
-        std::erase_if(processes, [&](auto process) { return !pass.running.contains(process); });
+        std::erase_if(processes, [&](auto process) { return !running.contains(process); });
     std::erase_if(knownActiveMeetingPIDs, [](const auto& entry) { return entry.second.empty(); });
 }
 
-void MeetingParticipantMonitor::publish(Pass& pass) {
+void MeetingParticipantMonitor::publish(MeetingPass::Results pass) {
     coverage = std::move(pass.coverage);
     activeMeetingPlatform = pass.activeMeetingPlatform;
 
     auto foundBots = firstOfEachKey(std::move(pass.bots));
     std::stable_sort(foundBots.begin(), foundBots.end(),
                      [](const auto& a, const auto& b) { return a.confidence > b.confidence; });
-    auto bots = retainedBots.endPass(std::move(foundBots), pass.now,
+    auto bots = retainedBots.endPass(std::move(foundBots), loop.now(),
                                      [this](const auto& bot, const Absence& absence) {
                                          return meetingGracePeriod(absence, reachOf(bot));
                                      });
     auto indicators = retainedIndicators.endPass(
-        firstOfEachKey(std::move(pass.indicators)), pass.now,
+        firstOfEachKey(std::move(pass.indicators)), loop.now(),
         [&](const auto& indicator, const Absence& absence) {
             auto reach = reachOf(indicator);
             reach.isOver =
@@ -386,9 +233,9 @@ void MeetingParticipantMonitor::publish(Pass& pass) {
 
 template <typename Detection>
 MeetingReach MeetingParticipantMonitor::reachOf(const Detection& detection) const {
-    const auto accessible = platformWindowsAccessible.find(detection.platformName);
-    return {.isRunning = knownActiveMeetingPIDs.contains(detection.platformName),
-            .isAccessible = accessible != platformWindowsAccessible.end() && accessible->second};
+    return {.isKeptBack = hiddenPlatforms.contains(detection.platformName),
+            .isRunning = knownActiveMeetingPIDs.contains(detection.platformName),
+            .isAccessible = accessiblePlatforms.contains(detection.platformName)};
 }
 
 } // namespace quorva

@@ -8,6 +8,7 @@
 #include "base/MainLoop.h"
 #include "base/Published.h"
 #include "catalogue/Records.h"
+#include "detectors/MeetingPass.h"
 #include "detectors/MeetingWindowWalks.h"
 #include "detectors/MeetingWindows.h"
 #include "detectors/Retention.h"
@@ -22,31 +23,9 @@
 #include <set>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 namespace quorva {
-
-/// A window that a pass could not look at, or an application with all its windows.
-struct UnseenMeetingWindow {
-    ProcessIdentifier processIdentifier = 0;
-    std::string applicationName;
-    std::string windowTitle; ///< empty: the application as a whole, or a window without a title
-    std::string problem;     ///< empty: it has not been read yet
-
-    bool operator==(const UnseenMeetingWindow&) const = default;
-};
-
-/// What the last pass could look at. Distinguishes "found nothing" from "could not look".
-struct MeetingCoverage {
-    std::size_t applications = 0;                ///< running ones that may hold meetings
-    std::size_t windows = 0;                     ///< meeting windows that were looked at
-    std::size_t cutShort = 0;                    ///< of these, windows larger than the budget
-    std::vector<UnseenMeetingWindow> failed;     ///< could not be read, or were empty
-    std::vector<UnseenMeetingWindow> notReadYet; ///< still to be read
-
-    bool operator==(const MeetingCoverage&) const = default;
-};
 
 class MeetingParticipantMonitor {
 public:
@@ -65,7 +44,7 @@ public:
     /// Whether windows may be read. Follows the service. This is its one home: everything else
     /// observes it.
     Published<bool, MeetingParticipantMonitor> hasAccessibilityPermission;
-    /// The platform of the last meeting window that the last pass found.
+    /// The platform of the last meeting that the last pass found.
     Published<std::optional<std::string>, MeetingParticipantMonitor> activeMeetingPlatform;
     /// When the last pass ended.
     Published<std::optional<Time>, MeetingParticipantMonitor> lastScanDate;
@@ -95,7 +74,8 @@ public:
     void stopMonitoring();
 
     /// Runs one pass over the windows as they were last read, and requests further reading. Does
-    /// nothing without permission, within a pass, and while the applications cannot be listed yet.
+    /// nothing within a pass, and while the applications cannot be listed yet. Without permission,
+    /// it looks at nothing, and what was listed goes after its grace period.
     void performScan();
 
     /// Requests the windows to be read, without a pass. True once every window has been read or has
@@ -103,53 +83,13 @@ public:
     bool readAhead();
 
 private:
-    struct WatchedApplication {
-        ProcessIdentifier process;
-        std::string bundleIdentifier;
-        std::string name;
-        ReadState state;
-        std::string problem;
-        std::vector<LabelledWindow> windows;
-    };
-    using WindowKey = std::pair<ProcessIdentifier, int>; ///< and the window's index
-    using ProcessesByPlatform = std::map<std::string_view, std::set<ProcessIdentifier>>;
-    /// The working state of one pass.
-    struct Pass {
-        Time now;
-        std::set<ProcessIdentifier> running;
-        std::vector<WatchedApplication> applications;
-        std::set<WindowKey> claimedBrowserWindows;
-        std::set<std::string_view> scannedPlatformNames;
-        ProcessesByPlatform activeProcesses;
-        std::optional<std::string> activeMeetingPlatform;
-        std::vector<ParticipantBotDetection> bots;
-        std::vector<RecordingIndicatorDetection> indicators;
-        MeetingCoverage coverage;
-        std::set<WindowKey> failing;
-        std::set<WindowKey> waiting;
-    };
-
-    [[nodiscard]] Pass beginPass();
-    [[nodiscard]] std::vector<WatchedApplication>
-    watched(const std::vector<RunningApplication>& running) const;
-    [[nodiscard]] static std::set<WindowKey>
-    waitingIn(const std::vector<WatchedApplication>& watched);
-    void request(const std::vector<WatchedApplication>& watched);
+    void enable(const std::vector<MeetingApplication>& present);
+    void say(LogLevel level, const std::string& message);
+    void request(const std::vector<MeetingApplication>& present);
     const std::shared_ptr<const ReadingPlan>& planFor(const std::string& bundleIdentifier);
 
-    void scanPlatform(const MeetingPlatform& platform, Pass& pass);
-    void scanApplication(const MeetingPlatform& platform, const WatchedApplication& application,
-                         Pass& pass);
-    void scanWindow(const MeetingPlatform& platform, const WatchedApplication& application,
-                    const AccessibleWindow& window, Pass& pass);
-    void enable(const WatchedApplication& application);
-    void logDiagnostics(const MeetingPlatform& platform, const MeetingWindowFindings& findings);
-    void noteFailing(const WatchedApplication& application, int index,
-                     const std::string& windowTitle, const std::string& problem, Pass& pass);
-    static void noteWaiting(const WatchedApplication& application, int index, Pass& pass);
-
-    void remember(Pass& pass);
-    void publish(Pass& pass);
+    void remember(MeetingPass::Results& pass);
+    void publish(MeetingPass::Results pass);
     template <typename Detection>
     [[nodiscard]] MeetingReach reachOf(const Detection& detection) const;
 
@@ -163,6 +103,7 @@ private:
     Log& log;
 
     const Seconds pollInterval{5.0};
+    const Seconds missInterval{4.5}; ///< shorter than a poll interval that comes early
 
     Timer pollTimer;
     Subscription readyObserver;
@@ -171,12 +112,14 @@ private:
     bool isMissedPassScheduled = false;
     std::map<std::string, std::shared_ptr<const ReadingPlan>> plans; ///< by bundle identifier
     MeetingWindowWalks walks;
-    std::set<WindowKey> failingWindows; ///< that have been logged
-    std::set<WindowKey> waitingWindows; ///< that the last pass found not read yet
-    Retention<ParticipantBotDetection> retainedBots;
-    Retention<RecordingIndicatorDetection> retainedIndicators;
-    ProcessesByPlatform knownActiveMeetingPIDs; ///< in which there was a meeting; while they run
-    std::map<std::string_view, bool> platformWindowsAccessible; ///< in the last pass
+    std::set<MeetingKey> waitingWindows; ///< that the last pass found not read yet
+    std::map<std::string, Time> said;    ///< what was logged lately, and when there was cause last
+    Retention<ParticipantBotDetection> retainedBots{missInterval};
+    Retention<RecordingIndicatorDetection> retainedIndicators{missInterval};
+    /// The processes in which there was a meeting, by platform, while they run.
+    std::map<std::string_view, std::set<ProcessIdentifier>> knownActiveMeetingPIDs;
+    std::set<std::string_view> accessiblePlatforms; ///< with a meeting that the last pass looked at
+    std::set<std::string_view> hiddenPlatforms;     ///< with one that it knows by its title only
 
     Lifetime lifetime; // goes first, after the subscription that uses it
     Subscription permissionObserver;

@@ -60,6 +60,19 @@ std::optional<std::string_view> platformForURL(std::string_view url) {
     return std::nullopt;
 }
 
+/// A room of Google Meet has the title "Meet - abc-defg-hij", or "Meet" while it opens.
+std::optional<std::string_view> platformForTabTitle(std::string_view title) {
+    if (isNonMeetingBrowserTitle(title))
+        return std::nullopt;
+    const auto lower = lowerCased(title);
+    if (lower == "meet" || lower.starts_with("meet - ") || lower.starts_with("meet \u2013 "))
+        return "Google Meet";
+    for (const auto& platform : meetingPlatforms())
+        if (platform.isBrowser && containsAny(lower, platform.meetingWindowPatterns))
+            return platform.name;
+    return std::nullopt;
+}
+
 bool isNonMeetingBrowserTitle(std::string_view title) {
     const auto lower = lowerCased(title);
     const auto page = withoutBrowserName(lower);

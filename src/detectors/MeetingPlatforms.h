@@ -39,6 +39,10 @@ accessibilitySwitchOf(std::string_view bundleIdentifier);
 /// The name of the platform whose web client has this address. Letter case does not matter.
 [[nodiscard]] std::optional<std::string_view> platformForURL(std::string_view url);
 
+/// The name of the platform of which a tab with this title holds a meeting. Tells less than an
+/// address: an article about a platform can have such a title. Letter case does not matter.
+[[nodiscard]] std::optional<std::string_view> platformForTabTitle(std::string_view title);
+
 /// Whether a browser window with this title shows a search page. Letter case does not matter.
 [[nodiscard]] bool isNonMeetingBrowserTitle(std::string_view title);
 

@@ -50,9 +50,9 @@ std::optional<RecordingIndicatorDetection> findIndicator(std::string_view text,
     };
 }
 
-MeetingWindowFindings findIn(const MeetingPlatform& platform, const AccessibleWindow& window) {
-    const auto extent = wholeWindowExtent(platform.isBrowser);
-    const auto collected = collectTexts(*window.tree, extent);
+MeetingWindowFindings findIn(const MeetingPlatform& platform, const MeetingCandidate& meeting) {
+    const auto& extent = meeting.extent;
+    const auto collected = collectTexts(*meeting.tree, extent);
     MeetingWindowFindings findings{
         .textCount = collected.texts.size(),
         .isCutShort = collected.elementCount >= extent.maxElements,
@@ -61,9 +61,9 @@ MeetingWindowFindings findIn(const MeetingPlatform& platform, const AccessibleWi
     if (!findings.isMeeting)
         return findings;
     for (const auto text : collected.texts) {
-        if (auto bot = findBot(text, platform.name, window.title))
+        if (auto bot = findBot(text, platform.name, meeting.title))
             findings.bots.push_back(std::move(*bot));
-        if (auto indicator = findIndicator(text, platform.name, window.title))
+        if (auto indicator = findIndicator(text, platform.name, meeting.title))
             findings.indicators.push_back(std::move(*indicator));
     }
     findings.bots = firstOfEachKey(std::move(findings.bots));
@@ -74,13 +74,13 @@ MeetingWindowFindings findIn(const MeetingPlatform& platform, const AccessibleWi
 } // namespace
 
 const MeetingWindowFindings& MeetingWindowWalks::walk(const MeetingPlatform& platform,
-                                                      const AccessibleWindow& window, Time now) {
-    const auto* const key = window.tree.get();
+                                                      const MeetingCandidate& meeting, Time now) {
+    const auto* const key = meeting.tree.get();
     if (auto known = previous.extract(key))
         current.insert(std::move(known));
     auto& walk = current[key];
-    if (walk.platform != &platform || walk.windowTitle != window.title)
-        walk = {window.tree, &platform, window.title, findIn(platform, window)};
+    if (walk.platform != &platform || walk.windowTitle != meeting.title)
+        walk = {meeting.tree, &platform, meeting.title, findIn(platform, meeting)};
     for (auto& bot : walk.findings.bots)
         bot.detectedAt = now;
     for (auto& indicator : walk.findings.indicators)

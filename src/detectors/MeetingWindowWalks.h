@@ -1,9 +1,10 @@
-// Walks the trees of meeting windows, matches their texts, and caches the findings, so that an
-// unchanged window is not walked again. Belongs to one thread.
+// Walks the trees of meeting windows and pages, matches their texts, and caches the findings, so
+// that an unchanged window is not walked again. Belongs to one thread.
 #pragma once
 
 #include "catalogue/Records.h"
 #include "detectors/MeetingPlatforms.h"
+#include "detectors/MeetingWindows.h"
 #include "platform/AccessibilityTree.h"
 
 #include <string>
@@ -24,10 +25,10 @@ struct MeetingWindowFindings {
 
 class MeetingWindowWalks {
 public:
-    /// The findings in a window that was read to its whole extent. New detections get the time
+    /// The findings in a meeting that was read to its whole extent. New detections get the time
     /// `now`. The reference is valid until the next call.
     const MeetingWindowFindings& walk(const MeetingPlatform& platform,
-                                      const AccessibleWindow& window, Time now);
+                                      const MeetingCandidate& meeting, Time now);
 
     /// Drops the findings of windows that were not walked since the last call.
     void endPass();

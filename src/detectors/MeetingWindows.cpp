@@ -3,10 +3,14 @@
 #include "base/Text.h"
 #include "detectors/WindowScan.h"
 
+#include <algorithm>
+#include <optional>
 #include <vector>
 
 namespace quorva {
 namespace {
+
+constexpr std::string_view detachedAddress = "about:blank";
 
 /// The platforms that an application hosts.
 struct Hosted {
@@ -21,23 +25,15 @@ struct Hosted {
     Platforms inPages;   ///< in pages that it shows as a browser
 };
 
-bool isMeetingOfAny(const Hosted::Platforms& platforms, std::string_view lowerTitle,
-                    std::string_view lowerUrl) {
-    for (const auto* const platform : platforms)
-        if (isMeetingWindow(*platform, lowerTitle, lowerUrl))
-            return true;
-    return false;
+bool isBrowser(std::string_view bundleIdentifier) {
+    return !Hosted(bundleIdentifier).inPages.empty();
 }
 
-/// The largest extent that any platform needs of a window.
-TreeExtent neededExtent(const Hosted& hosted, std::string_view title, std::string_view url) {
-    const auto lowerTitle = lowerCased(title);
-    if (!isNonMeetingBrowserTitle(title) &&
-        isMeetingOfAny(hosted.inPages, lowerTitle, lowerCased(url)))
-        return wholeWindowExtent(true);
-    if (isMeetingOfAny(hosted.inWindows, lowerTitle, {}))
-        return wholeWindowExtent(false);
-    return {};
+bool isMeetingOfAny(const Hosted::Platforms& platforms, std::string_view lowerTitle,
+                    std::string_view lowerUrl) {
+    return std::any_of(platforms.begin(), platforms.end(), [&](const MeetingPlatform* platform) {
+        return isMeetingWindow(*platform, lowerTitle, lowerUrl);
+    });
 }
 
 /// Whether a tree read to the extent `readTo` holds everything in `needed`.
@@ -46,47 +42,129 @@ bool covers(const TreeExtent& readTo, const TreeExtent& needed) {
            readTo.maxElements >= needed.maxElements;
 }
 
+MeetingCandidate candidateOf(const AccessibleWindow& window, bool isPage) {
+    MeetingCandidate candidate{.isPage = isPage,
+                               .title = window.title,
+                               .state = window.state,
+                               .problem = window.problem,
+                               .extent = window.extent,
+                               .tree = window.tree};
+    candidate.lowerTitle = lowerCased(window.title);
+    candidate.isSearchPage = isPage && isNonMeetingBrowserTitle(window.title);
+    return candidate;
+}
+
+MeetingCandidate candidateOf(const AccessiblePage& page, std::string title) {
+    MeetingCandidate candidate{.isPage = true,
+                               .title = std::move(title),
+                               .state = page.state,
+                               .problem = page.problem,
+                               .extent = page.extent,
+                               .tree = page.tree};
+    candidate.lowerTitle = lowerCased(candidate.title);
+    candidate.lowerUrl = lowerCased(page.url);
+    candidate.isSearchPage = isNonMeetingBrowserTitle(candidate.title);
+    return candidate;
+}
+
+/// Takes the page of a tab of this platform out of those that no tab has been found for. The tab
+/// that is selected has the page in front, whose title may have changed since; Firefox has no
+/// titles for the first client that asks.
+bool takePageOf(const AccessibleTab& tab, std::string_view platform,
+                std::vector<const AccessiblePage*>& pages) {
+    const auto isOfTab = [&](const AccessiblePage* page) {
+        if (page->title.empty())
+            return platformForURL(page->url) == platform;
+        return tab.title.starts_with(page->title);
+    };
+    auto found = std::find_if(pages.begin(), pages.end(), isOfTab);
+    if (found == pages.end() && tab.isSelected)
+        found = std::find_if(pages.begin(), pages.end(),
+                             [](const AccessiblePage* page) { return page->isShown; });
+    if (found == pages.end())
+        return false;
+    pages.erase(found);
+    return true;
+}
+
 } // namespace
 
 std::shared_ptr<const ReadingPlan> makeReadingPlan(std::string_view bundleIdentifier) {
     const Hosted hosted(bundleIdentifier);
     ReadingPlan plan;
-    plan.byTitle = [hosted](std::string_view title) -> ReadingPlan::First {
-        if (!hosted.inPages.empty() && !isNonMeetingBrowserTitle(title))
-            return {.extent = outlineExtent(), .isFinal = false};
-        return {.extent = neededExtent(hosted, title, {}), .isFinal = true};
+    if (!hosted.inPages.empty())
+        plan.outline = outlineExtent();
+    plan.window = [hosted](std::string_view title) {
+        return isMeetingOfAny(hosted.inWindows, lowerCased(title), {}) ? wholeWindowExtent()
+                                                                       : TreeExtent{};
     };
-    plan.byTree = [hosted](std::string_view title, const AccessibleElement& outline) {
-        return neededExtent(hosted, title, findWebAreaURL(outline));
+    plan.page = [hosted](std::string_view title, std::string_view url) {
+        const bool isMeeting = !isNonMeetingBrowserTitle(title) &&
+                               isMeetingOfAny(hosted.inPages, lowerCased(title), lowerCased(url));
+        return isMeeting || url == detachedAddress ? wholePageExtent() : TreeExtent{};
     };
     return std::make_shared<const ReadingPlan>(std::move(plan));
 }
 
-LabelledWindow label(AccessibleWindow window) {
-    LabelledWindow labelled{.window = std::move(window)};
-    const auto& [title, state, problem, extent, tree] = labelled.window;
-    labelled.lowerTitle = lowerCased(title);
-    labelled.isSearchPage = isNonMeetingBrowserTitle(title);
-    if (state == ReadState::read && tree)
-        labelled.lowerUrl = lowerCased(findWebAreaURL(*tree));
-    return labelled;
+std::vector<MeetingCandidate> candidatesIn(const AccessibleWindow& window,
+                                           std::string_view bundleIdentifier) {
+    const bool hasPages = isBrowser(bundleIdentifier);
+    std::vector<MeetingCandidate> candidates;
+    if (!hasPages || window.state != ReadState::read) {
+        candidates.push_back(candidateOf(window, hasPages));
+        return candidates;
+    }
+    const auto inFront = std::count_if(window.pages.begin(), window.pages.end(),
+                                       [](const AccessiblePage& page) { return page.isShown; });
+    for (const auto& page : window.pages) {
+        const bool isWindow = (page.isShown && inFront == 1) || page.title.empty();
+        candidates.push_back(candidateOf(page, isWindow ? window.title : page.title));
+    }
+    return candidates;
 }
 
-WindowKind kindOf(const LabelledWindow& labelled, const MeetingPlatform& platform) {
-    const auto& window = labelled.window;
-    const auto isMeeting = [&] {
-        return isMeetingWindow(platform, labelled.lowerTitle, labelled.lowerUrl);
-    };
-    if (platform.isBrowser ? labelled.isSearchPage : !isMeeting())
+WindowKind kindOf(const MeetingCandidate& candidate, const MeetingPlatform& platform) {
+    if (platform.isBrowser != candidate.isPage || candidate.isSearchPage)
         return WindowKind::none;
-    if (window.state == ReadState::couldNotBeRead)
+    const bool isMeeting = isMeetingWindow(platform, candidate.lowerTitle, candidate.lowerUrl);
+    const bool mayBeOne = candidate.isPage && candidate.lowerUrl.empty();
+    if (!isMeeting && !mayBeOne)
+        return WindowKind::none;
+    if (candidate.state == ReadState::couldNotBeRead)
         return WindowKind::couldNotBeRead;
-    if (window.state == ReadState::notReadYet || !window.tree)
+    if (candidate.state == ReadState::read && !candidate.tree && mayBeOne)
+        return WindowKind::none; // a page that shows nothing: only its tab tells
+    if (candidate.state == ReadState::notReadYet || !candidate.tree)
         return WindowKind::notReadYet;
-    if (platform.isBrowser && !isMeeting())
-        return window.tree->children.empty() ? WindowKind::notReadYet : WindowKind::none;
-    return covers(window.extent, wholeWindowExtent(platform.isBrowser)) ? WindowKind::meeting
-                                                                        : WindowKind::notReadYet;
+    if (!isMeeting)
+        return WindowKind::none;
+    const auto needed = candidate.isPage ? wholePageExtent() : wholeWindowExtent();
+    return covers(candidate.extent, needed) ? WindowKind::meeting : WindowKind::notReadYet;
+}
+
+bool isDetachedPart(const MeetingCandidate& candidate) {
+    return candidate.isPage && candidate.lowerUrl == detachedAddress &&
+           candidate.state == ReadState::read && candidate.tree &&
+           !candidate.tree->children.empty();
+}
+
+std::vector<HiddenMeeting> hiddenMeetings(const AccessibleWindow& window,
+                                          std::string_view bundleIdentifier) {
+    std::vector<HiddenMeeting> hidden;
+    if (window.state != ReadState::read || !isBrowser(bundleIdentifier))
+        return hidden;
+    std::vector<const AccessiblePage*> pages;
+    for (const auto& page : window.pages)
+        if (!page.url.empty() || page.tree) // else it does not tell what it is
+            pages.push_back(&page);
+    for (const auto& tab : window.tabs)
+        if (const auto platform = platformForTabTitle(tab.title))
+            if (!takePageOf(tab, *platform, pages))
+                hidden.push_back({*platform, tab.isSelected});
+    if (window.tabs.empty() && pages.empty())
+        if (const auto platform = platformForTabTitle(window.title))
+            hidden.push_back({*platform, true});
+    return hidden;
 }
 
 } // namespace quorva

@@ -59,20 +59,23 @@ inline constexpr GracePeriods processGracePeriods{.base = Seconds(9), .confirmed
 
 /// What a pass knows of the meetings that a detection belongs to.
 struct MeetingReach {
+    bool isKeptBack = false;   ///< one is known to go on where it cannot be looked at
     bool isRunning = false;    ///< a process that held one is still running
     bool isAccessible = false; ///< a window of one was looked at
     bool isOver = false;       ///< another platform's meeting has taken its place
 };
 
 /// How long what was found in a meeting is kept after its last sighting; nothing when it is not.
-/// The longest while the meeting goes on but its windows cannot be looked at, the shortest after
-/// three misses in windows that were.
+/// As long as its meeting is there without being looked at; the longest while the program that held
+/// it runs but shows no meeting, the shortest after three misses in windows that were looked at.
 [[nodiscard]] inline std::optional<Seconds> meetingGracePeriod(const Absence& absence,
                                                                const MeetingReach& reach) {
     constexpr GracePeriods inSight{.base = Seconds(15), .confirmed = Seconds(60)};
     constexpr GracePeriods inBackground{.base = Seconds(15), .confirmed = Seconds(300)};
     constexpr Seconds goneGracePeriod{5};
     constexpr int missesInSight = 3;
+    if (reach.isKeptBack)
+        return Seconds::max();
     if (reach.isOver)
         return std::nullopt;
     if (reach.isAccessible && absence.misses >= missesInSight)
@@ -84,6 +87,9 @@ struct MeetingReach {
 template <typename Detection>
 class Retention {
 public:
+    /// Misses in passes that follow each other in less than `missInterval` count once.
+    explicit Retention(Seconds missInterval_ = Seconds(0)) : missInterval(missInterval_) {}
+
     /// Ends a pass at the time `now` that has found these detections, one a key. Returns them,
     /// followed by those found before that are still kept, in the order of their first sightings.
     ///
@@ -122,6 +128,7 @@ private:
         std::uint64_t number = 0; ///< in the order of first sighting
         Detection detection;      ///< the latest
         Time lastSeen;
+        Time lastCounted;           ///< as seen or missed
         std::uint64_t lastPass = 0; ///< that has seen it
         Absence absence;
     };
@@ -132,19 +139,23 @@ private:
         if (isNew)
             entry.number = ++count;
         entry.detection = detection;
-        entry.lastSeen = now;
+        entry.lastSeen = entry.lastCounted = now;
         entry.lastPass = pass;
         ++entry.absence.sightings;
         entry.absence.misses = 0;
     }
 
     template <typename PeriodOf>
-    static bool survivesMiss(Entry& entry, Time now, PeriodOf& periodOf) {
-        ++entry.absence.misses;
+    bool survivesMiss(Entry& entry, Time now, PeriodOf& periodOf) {
+        if (now - entry.lastCounted >= missInterval) {
+            ++entry.absence.misses;
+            entry.lastCounted = now;
+        }
         const std::optional<Seconds> period = periodOf(entry.detection, entry.absence);
         return period && now - entry.lastSeen < *period;
     }
 
+    const Seconds missInterval;
     std::unordered_map<std::string, Entry> entries;
     std::uint64_t count = 0;
     std::uint64_t pass = 0;

@@ -10,15 +10,15 @@ namespace {
 
 constexpr std::size_t textLimit = 200;   ///< characters; longer texts are not names
 constexpr int deepestToolbarParent = 3;  ///< deeper ones are toolbars of documents
-constexpr int deepestWebArea = 8;        ///< of a window's page
+constexpr int deepestPage = 8;           ///< of a window
 constexpr std::size_t neededSignals = 2; ///< a single one may be a chat message
 
 constexpr std::array<std::string_view, 8> meetingSignalPrefixes{
     "leave",      "mute",         "unmute",          "share screen",
     "raise hand", "participants", "turn off camera", "turn on camera"};
 
-/// Whether a child may hold texts. Decorations and window controls do not.
-bool mayHoldTexts(AccessibilityRole, AccessibilityRole child, int depth) {
+/// Whether a child may hold texts. Decorations do not.
+bool mayHoldTexts(AccessibilityRole child) {
     switch (child) {
         using enum AccessibilityRole;
     case colorWell:
@@ -29,11 +29,19 @@ bool mayHoldTexts(AccessibilityRole, AccessibilityRole child, int depth) {
     case slider:
     case splitter:
         return false;
-    case toolbar:
-        return depth <= deepestToolbarParent;
     default:
         return true;
     }
+}
+
+bool mayHoldTextsOfWindow(AccessibilityRole, AccessibilityRole child, int depth) {
+    return mayHoldTexts(child) &&
+           (child != AccessibilityRole::toolbar || depth <= deepestToolbarParent);
+}
+
+/// A page lies deeper in its window than the window's own toolbars.
+bool mayHoldTextsOfPage(AccessibilityRole, AccessibilityRole child, int) {
+    return mayHoldTexts(child) && child != AccessibilityRole::toolbar;
 }
 
 bool isWebContainer(AccessibilityRole role) {
@@ -50,9 +58,14 @@ bool isWebContainer(AccessibilityRole role) {
     }
 }
 
-/// Whether a child may hold the window's page. A page within a page does not count.
-bool mayHoldPage(AccessibilityRole parent, AccessibilityRole child, int) {
-    return parent != AccessibilityRole::webArea && isWebContainer(child);
+/// Whether a child may hold a page or a tab. A page within a page does not count.
+bool mayHoldPageOrTab(AccessibilityRole parent, AccessibilityRole child, int) {
+    using enum AccessibilityRole;
+    if (parent == webArea || parent == tab)
+        return false;
+    if (parent == toolbar)
+        return child == tabGroup || child == group;
+    return isWebContainer(child) || child == toolbar || (child == tab && parent == tabGroup);
 }
 
 bool isShort(std::string_view text) {
@@ -87,39 +100,30 @@ private:
     const TreeExtent& extent;
 };
 
-std::string_view findWebAreaURL(const AccessibleElement& element, int depth) {
-    if (depth > deepestWebArea)
-        return {};
-    if (element.role == AccessibilityRole::webArea)
-        return element.url;
-    for (const auto& child : element.children)
-        if (mayHoldPage(element.role, child->role, depth))
-            if (const auto url = findWebAreaURL(*child, depth + 1); !url.empty())
-                return url;
-    return {};
-}
-
 } // namespace
 
-TreeExtent wholeWindowExtent(bool isBrowser) {
-    return {.maxDepth = isBrowser ? maxTreeDepthBrowser : maxTreeDepthNative,
-            .maxElements = isBrowser ? maxElementsBrowser : maxElementsNative,
-            .descends = mayHoldTexts};
+TreeExtent wholeWindowExtent() {
+    return {.maxDepth = maxTreeDepthNative,
+            .maxElements = maxElementsNative,
+            .descends = mayHoldTextsOfWindow};
+}
+
+TreeExtent wholePageExtent() {
+    return {.maxDepth = maxTreeDepthBrowser,
+            .maxElements = maxElementsBrowser,
+            .descends = mayHoldTextsOfPage};
 }
 
 TreeExtent outlineExtent() {
-    return {
-        .maxDepth = deepestWebArea + 1, .maxElements = maxElementsBrowser, .descends = mayHoldPage};
+    return {.maxDepth = deepestPage + 1,
+            .maxElements = maxElementsBrowser,
+            .descends = mayHoldPageOrTab};
 }
 
-CollectedTexts collectTexts(const AccessibleElement& window, const TreeExtent& extent) {
+CollectedTexts collectTexts(const AccessibleElement& tree, const TreeExtent& extent) {
     TextCollector collector(extent);
-    collector.collect(window, 0);
+    collector.collect(tree, 0);
     return std::move(collector.collected);
-}
-
-std::string_view findWebAreaURL(const AccessibleElement& window) {
-    return findWebAreaURL(window, 0);
 }
 
 bool hasActiveMeetingSignals(std::span<const std::string_view> texts) {

@@ -1,5 +1,5 @@
-// Extracts from the snapshot of a window its texts, the address of its page, and the signs of a
-// running meeting. Pure functions, callable from any thread. The texts they return point into the
+// Extracts from the snapshot of a window or a page its texts, and the signs of a running meeting.
+// Pure functions, callable from any thread. The texts they return point into the
 // snapshot and are valid as long as it lives.
 #pragma once
 
@@ -17,11 +17,13 @@ inline constexpr int maxElementsNative = 2000;
 inline constexpr int maxTreeDepthBrowser = 30;
 inline constexpr int maxElementsBrowser = 5000;
 
-/// The part of a window that can hold a participant or a banner, for a browser or for a meeting
-/// application.
-[[nodiscard]] TreeExtent wholeWindowExtent(bool isBrowser);
+/// The part of a meeting application's window that can hold a participant or a banner.
+[[nodiscard]] TreeExtent wholeWindowExtent();
 
-/// The part of a browser window that must be read to find its page.
+/// The same of a browser's page.
+[[nodiscard]] TreeExtent wholePageExtent();
+
+/// The part of a browser's window that must be read to find its pages and tabs.
 [[nodiscard]] TreeExtent outlineExtent();
 
 struct CollectedTexts {
@@ -32,11 +34,7 @@ struct CollectedTexts {
 
 /// The short texts of the elements within `extent`. Each has 1 to 199 characters and no white space
 /// around it.
-[[nodiscard]] CollectedTexts collectTexts(const AccessibleElement& window,
-                                          const TreeExtent& extent);
-
-/// The address of the first page in the window that has one; empty when there is none.
-[[nodiscard]] std::string_view findWebAreaURL(const AccessibleElement& window);
+[[nodiscard]] CollectedTexts collectTexts(const AccessibleElement& tree, const TreeExtent& extent);
 
 /// Whether at least two texts are labels of controls that only a running meeting has.
 [[nodiscard]] bool hasActiveMeetingSignals(std::span<const std::string_view> texts);

@@ -1,6 +1,7 @@
 // What the windows of other programs show to a screen reader: titles, and the trees of elements
-// within them. Reading them takes those programs' time and can take long, so it is done in the
-// background: callers say what to read, and look at the newest complete snapshot of it.
+// within them; of browsers, every page by itself, in front or not. Reading them takes those
+// programs' time and can take long, so it is done in the background: callers say what to read, and
+// look at the newest complete snapshot of it.
 #pragma once
 
 #include "base/Subscription.h"
@@ -33,6 +34,7 @@ enum class AccessibilityRole {
     splitter,
     staticText,
     tabGroup,
+    tab,
     table,
     toolbar,
     webArea,
@@ -75,13 +77,34 @@ struct TreeExtent {
     bool operator==(const TreeExtent&) const = default;
 };
 
-/// A window of an application, without the documents of tabs that are not shown.
-struct AccessibleWindow {
+/// A page of a window: a document that is not part of another one. A window has several when it has
+/// tabs, or shows two side by side.
+struct AccessiblePage {
     std::string title;
+    std::string url;      ///< of its document; empty when it does not say
+    bool isShown = false; ///< false: certainly not in front. True may be wrong where it is covered
     ReadState state = ReadState::notReadYet; ///< of the tree
     std::string problem;                     ///< why it could not be read, in English
-    TreeExtent extent;                       ///< how much of it was read
-    AccessibleElementPtr tree;               ///< null unless read; then the newest complete reading
+    TreeExtent extent;                       ///< how much of it was read; nothing if not wanted
+    AccessibleElementPtr tree; ///< null unless wanted and read; begins at the document
+};
+
+/// A tab of a window, as the window names it: the title of its page, often with more behind it.
+struct AccessibleTab {
+    std::string title;
+    bool isSelected = false;
+};
+
+/// A window of an application.
+struct AccessibleWindow {
+    std::string title;
+    ReadState state = ReadState::notReadYet; ///< of the tree, or of the list of pages and tabs
+    std::string problem;                     ///< why it could not be read, in English
+    TreeExtent extent;                       ///< how much of the tree was read
+    AccessibleElementPtr tree; ///< null unless wanted and read; without pages that are not in front
+    /// Of a browser; each page as it was last read. A page in the background may be missing.
+    std::vector<AccessiblePage> pages;
+    std::vector<AccessibleTab> tabs; ///< of a browser
 };
 
 /// The windows of an application, in its own order.
@@ -89,19 +112,19 @@ struct AccessibleWindows {
     ReadState state = ReadState::notReadYet; ///< of the list of windows with their titles
     std::string problem;
     std::vector<AccessibleWindow> windows;
+    /// The number of further running instances of the application that show nothing.
+    int silentInstances = 0;
 };
 
-/// Decides what to read of a window, step by step, to read as little as possible. The functions are
-/// without state and called on the reader's thread; an extent of no elements reads nothing.
+/// Decides what to read of an application, to read as little as possible. The functions are without
+/// state and called on the reader's thread; an extent of no elements reads nothing.
 struct ReadingPlan {
-    /// Decided by the title. Unless `isFinal`, the tree read to this extent is passed to `byTree`,
-    /// which decides what is read in its place; with no elements there, this reading stands.
-    struct First {
-        TreeExtent extent;
-        bool isFinal = true;
-    };
-    std::function<First(std::string_view title)> byTitle;
-    std::function<TreeExtent(std::string_view title, const AccessibleElement& tree)> byTree;
+    /// How much is read of a window with this title.
+    std::function<TreeExtent(std::string_view title)> window;
+    /// How far pages and tabs are looked for in windows. No elements: the application is no
+    /// browser. Otherwise `window` is not asked, and `page` says how much is read of a page.
+    TreeExtent outline;
+    std::function<TreeExtent(std::string_view title, std::string_view url)> page;
 };
 
 /// An application whose windows are to be read.

@@ -7,6 +7,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <utility>
 
 namespace quorva {
@@ -31,6 +32,38 @@ std::string describeWindow(const UnseenMeetingWindow& window) {
     if (!window.windowTitle.empty())
         what += fmt::format(" \"{}\"", window.windowTitle);
     return what + ": " + (window.problem.empty() ? "no answer yet" : window.problem);
+}
+
+std::string describe(const UnseenMeeting& meeting) {
+    const auto& application = meeting.applicationName;
+    switch (meeting.cause) {
+    case UnseenMeeting::Cause::inBackgroundTab:
+        return fmt::format("{} is in a background tab of {}: who joins it is not seen. Give it a "
+                           "window of its own.",
+                           meeting.platformName, application);
+    case UnseenMeeting::Cause::notInFront:
+        return fmt::format("{} is in a window of {} that is hidden: who joins it is not seen. "
+                           "Bring it to the front once.",
+                           meeting.platformName, application);
+    case UnseenMeeting::Cause::beyondBudget:
+        return fmt::format("{} in {} shows more than is looked at: a bot in the rest is not seen.",
+                           meeting.platformName, application);
+    case UnseenMeeting::Cause::silentInstance:
+        break;
+    }
+    return fmt::format("{} runs twice, and once without showing its windows: bots in meetings "
+                       "there are not seen. Start it again.",
+                       application);
+}
+
+std::string describeAll(const std::vector<UnseenMeeting>& meetings) {
+    constexpr std::size_t most = 3;
+    std::string all;
+    for (std::size_t i = 0; i < std::min(meetings.size(), most); ++i)
+        all += (all.empty() ? "" : " ") + describe(meetings[i]);
+    if (meetings.size() > most)
+        all += fmt::format(" There are {} more like this.", meetings.size() - most);
+    return all;
 }
 
 } // namespace
@@ -101,6 +134,8 @@ SourceState MeetingSource::sight() const {
                         someOf(looked.failed, [](const UnseenMeetingWindow& window) {
                             return fmt::format("{} ({})", window.applicationName, window.problem);
                         }))};
+    if (!looked.unseen.empty())
+        return {partlyBlind, describeAll(looked.unseen)};
     if (!looked.notReadYet.empty())
         return {looking, {}};
     return {ok, {}};
@@ -127,8 +162,8 @@ std::string MeetingSource::detail() const {
     }
     auto detail = fmt::format("applications that may hold meetings: {}; meeting windows: {}",
                               looked.applications, looked.windows);
-    if (looked.cutShort > 0)
-        detail += fmt::format("; of these, hold more than is looked at: {}", looked.cutShort);
+    if (!looked.unseen.empty())
+        detail += "; " + describeAll(looked.unseen);
     return detail;
 }
 

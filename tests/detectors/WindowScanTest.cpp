@@ -35,7 +35,7 @@ TEST(WindowScan, collectsShortTextsInTheOrderOfTheTree) {
                      element(staticText, accents + "é")},
     });
     const auto tree = element(window, "top", {full, element(unreadable, "last")});
-    const auto found = collectTexts(*tree, wholeWindowExtent(false));
+    const auto found = collectTexts(*tree, wholeWindowExtent());
     EXPECT_THAT(found.texts, ElementsAre("top", "value", "title", "title", "button",
                                          std::string(199, 'a'), accents, "last"));
     EXPECT_EQ(found.elementCount, 7);
@@ -47,20 +47,21 @@ TEST(WindowScan, leavesOutDecorationAndTheToolbarsOfDocuments) {
         children.push_back(element(role, "no", {element(staticText, "no")}));
     children.push_back(element(toolbar, "yes"));
     const auto tree = element(window, {}, std::move(children));
-    const auto found = collectTexts(*tree, wholeWindowExtent(false));
+    const auto found = collectTexts(*tree, wholeWindowExtent());
     EXPECT_THAT(found.texts, ElementsAre("yes"));
     EXPECT_EQ(found.elementCount, 2) << "what is left out costs nothing";
 
     const auto nested = [](int depthOfParent) {
         return below(depthOfParent + 1, element(toolbar, "bar"));
     };
-    EXPECT_THAT(collectTexts(*nested(3), wholeWindowExtent(true)).texts, ElementsAre("bar"));
-    EXPECT_THAT(collectTexts(*nested(4), wholeWindowExtent(true)).texts, IsEmpty());
+    EXPECT_THAT(collectTexts(*nested(3), wholeWindowExtent()).texts, ElementsAre("bar"));
+    EXPECT_THAT(collectTexts(*nested(4), wholeWindowExtent()).texts, IsEmpty());
+    EXPECT_THAT(collectTexts(*nested(0), wholePageExtent()).texts, IsEmpty());
 }
 
 TEST(WindowScan, endsWhereTheBudgetsDo) {
     for (const bool isBrowser : {false, true}) {
-        const auto extent = wholeWindowExtent(isBrowser);
+        const auto extent = isBrowser ? wholePageExtent() : wholeWindowExtent();
         const int deepest = (isBrowser ? 30 : 20) - 1;
         EXPECT_THAT(collectTexts(*below(deepest, element(staticText, "x")), extent).texts,
                     ElementsAre("x"));
@@ -81,20 +82,6 @@ TEST(WindowScan, endsWhereTheBudgetsDo) {
     }
 }
 
-TEST(WindowScan, findsThePageInContainersNearTheTop) {
-    const auto page = [](std::string url) { return element(webArea, {}, {}, std::move(url)); };
-    EXPECT_EQ(findWebAreaURL(*below(8, page("near"))), "near");
-    EXPECT_EQ(findWebAreaURL(*below(9, page("far"))), "");
-    for (const auto role : {group, scrollArea, splitGroup, tabGroup})
-        EXPECT_EQ(findWebAreaURL(*element(window, {}, {element(role, {}, {page("x")})})), "x");
-    EXPECT_EQ(findWebAreaURL(*element(window, {}, {element(toolbar, {}, {page("x")})})), "");
-    // A page without an address does not hide the next one, and what it embeds is not the window's.
-    const auto embedding = element(webArea, {}, {page("embedded")});
-    EXPECT_EQ(findWebAreaURL(*element(window, {}, {embedding, page("second"), page("third")})),
-              "second");
-    EXPECT_FALSE(outlineExtent().descends(webArea, group, 3)) << "nor is it read";
-}
-
 TEST(WindowScan, takesTwoControlsOfAMeetingForAMeeting) {
     using Texts = std::vector<std::string_view>;
     EXPECT_FALSE(hasActiveMeetingSignals(Texts{}));
@@ -112,6 +99,16 @@ TEST(MeetingPlatforms, tellThePlatformByTheAddress) {
     EXPECT_EQ(platformForURL("https://meet.google.com/a?from=teams.live.com"), "Teams");
     EXPECT_EQ(platformForURL("https://meet.google.com/abc-defg-hij"), "Google Meet");
     EXPECT_EQ(platformForURL("https://zoom.us/pricing"), std::nullopt);
+}
+
+TEST(MeetingPlatforms, tellThePlatformOfATabByItsTitle) {
+    EXPECT_EQ(platformForTabTitle("Meet - abc-defg-hij - Memory usage - 22.8 MB"), "Google Meet");
+    EXPECT_EQ(platformForTabTitle("Meet \u2013 Weekly"), "Google Meet");
+    EXPECT_EQ(platformForTabTitle("Zoom Meeting"), "Zoom");
+    EXPECT_EQ(platformForTabTitle("Weekly | Microsoft Teams - Audio playing"), "Teams");
+    for (const auto* const title : {"", "Meet the team - Acme", "Meetings", "Inbox (3) - Mail",
+                                    "google meet - Google Search"})
+        EXPECT_EQ(platformForTabTitle(title), std::nullopt) << title;
 }
 
 TEST(MeetingPlatforms, knowSearchPagesByTheirTitles) {

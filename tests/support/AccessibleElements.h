@@ -31,12 +31,20 @@ inline AccessibleElementPtr meetingWindow(const std::vector<std::string>& texts)
     return element(AccessibilityRole::window, {}, {listOf(texts)});
 }
 
-/// The window of a browser, with a page.
-inline AccessibleElementPtr browserWindow(std::string url, const std::vector<std::string>& texts) {
+/// A page of a browser.
+inline AccessibleElementPtr page(std::string url, const std::vector<std::string>& texts,
+                                 std::string title = {}) {
+    return element(AccessibilityRole::webArea, std::move(title), {listOf(texts)}, std::move(url));
+}
+
+/// The window of a browser that shows these pages.
+inline AccessibleElementPtr browserWindow(Elements pages) {
     using enum AccessibilityRole;
     return element(window, {},
-                   {element(toolbar, {}, {element(button)}),
-                    element(group, {}, {element(webArea, {}, {listOf(texts)}, std::move(url))})});
+                   {element(toolbar, {}, {element(button)}), element(group, {}, std::move(pages))});
+}
+inline AccessibleElementPtr browserWindow(std::string url, const std::vector<std::string>& texts) {
+    return browserWindow({page(std::move(url), texts)});
 }
 
 } // namespace quorva

@@ -4,6 +4,7 @@
 
 #include "base/MainLoop.h"
 #include "platform/AccessibilityTree.h"
+#include "support/AccessibleElements.h"
 
 #include <cerrno>
 #include <map>
@@ -21,12 +22,15 @@ public:
         AccessibleElementPtr tree;
         std::string problem = {}; ///< not empty: it cannot be read
         bool isAnswering = true;  ///< false: it is being read forever
-        bool isReadWholly = true; ///< false: only its outline has been read
+        bool isReadWholly = true; ///< false: only the list of its pages has been read
+        Elements behind = {};     ///< pages that it does not show
+        std::vector<AccessibleTab> tabs = {};
     };
     struct Application {
         std::vector<Window> windows;
         std::string problem = {};
         bool isAnswering = true;
+        int silentInstances = 0;
     };
     struct Enabling {
         ProcessIdentifier process;
@@ -100,7 +104,8 @@ private:
             return {.state = ReadState::couldNotBeRead, .problem = application.problem};
         if (!application.isAnswering)
             return {};
-        AccessibleWindows answer{.state = ReadState::read};
+        AccessibleWindows answer{.state = ReadState::read,
+                                 .silentInstances = application.silentInstances};
         for (const auto& window : application.windows)
             answer.windows.push_back(read(window, *asked.plan, readings[asked.process]));
         return answer;
@@ -109,7 +114,8 @@ private:
     static AccessibleWindow read(const Window& window, const ReadingPlan& plan,
                                  Readings& readings) {
         AccessibleWindow answer{.title = window.title};
-        auto [extent, isFinal] = plan.byTitle(window.title);
+        const bool isBrowser = plan.outline.maxElements > 0;
+        const auto extent = isBrowser ? plan.outline : plan.window(window.title);
         if (extent.maxElements == 0)
             return answer;
         if (!window.problem.empty()) {
@@ -118,16 +124,40 @@ private:
         }
         if (!window.problem.empty() || !window.isAnswering)
             return answer;
-        answer.tree = reading(window.tree, extent, readings);
-        if (!isFinal)
-            if (const auto whole = plan.byTree(window.title, *answer.tree);
-                whole.maxElements > 0 && window.isReadWholly) {
-                extent = whole;
-                answer.tree = reading(window.tree, extent, readings);
-            }
         answer.state = ReadState::read;
-        answer.extent = extent;
+        if (!isBrowser) {
+            answer.extent = extent;
+            answer.tree = reading(window.tree, extent, readings);
+            return answer;
+        }
+        answer.tabs = window.tabs;
+        const auto add = [&](const AccessibleElementPtr& document, bool isShown) {
+            auto& page = answer.pages.emplace_back(
+                AccessiblePage{.title = document->title, .url = document->url, .isShown = isShown});
+            const auto wanted = plan.page(page.title, page.url);
+            if (wanted.maxElements == 0 || !window.isReadWholly)
+                return;
+            page.state = ReadState::read;
+            page.extent = wanted;
+            page.tree = reading(document, wanted, readings);
+        };
+        if (window.tree)
+            addPages(window.tree, plan.outline, 0, add);
+        for (const auto& document : window.behind)
+            add(document, false);
         return answer;
+    }
+
+    template <typename Add>
+    static void addPages(const AccessibleElementPtr& element, const TreeExtent& outline, int depth,
+                         const Add& add) {
+        if (depth >= outline.maxDepth)
+            return;
+        if (element->role == AccessibilityRole::webArea)
+            return add(element, true);
+        for (const auto& child : element->children)
+            if (outline.descends(element->role, child->role, depth))
+                addPages(child, outline, depth + 1, add);
     }
 
     static AccessibleElementPtr reading(const AccessibleElementPtr& source,

@@ -1,6 +1,8 @@
 #include "platform/linux/accessibility/AtspiApplication.h"
 
 #include "platform/linux/accessibility/AtspiCalls.h"
+#include "platform/linux/accessibility/AtspiPages.h"
+#include "platform/linux/accessibility/AtspiReadTree.h"
 #include "platform/linux/glib/BusCall.h"
 #include "platform/linux/glib/MainContext.h"
 
@@ -20,25 +22,33 @@ constexpr guint readingTimeout = 20'000; // milliseconds
 constexpr guint pauseAfterFailure = 30'000;
 constexpr int probeTimeout = 30'000;
 constexpr guint timeForMoreChanges = 1000;
+constexpr guint timeToComeUpToDate = 300;
 constexpr gint64 restAfterReading = 3; // times as long as it took
 constexpr std::size_t maxChanges = 10'000;
 
 } // namespace
 
+struct AtspiApplication::Window {
+    AtspiReference reference;
+    std::string title;
+    std::unique_ptr<AtspiReadTree> content; ///< null when the plan does not want it
+};
+
 /// What is held of an application that answers. Dropping it cancels the reading under way.
 struct AtspiApplication::Contact {
     Contact(AtspiConnection& bulk, AtspiApplicationTraits& traits, const AtspiReference& root,
             Task onHang)
-        : calls(bulk, std::move(onHang)), list(calls, traits, root) {
+        : calls(bulk, std::move(onHang)), list(calls, traits, root), pages(calls, traits) {
         list.tree.setScope(windowList, AtspiTree::Texts::none);
     }
 
     std::unique_ptr<AtspiConnection> peer; ///< to its own socket, if it has one
     AtspiCalls calls;
     AtspiReadTree list; ///< the application and its windows, not what is below
-    std::vector<std::unique_ptr<AtspiWindow>> windows;
+    std::vector<Window> windows;
+    AtspiPages pages;                                        ///< of a browser
     std::set<std::pair<std::string, AtspiChange>> signalled; ///< since the last reading began
-    Subscription changes;                                    ///< while a window is watched
+    Subscription changes; ///< while a window or a page is watched
 };
 
 AtspiApplication::AtspiApplication(const AtspiBus& bus_, std::string name, Task onRead_)
@@ -61,6 +71,7 @@ bool AtspiApplication::isReading() const {
 void AtspiApplication::read(std::shared_ptr<const ReadingPlan> plan_, bool enables_) {
     plan = std::move(plan_);
     enables = enables_;
+    isPollDue = true;
     if (isReading())
         state = State::readingAgain;
     else if (state == State::idle)
@@ -69,11 +80,11 @@ void AtspiApplication::read(std::shared_ptr<const ReadingPlan> plan_, bool enabl
 
 /// Changes come in swarms: those of a second are read together. An application that takes long to
 /// be read is left alone for longer.
-void AtspiApplication::schedule() {
+void AtspiApplication::schedule(guint soonest) {
     if (state != State::idle)
         return;
     const auto rest = static_cast<guint>(restAfterReading * duration / 1000);
-    enter(State::scheduled, contextTimer(std::max(timeForMoreChanges, rest), [this] { begin(); }));
+    enter(State::scheduled, contextTimer(std::max(soonest, rest), [this] { begin(); }));
 }
 
 void AtspiApplication::begin() {
@@ -86,8 +97,10 @@ void AtspiApplication::begin() {
           contextTimer(readingTimeout, [this] { giveUpForAWhile("it answers too slowly"); }));
     if (traits.toolkit == AtspiToolkit::notAsked)
         askToolkit();
-    else
+    else if (std::exchange(isPollDue, false) || !contact->pages.isAnyWanted())
         askToExpose();
+    else
+        contact->pages.read(false, lifetime.guard([this] { finish(); }));
 }
 
 void AtspiApplication::askToolkit() {
@@ -120,77 +133,77 @@ void AtspiApplication::handleWindowList() {
         return giveUpForAWhile("it does not answer as an application should");
     auto former = std::exchange(contact->windows, {});
     for (auto& [reference, title] : contact->list.tree.children()) {
-        const auto& present = reference;
-        const auto known = std::find_if(former.begin(), former.end(), [&](const auto& window) {
-            return window && window->reference == present;
-        });
-        contact->windows.push_back(
-            known != former.end() ? std::move(*known) : std::make_unique<AtspiWindow>(reference));
-        contact->windows.back()->title = std::move(title);
+        const auto known =
+            std::find_if(former.begin(), former.end(), [&present = reference](const auto& window) {
+                return window.reference == present;
+            });
+        contact->windows.push_back({reference, std::move(title),
+                                    known != former.end() ? std::move(known->content) : nullptr});
     }
     readWindow(0);
 }
 
 void AtspiApplication::readWindow(std::size_t index) {
     if (index == contact->windows.size())
-        return finish();
-    auto& window = *contact->windows[index];
-    const auto first = plan->byTitle(window.title);
-    if (first.extent.maxElements == 0) {
+        return readPages();
+    auto& window = contact->windows[index];
+    const bool isBrowser = plan->outline.maxElements > 0;
+    const auto extent = isBrowser ? plan->outline : plan->window(window.title);
+    if (extent.maxElements == 0) {
         window.content.reset();
         return readWindow(index + 1);
     }
-    window.prepare(contact->calls, traits, first.extent);
-    window.isOutlined = !first.isFinal;
-    if (first.isFinal)
-        readWhole(index, first.extent);
+    if (!window.content)
+        window.content = std::make_unique<AtspiReadTree>(contact->calls, traits, window.reference);
+    window.content->refresh();
+    if (isBrowser)
+        readOutline(index);
     else
-        readOutline(index, first.extent);
+        readWhole(index, extent);
 }
 
-/// Reads as much as was read before. Where its documents are not shown any more, others may be:
-/// those of another tab, or new ones in their place.
-void AtspiApplication::readOutline(std::size_t index, const TreeExtent& outline) {
-    auto& content = *contact->windows[index]->content;
-    const auto next = lifetime.guard([this, index, outline] { decide(index, outline); });
-    content.tree.invalidatePathsToDocuments();
-    content.reader.read(lifetime.guard([this, index, next] {
-        auto& [tree, reader] = *contact->windows[index]->content;
-        if (tree.showsDocument() && tree.hasDocument())
+/// Reads as much as was read before. Where pages are not there any more, others may be.
+void AtspiApplication::readOutline(std::size_t index) {
+    auto& content = *contact->windows[index].content;
+    const auto next = lifetime.guard([this, index] { readWindow(index + 1); });
+    content.tree.setScope(plan->outline, AtspiTree::Texts::none);
+    content.tree.invalidatePagesAndTabs();
+    content.reader.read(lifetime.guard([&content, next] {
+        if (!content.tree.pages().empty())
             return next();
-        if (tree.hasDocument())
-            tree.invalidateDocuments();
-        else
-            tree.invalidate();
-        reader.read(next);
+        content.tree.invalidate();
+        content.reader.read(next);
     }));
 }
 
-void AtspiApplication::decide(std::size_t index, const TreeExtent& outline) {
-    auto& window = *contact->windows[index];
-    auto& [tree, reader] = *window.content;
-    const auto extent = plan->byTree(window.title, *tree.snapshot());
-    if (extent.maxElements > 0)
-        return readWhole(index, extent);
-    if (!window.isWatched())
-        return readWindow(index + 1);
-    tree.setScope(outline, AtspiTree::Texts::none);
-    reader.read(lifetime.guard([this, index] { readWindow(index + 1); }));
+void AtspiApplication::readWhole(std::size_t index, const TreeExtent& extent) {
+    followChanges(lifetime.guard([this, index, extent] {
+        auto& content = *contact->windows[index].content;
+        content.tree.setScope(extent, AtspiTree::Texts::all);
+        content.reader.read(lifetime.guard([this, index] { readWindow(index + 1); }));
+    }));
+}
+
+void AtspiApplication::readPages() {
+    std::vector<AtspiPages::Listed> listed;
+    if (plan->outline.maxElements > 0)
+        for (const auto& window : contact->windows)
+            listed.push_back({window.reference, window.content->tree.pages()});
+    contact->pages.update(listed, *plan);
+    if (!contact->pages.isAnyWanted())
+        return finish();
+    followChanges(lifetime.guard(
+        [this] { contact->pages.read(true, lifetime.guard([this] { finish(); })); }));
 }
 
 /// Changes are followed from before the reading, so that none is missed in between.
-void AtspiApplication::readWhole(std::size_t index, const TreeExtent& extent) {
-    const auto start = lifetime.guard([this, index, extent] {
-        auto& [tree, reader] = *contact->windows[index]->content;
-        tree.setScope(extent, AtspiTree::Texts::all);
-        reader.read(lifetime.guard([this, index] { readWindow(index + 1); }));
-    });
+void AtspiApplication::followChanges(Task next) {
     if (contact->changes)
-        return start();
-    const auto follow = lifetime.guard([this, start] {
+        return next();
+    const auto follow = lifetime.guard([this, next = std::move(next)] {
         contact->changes = bus.events.follow(
             root.bus, lifetime.guard([this](const AtspiEvent& event) { handleEvent(event); }),
-            start);
+            next);
     });
     if (hasTriedPeer)
         follow();
@@ -226,60 +239,73 @@ void AtspiApplication::handleLostPeer() {
 
 void AtspiApplication::finish() {
     published = {.state = ReadState::read, .problem = {}, .windows = {}};
-    const auto& windows = contact->windows;
-    const bool isExposing = awaitsDocuments();
+    const bool isExposing = awaitsPages();
     bool isAgain = state == State::readingAgain || isExposing;
-    for (const auto& window : windows) {
-        auto shown = publish(*window, isExposing);
-        if (shown.tree && window->awaitsTexts(traits.toolkit, *shown.tree)) {
-            shown.state = ReadState::notReadYet;
-            shown.tree = nullptr;
-            isAgain = true;
-        }
-        if (shown.tree && shown.tree->role == AccessibilityRole::unreadable) {
-            shown.state = ReadState::couldNotBeRead;
-            shown.problem = "it does not answer as a window should";
-            shown.tree = nullptr;
-            window->content.reset();
-        }
-        published.windows.push_back(std::move(shown));
+    for (auto& window : contact->windows) {
+        const bool isFirst = &window == &contact->windows.front();
+        published.windows.push_back(isExposing ? AccessibleWindow{.title = window.title}
+                                               : publish(window, isFirst, isAgain));
     }
-    if (std::none_of(windows.begin(), windows.end(),
-                     [](const auto& window) { return window->isWatched(); }))
+    if (!isAnyFollowed())
         contact->changes.reset();
     enter(State::idle);
     duration = g_get_monotonic_time() - begun;
     for (const auto& [path, change] : contact->signalled)
         apply({path, change});
-    if (isAgain)
-        schedule();
+    isPollDue = isPollDue || isExposing || contact->pages.isAnyBlank();
+    if (contact->pages.isAnyRousing())
+        schedule(timeToComeUpToDate);
+    else if (isAgain)
+        schedule(timeForMoreChanges);
     onRead();
 }
 
-AccessibleWindow AtspiApplication::publish(const AtspiWindow& window, bool isExposing) {
-    AccessibleWindow shown;
-    shown.title = window.title;
-    if (window.content && !(isExposing && window.isOutlined)) {
+/// `isAgain` is set if another reading may show more.
+AccessibleWindow AtspiApplication::publish(const Window& window, bool isFirst, bool& isAgain) {
+    AccessibleWindow shown{.title = window.title};
+    if (!window.content)
+        return shown;
+    const auto tree = window.content->tree.snapshot();
+    if (tree->role == AccessibilityRole::unreadable) {
+        shown.state = ReadState::couldNotBeRead;
+        shown.problem = "it does not answer as a window should";
+        window.content->tree.invalidate();
+        return shown;
+    }
+    if (plan->outline.maxElements > 0) {
+        shown.state = ReadState::read;
+        shown.pages = contact->pages.of(window.reference, isFirst, isAgain);
+        shown.tabs = window.content->tree.tabs();
+    } else if (window.content->awaitsTexts(*tree)) {
+        isAgain = true;
+    } else {
         shown.state = ReadState::read;
         shown.extent = window.content->tree.extent();
-        shown.tree = window.content->tree.snapshot();
+        shown.tree = tree;
     }
     return shown;
 }
 
-/// Whether the application may be about to show the documents that it was lately asked for. It
-/// shows those of all its windows or none.
-bool AtspiApplication::awaitsDocuments() {
+/// Whether the application may be about to show the pages that it was lately asked for. It shows
+/// those of all its windows or none.
+bool AtspiApplication::awaitsPages() {
     const auto& windows = contact->windows;
-    const bool wantsDocuments = std::any_of(windows.begin(), windows.end(),
-                                            [](const auto& window) { return window->isOutlined; });
-    const bool hasDocuments = std::any_of(windows.begin(), windows.end(), [](const auto& window) {
-        return window->content && window->content->tree.hasDocument();
+    const bool hasPages = std::any_of(windows.begin(), windows.end(), [](const auto& window) {
+        return window.content && !window.content->tree.pages().empty();
     });
-    if (!enables || !wantsDocuments || hasDocuments || documentRetries == 0)
+    if (!enables || plan->outline.maxElements == 0 || windows.empty() || hasPages ||
+        pageRetries == 0)
         return false;
-    --documentRetries;
+    --pageRetries;
     return true;
+}
+
+/// Whether any window or page is read whole.
+bool AtspiApplication::isAnyFollowed() const {
+    return contact->pages.isAnyWanted() ||
+           std::any_of(contact->windows.begin(), contact->windows.end(), [](const auto& window) {
+               return window.content && window.content->tree.texts() == AtspiTree::Texts::all;
+           });
 }
 
 /// When it does not answer over its own socket, that may be at fault and not the application.
@@ -321,7 +347,10 @@ void AtspiApplication::handleEvent(const AtspiEvent& event) {
     if (signalled.size() == maxChanges && isReading()) { // too many to follow
         state = State::readingAgain;
         for (const auto& window : contact->windows)
-            window->expire();
+            if (window.content)
+                window.content->expire();
+        contact->pages.expire();
+        isPollDue = true;
         return;
     }
     if (signalled.size() == maxChanges)
@@ -331,12 +360,14 @@ void AtspiApplication::handleEvent(const AtspiEvent& event) {
 }
 
 void AtspiApplication::apply(const AtspiEvent& event) {
-    bool matters = event.change == AtspiChange::windows || event.change == AtspiChange::document ||
-                   contact->list.tree.invalidate(event);
+    bool isOfWindows = event.change == AtspiChange::windows ||
+                       event.change == AtspiChange::document ||
+                       contact->list.tree.invalidate(event);
     for (const auto& window : contact->windows)
-        matters = (window->isWatched() && window->content->tree.invalidate(event)) || matters;
-    if (matters)
-        schedule();
+        isOfWindows = (window.content && window.content->tree.invalidate(event)) || isOfWindows;
+    isPollDue = isPollDue || isOfWindows;
+    if (contact->pages.invalidate(event) || isOfWindows)
+        schedule(timeForMoreChanges);
 }
 
 } // namespace quorva

@@ -9,7 +9,6 @@
 #include "platform/linux/accessibility/AtspiConnection.h"
 #include "platform/linux/accessibility/AtspiEvents.h"
 #include "platform/linux/accessibility/AtspiTree.h"
-#include "platform/linux/accessibility/AtspiWindow.h"
 #include "platform/linux/glib/Handles.h"
 
 #include <cstddef>
@@ -55,25 +54,28 @@ private:
         readingAgain, ///< a reading is under way, and another one follows
         unresponsive,
     };
+    struct Window;
     struct Contact;
 
     void enter(State next, GSourcePtr ending = nullptr);
     [[nodiscard]] bool isReading() const;
-    void schedule();
+    void schedule(guint soonest);
     void begin();
     void askToolkit();
     void askToExpose();
     void readWindowList();
     void handleWindowList();
     void readWindow(std::size_t index);
-    void readOutline(std::size_t index, const TreeExtent& outline);
-    void decide(std::size_t index, const TreeExtent& outline);
+    void readOutline(std::size_t index);
     void readWhole(std::size_t index, const TreeExtent& extent);
+    void readPages();
+    void followChanges(Task next);
     void connectPeer(Task next);
     void handleLostPeer();
     void finish();
-    [[nodiscard]] static AccessibleWindow publish(const AtspiWindow& window, bool isExposing);
-    bool awaitsDocuments();
+    [[nodiscard]] AccessibleWindow publish(const Window& window, bool isFirst, bool& isAgain);
+    [[nodiscard]] bool awaitsPages();
+    [[nodiscard]] bool isAnyFollowed() const;
     void handleHang();
     void giveUp(std::string problem);
     void giveUpForAWhile(std::string problem);
@@ -92,8 +94,9 @@ private:
     State state = State::idle;
     GSourcePtr timer; ///< of the state
     AtspiApplicationTraits traits;
-    int documentRetries = 4;   ///< soon after it was first asked to expose them
+    int pageRetries = 4;       ///< soon after it was first asked to expose them
     bool hasTriedPeer = false; ///< once is enough while it answers
+    bool isPollDue = true;     ///< of what is not signalled: windows, pages and tabs
     std::unique_ptr<Contact> contact;
     gint64 begun = 0;    ///< of the last reading
     gint64 duration = 0; ///< of the last completed one

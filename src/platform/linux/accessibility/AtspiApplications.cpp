@@ -179,6 +179,18 @@ void AtspiApplications::assign() {
             report(process);
 }
 
+/// The number of instances of a browser that have not joined the bus, though they should have.
+int AtspiApplications::silentInstancesOf(ProcessIdentifier main) const {
+    const auto instances = processes.instancesOf(main);
+    return static_cast<int>(
+        std::count_if(instances.begin(), instances.end(), [this](ProcessIdentifier instance) {
+            const bool isOnBus = std::any_of(peers.begin(), peers.end(), [&](const auto& peer) {
+                return processes.speaksFor(peer.second.process, instance);
+            });
+            return !isOnBus && processes.isSettled(instance);
+        }));
+}
+
 /// Reports what all that speak for a process have shown.
 void AtspiApplications::report(ProcessIdentifier process) {
     auto answer = emptyAnswer(ReadState::read, "", ENOTSUP);
@@ -187,17 +199,21 @@ void AtspiApplications::report(ProcessIdentifier process) {
         if (!peer.application || peer.readFor != process)
             continue;
         isOnBus = true;
-        const auto& [state, problem, windows] = peer.application->windows();
-        if (state < answer.windows.state) {
-            answer.windows.state = state;
-            answer.windows.problem = problem;
+        const auto& read = peer.application->windows();
+        if (read.state < answer.windows.state) {
+            answer.windows.state = read.state;
+            answer.windows.problem = read.problem;
         }
-        answer.windows.windows.insert(answer.windows.windows.end(), windows.begin(), windows.end());
+        answer.windows.windows.insert(answer.windows.windows.end(), read.windows.begin(),
+                                      read.windows.end());
         if (answer.enableResult != 0)
             answer.enableResult = peer.application->enableResult();
     }
-    if (isOnBus)
+    if (isOnBus) {
+        if (wanted.at(process).reading.plan->outline.maxElements > 0)
+            answer.windows.silentInstances = silentInstancesOf(process);
         return onAnswer(process, std::move(answer));
+    }
     onAnswer(process, processes.isSettled(process)
                           ? emptyAnswer(ReadState::couldNotBeRead,
                                         "it does not show its windows to accessibility; if it was "

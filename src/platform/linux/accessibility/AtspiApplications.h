@@ -65,6 +65,7 @@ private:
     [[nodiscard]] ProcessIdentifier wantedProcessOf(Peer& peer) const;
     void assign();
     void report(ProcessIdentifier process);
+    [[nodiscard]] int silentInstancesOf(ProcessIdentifier main) const;
 
     const AtspiRequests& wanted;
     const OnAnswer onAnswer;

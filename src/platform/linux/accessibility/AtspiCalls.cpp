@@ -30,6 +30,8 @@ MessagePtr messageOf(const AtspiConnection& connection, const AtspiCall& call) {
         sd_bus_message_append_basic(made, SD_BUS_TYPE_STRING, text);
     for (const std::int32_t number : call.numbers)
         sd_bus_message_append_basic(made, SD_BUS_TYPE_INT32, &number);
+    for (const std::uint32_t number : call.naturals)
+        sd_bus_message_append_basic(made, SD_BUS_TYPE_UINT32, &number);
     return message;
 }
 

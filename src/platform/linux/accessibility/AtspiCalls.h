@@ -15,13 +15,14 @@
 
 namespace quorva {
 
-/// One method call. Its parameters are texts, followed by numbers.
+/// One method call. Its parameters are texts, followed by numbers, followed by unsigned numbers.
 struct AtspiCall {
     const AtspiReference& object;
     const char* interface;
     const char* method;
     std::initializer_list<const char*> texts = {};
     std::initializer_list<std::int32_t> numbers = {};
+    std::initializer_list<std::uint32_t> naturals = {};
 };
 
 class AtspiCalls {

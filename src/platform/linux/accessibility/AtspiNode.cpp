@@ -84,11 +84,13 @@ void AtspiNode::setChildCount(std::int32_t count) {
     hasDetails = true;
 }
 
-void AtspiNode::setState(bool showing, bool managing) {
-    isShowing = showing;
-    managesDescendants = managing;
+void AtspiNode::setStates(const States& states) {
+    isShowing = states.showing;
+    isSelected = states.selected;
+    isVisible = states.visible;
+    managesDescendants = states.managesDescendants;
     hasState = true;
-    if (showing)
+    if (isShowing)
         setShown(true);
 }
 

@@ -30,7 +30,9 @@ struct AtspiNode {
     bool hasText = false;
     bool hasChildren = false;
     bool isShowing = false; ///< a document claims to be shown
-    bool isShown = false;   ///< a document counts as part of its window
+    bool isSelected = false;
+    bool isVisible = false;
+    bool isShown = false; ///< a document counts as part of its window
     bool managesDescendants = false;
     bool wasRead = false; ///< all of it was known once
     bool isDropped = false;
@@ -52,8 +54,13 @@ struct AtspiNode {
     }
     [[nodiscard]] bool isDocument() const { return is(AtspiRole::documentWeb); }
 
+    [[nodiscard]] bool isTab() const { return is(AtspiRole::pageTab); }
+
     /// Whether it lies below a document.
     [[nodiscard]] bool isWithinDocument() const;
+
+    /// Whether it is a document that belongs to no other one.
+    [[nodiscard]] bool isPage() const { return isDocument() && !isWithinDocument(); }
 
     /// Whether the texts of an element of this role are worth a call. The name says it all for most
     /// controls, and passwords are never read.
@@ -73,8 +80,12 @@ struct AtspiNode {
     void setDetails(AtspiDetails details);
     void setTitle(std::string title);
     void setDescription(std::string description);
-    void setChildCount(std::int32_t count); ///< the last of the details, where they come singly
-    void setState(bool showing, bool managing);
+    /// The last of the details, where they come singly.
+    void setChildCount(std::int32_t count);
+    struct States {
+        bool selected, showing, visible, managesDescendants;
+    };
+    void setStates(const States& states);
     void setAddress(std::string address);
     void setText(std::string text);
     void setShown(bool shown);

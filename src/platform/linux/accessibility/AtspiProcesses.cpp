@@ -3,6 +3,8 @@
 #include "platform/linux/glib/ReadFile.h"
 #include "platform/linux/processes/ProcFormats.h"
 
+#include <algorithm>
+#include <array>
 #include <cstdlib>
 #include <optional>
 #include <string>
@@ -39,22 +41,56 @@ bool AtspiProcesses::speaksFor(ProcessIdentifier onBus, ProcessIdentifier main) 
     for (int generation = 0; generation < maxGenerations && process > 1; ++generation) {
         if (process == main)
             return true;
-        const auto stat = contentOf(proc / std::to_string(process) / "stat");
-        const auto ancestry = stat ? parseStat(*stat) : std::nullopt;
-        process = ancestry ? ancestry->parent : 0;
+        process = parentOf(process);
     }
     const auto group = applicationGroup(proc / std::to_string(onBus));
     return !group.empty() && group == applicationGroup(proc / std::to_string(main));
 }
 
+/// 0 when it is not known.
+ProcessIdentifier AtspiProcesses::parentOf(ProcessIdentifier process) const {
+    const auto stat = contentOf(proc / std::to_string(process) / "stat");
+    const auto ancestry = stat ? parseStat(*stat) : std::nullopt;
+    return ancestry ? ancestry->parent : 0;
+}
+
+/// Empty when it is not known, and for interpreters.
+std::string AtspiProcesses::programOf(ProcessIdentifier process) const {
+    std::error_code error;
+    auto program =
+        std::filesystem::read_symlink(proc / std::to_string(process) / "exe", error).string();
+    return isInterpreter(program) ? std::string() : program;
+}
+
 bool AtspiProcesses::runTheSame(ProcessIdentifier one, ProcessIdentifier other) const {
-    const auto programOf = [&](ProcessIdentifier process) {
-        std::error_code error;
-        return std::filesystem::read_symlink(proc / std::to_string(process) / "exe", error)
-            .string();
-    };
     const auto program = programOf(one);
-    return !program.empty() && !isInterpreter(program) && program == programOf(other);
+    return !program.empty() && program == programOf(other);
+}
+
+/// Browsers start themselves with such options for their parts, whose parents may have ended.
+bool AtspiProcesses::mayHaveWindows(ProcessIdentifier process) const {
+    const auto line = contentOf(proc / std::to_string(process) / "cmdline").value_or("");
+    if (line.empty())
+        return false;
+    constexpr std::array options{"--type=", "-contentproc", "-headless", "-backgroundtask"};
+    return std::none_of(options.begin(), options.end(),
+                        [&](const char* option) { return line.find(option) != std::string::npos; });
+}
+
+std::vector<ProcessIdentifier> AtspiProcesses::instancesOf(ProcessIdentifier main) const {
+    std::vector<ProcessIdentifier> instances{main};
+    const auto program = programOf(main);
+    if (program.empty())
+        return instances;
+    std::error_code error;
+    for (std::filesystem::directory_iterator at(proc, error), end; at != end; at.increment(error)) {
+        const auto process = std::atoi(at->path().filename().c_str());
+        if (error || process <= 0 || process == main || programOf(process) != program)
+            continue;
+        if (programOf(parentOf(process)) != program && mayHaveWindows(process))
+            instances.push_back(process);
+    }
+    return instances;
 }
 
 bool AtspiProcesses::isSettled(ProcessIdentifier process) const {

@@ -5,6 +5,8 @@
 #include "platform/ProcessTable.h"
 
 #include <filesystem>
+#include <string>
+#include <vector>
 
 namespace quorva {
 
@@ -20,11 +22,20 @@ public:
     /// interpreters, which run many programs.
     [[nodiscard]] bool runTheSame(ProcessIdentifier one, ProcessIdentifier other) const;
 
+    /// The main processes of all instances of the program that `main` runs, itself included; only
+    /// `main` for interpreters. Instances without windows are left out: those that the program's
+    /// options start as a part of another one, or headless.
+    [[nodiscard]] std::vector<ProcessIdentifier> instancesOf(ProcessIdentifier main) const;
+
     /// Whether a process has run for so long (15 seconds) that it would have joined the bus by now.
     /// True also when it has gone.
     [[nodiscard]] bool isSettled(ProcessIdentifier process) const;
 
 private:
+    [[nodiscard]] std::string programOf(ProcessIdentifier process) const;
+    [[nodiscard]] ProcessIdentifier parentOf(ProcessIdentifier process) const;
+    [[nodiscard]] bool mayHaveWindows(ProcessIdentifier process) const;
+
     const std::filesystem::path proc;
 };
 

@@ -99,7 +99,7 @@ EventDetails detailsOf(GVariant* parameters) {
 
 AccessibilityRole roleOf(std::uint32_t atspiRole) {
     using enum AccessibilityRole;
-    static constexpr std::array<std::pair<std::uint32_t, AccessibilityRole>, 31> roles{{
+    static constexpr std::array<std::pair<std::uint32_t, AccessibilityRole>, 32> roles{{
         {9, colorWell},   // color chooser
         {16, window},     // dialog
         {20, group},      // filler
@@ -110,6 +110,7 @@ AccessibilityRole roleOf(std::uint32_t atspiRole) {
         {29, staticText}, // label
         {31, list},       // list
         {34, menuBar},    // menu bar
+        {37, tab},        // page tab
         {38, tabGroup},   // page tab list
         {39, group},      // panel
         {43, button},     // push button

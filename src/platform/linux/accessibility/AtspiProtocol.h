@@ -23,6 +23,7 @@ inline constexpr const char* nullPath = "/org/a11y/atspi/null";
 inline constexpr const char* accessible = "org.a11y.atspi.Accessible";
 inline constexpr const char* application = "org.a11y.atspi.Application";
 inline constexpr const char* text = "org.a11y.atspi.Text";
+inline constexpr const char* component = "org.a11y.atspi.Component";
 inline constexpr const char* document = "org.a11y.atspi.Document";
 inline constexpr const char* properties = "org.freedesktop.DBus.Properties";
 } // namespace atspi
@@ -42,6 +43,7 @@ enum class AtspiRole : std::uint32_t {
     frame = 23,
     icon = 26,
     image = 27,
+    internalFrame = 28,
     label = 29,
     menuItem = 35,
     pageTab = 37,
@@ -59,7 +61,12 @@ enum class AtspiRole : std::uint32_t {
 };
 
 /// The numbers of AtspiStateType that are needed.
-enum class AtspiState : unsigned { showing = 25, managesDescendants = 31 };
+enum class AtspiState : unsigned {
+    selected = 23,
+    showing = 25,
+    visible = 30,
+    managesDescendants = 31,
+};
 
 /// The toolkit that a program is made with, which decides what may be asked of it.
 enum class AtspiToolkit {

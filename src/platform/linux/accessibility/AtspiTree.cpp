@@ -79,7 +79,8 @@ bool AtspiTree::isPart(const AtspiNode& node) const {
     const bool isReached =
         scope.descends == nullptr ||
         scope.descends(node.parent->content.role, node.content.role, node.parent->depth);
-    return isReached && (!node.isDocument() || !node.hasState || node.isShown);
+    return isReached &&
+           (scopeOfTexts == Texts::none || !node.hasState || node.isShown || !node.isPage());
 }
 
 bool AtspiTree::isInScope(const AtspiNode& node) const {
@@ -92,7 +93,7 @@ bool AtspiTree::isKnown(const AtspiNode& node) const {
 }
 
 bool AtspiTree::lacksState(const AtspiNode& node) const {
-    return !node.hasState && (node.isDocument() || node.hasManyChildren());
+    return !node.hasState && (node.isDocument() || node.isTab() || node.hasManyChildren());
 }
 
 bool AtspiTree::lacksText(const AtspiNode& node) const {
@@ -108,9 +109,11 @@ bool AtspiTree::wantsText(const AtspiNode& node) const {
 
 bool AtspiTree::lacksChildren(const AtspiNode& node) const {
     const bool isEndless = node.managesDescendants && node.hasManyChildren();
-    const bool isHiddenDocument = node.parent != nullptr && node.isDocument() && !node.isShown;
+    const bool isLeaf = scopeOfTexts == Texts::none
+                            ? node.isDocument() || node.isTab()
+                            : node.parent != nullptr && !node.isShown && node.isPage();
     return !node.hasChildren && node.depth + 1 < scope.maxDepth && node.childCount != 0 &&
-           !isEndless && !isHiddenDocument;
+           !isEndless && !isLeaf;
 }
 
 bool AtspiTree::isFull() const {
@@ -163,8 +166,8 @@ void AtspiTree::setChildren(AtspiNode& node, std::vector<AtspiReference> referen
         node.markChanged();
 }
 
-/// The documents that claim to be shown are those of the window. Where none does, the window is
-/// minimised, and the documents shown before are still its content.
+/// The pages that claim to be shown are those of the window. Where none does, the window is
+/// minimised, and the pages shown before are still its content.
 void AtspiTree::settleDocuments() {
     if (!showsDocument())
         return;
@@ -179,20 +182,33 @@ void AtspiTree::invalidate() {
 }
 
 /// Not every program signals that it shows another document in place of one.
-void AtspiTree::invalidatePathsToDocuments() {
+void AtspiTree::invalidatePagesAndTabs() {
+    bool isAnyFound = false;
     for (const auto& [path, node] : nodesOfPath) {
-        if (!node->isDocument() || !node->isShown || node->isWithinDocument())
+        if (!node->isTab() && !node->isPage())
             continue;
-        node->hasState = false;
+        isAnyFound = true;
+        node->hasDetails = node->hasState = false;
         for (auto* above = node->parent; above != nullptr; above = above->parent)
             above->invalidateChildren();
     }
+    if (!isAnyFound)
+        invalidate();
 }
 
 void AtspiTree::invalidateDocuments() {
     for (const auto& [path, node] : nodesOfPath)
         if (node->isDocument())
             node->hasState = false;
+}
+
+void AtspiTree::invalidateFrames() {
+    for (const auto& [path, node] : nodesOfPath) {
+        if (node->is(AtspiRole::internalFrame))
+            node->invalidateChildren();
+        if (node->isDocument() && node->parent != nullptr)
+            node->parent->invalidateChildren();
+    }
 }
 
 bool AtspiTree::invalidate(const AtspiEvent& event) {
@@ -210,7 +226,8 @@ bool AtspiTree::invalidate(AtspiNode& node, AtspiChange change) {
         node.hasState = false;
         return true;
     }
-    if (!isPart(node))
+    const bool isContent = change == AtspiChange::children || change == AtspiChange::text;
+    if (!isPart(node) || (isContent && scopeOfTexts == Texts::none && node.isDocument()))
         return false;
     switch (change) {
     case AtspiChange::children:
@@ -247,11 +264,34 @@ bool AtspiTree::showsDocument() const {
     });
 }
 
-bool AtspiTree::hasDocument() const {
-    return std::any_of(nodesOfPath.begin(), nodesOfPath.end(), [](const auto& entry) {
-        const auto& node = *entry.second;
-        return node.isDocument() && node.isShown && node.childCount != 0;
-    });
+std::vector<const AtspiNode*> AtspiTree::documents() const {
+    std::vector<const AtspiNode*> found;
+    for (const auto& [path, node] : nodesOfPath)
+        if (node->isDocument())
+            found.push_back(node);
+    std::sort(found.begin(), found.end(),
+              [](const auto* a, const auto* b) { return a->position < b->position; });
+    return found;
+}
+
+std::vector<const AtspiNode*> AtspiTree::pages() const {
+    auto found = documents();
+    std::erase_if(found, [](const auto* node) { return !node->isPage(); });
+    return found;
+}
+
+std::vector<AccessibleTab> AtspiTree::tabs() const {
+    std::vector<const AtspiNode*> found;
+    for (const auto& [path, node] : nodesOfPath)
+        if (node->isTab() && node->isVisible)
+            found.push_back(node);
+    std::sort(found.begin(), found.end(),
+              [](const auto* a, const auto* b) { return a->position < b->position; });
+    std::vector<AccessibleTab> tabs;
+    tabs.reserve(found.size());
+    for (const auto* const node : found)
+        tabs.push_back({node->content.title, node->isSelected});
+    return tabs;
 }
 
 AccessibleElementPtr AtspiTree::snapshot() {

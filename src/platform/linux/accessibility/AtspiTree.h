@@ -27,6 +27,7 @@ struct AtspiApplicationTraits {
 class AtspiTree {
 public:
     using NodePtr = std::shared_ptr<AtspiNode>;
+    /// `none`: an outline, in which documents have no content.
     enum class Texts { none, all };
 
     /// Of the root alone, of which nothing is known. `traits` must outlive the tree.
@@ -43,11 +44,14 @@ public:
     /// Invalidates everything; an element that turns out to be the same stays the same object.
     void invalidate();
 
-    /// Invalidates the documents that are shown, and the elements above them.
-    void invalidatePathsToDocuments();
+    /// Invalidates what is known of pages and tabs themselves, and the elements above them.
+    void invalidatePagesAndTabs();
 
-    /// Invalidates whether any document is shown.
+    /// Invalidates the state and the address of every document.
     void invalidateDocuments();
+
+    /// Invalidates which documents there are below documents.
+    void invalidateFrames();
 
     /// Invalidates what a signal reports as changed. Returns whether that is part of this tree.
     bool invalidate(const AtspiEvent& event);
@@ -59,11 +63,14 @@ public:
     /// The root's children with their titles.
     [[nodiscard]] std::vector<std::pair<AtspiReference, std::string>> children() const;
 
-    /// Whether a document claims to be shown.
-    [[nodiscard]] bool showsDocument() const;
+    /// The documents that belong to no other one.
+    [[nodiscard]] std::vector<const AtspiNode*> pages() const;
 
-    /// Whether a document that counts as part of the window is not empty.
-    [[nodiscard]] bool hasDocument() const;
+    /// All documents, those within others included.
+    [[nodiscard]] std::vector<const AtspiNode*> documents() const;
+
+    /// Of the window, in their order.
+    [[nodiscard]] std::vector<AccessibleTab> tabs() const;
 
     // For the reader:
 
@@ -88,6 +95,7 @@ public:
     void settleDocuments();
 
 private:
+    [[nodiscard]] bool showsDocument() const;
     void add(AtspiNode& node);
     void drop(AtspiNode& node);
     bool invalidate(AtspiNode& node, AtspiChange change);

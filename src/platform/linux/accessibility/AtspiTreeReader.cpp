@@ -209,6 +209,7 @@ void AtspiTreeReader::handleRole(Node& node, GVariant* reply) {
 
 void AtspiTreeReader::handleDetails(Node& node, GVariant* reply) {
     node.setDetails(decodeDetails(reply).value_or(AtspiDetails{{}, {}, {}, 0}));
+    forgetChildrenOfNone(node);
 }
 
 void AtspiTreeReader::handleName(Node& node, GVariant* reply) {
@@ -221,11 +222,20 @@ void AtspiTreeReader::handleDescription(Node& node, GVariant* reply) {
 
 void AtspiTreeReader::handleCount(Node& node, GVariant* reply) {
     node.setChildCount(decodeCountProperty(reply).value_or(0));
+    forgetChildrenOfNone(node);
+}
+
+/// Of an element without children, no list is asked for.
+void AtspiTreeReader::forgetChildrenOfNone(Node& node) {
+    if (node.childCount == 0 && !node.children.empty())
+        tree.setChildren(node, {});
 }
 
 void AtspiTreeReader::handleState(Node& node, GVariant* reply) {
-    node.setState(hasState(reply, AtspiState::showing),
-                  hasState(reply, AtspiState::managesDescendants));
+    node.setStates({.selected = hasState(reply, AtspiState::selected),
+                    .showing = hasState(reply, AtspiState::showing),
+                    .visible = hasState(reply, AtspiState::visible),
+                    .managesDescendants = hasState(reply, AtspiState::managesDescendants)});
 }
 
 void AtspiTreeReader::handleAddress(Node& node, GVariant* reply) {

@@ -63,6 +63,7 @@ private:
     void handleName(Node& node, GVariant* reply);
     void handleDescription(Node& node, GVariant* reply);
     void handleCount(Node& node, GVariant* reply);
+    void forgetChildrenOfNone(Node& node);
     void handleState(Node& node, GVariant* reply);
     void handleAddress(Node& node, GVariant* reply);
     void handleText(Node& node, GVariant* reply);

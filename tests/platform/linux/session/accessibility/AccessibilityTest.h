@@ -140,10 +140,10 @@ protected:
     static std::shared_ptr<const ReadingPlan> wholeMeetings(int elements = maxElements,
                                                             int depth = maxDepth) {
         auto plan = std::make_shared<ReadingPlan>();
-        plan->byTitle = [elements, depth](std::string_view title) {
+        plan->window = [elements, depth](std::string_view title) {
             return title.starts_with("Meeting")
-                       ? ReadingPlan::First{{.maxDepth = depth, .maxElements = elements}, true}
-                       : ReadingPlan::First{};
+                       ? TreeExtent{.maxDepth = depth, .maxElements = elements}
+                       : TreeExtent{};
         };
         return plan;
     }

@@ -79,18 +79,13 @@ TEST_P(AccessibilityTreeContractTest, callsBackAfterAReadingAndNotWithinTheReque
 }
 
 TEST_P(AccessibilityTreeContractTest, showsEachWindowAsFarAsThePlanWantsIt) {
-    static constexpr TreeExtent outline{.maxDepth = 2, .maxElements = 10};
     static constexpr TreeExtent withoutButtons{
         .maxDepth = 3, .maxElements = 4, .descends = [](AccessibilityRole, auto child, int) {
             return child != AccessibilityRole::button;
         }};
     const auto plan = std::make_shared<ReadingPlan>();
-    plan->byTitle = [](std::string_view title) {
-        return title == "Meeting" ? ReadingPlan::First{outline, false} : ReadingPlan::First{};
-    };
-    plan->byTree = [](std::string_view, const AccessibleElement& shown) {
-        const bool isOutline = shown.children.size() == 2 && depthOf(shown) == 2;
-        return isOutline ? withoutButtons : TreeExtent{};
+    plan->window = [](std::string_view title) {
+        return title == "Meeting" ? withoutButtons : TreeExtent{};
     };
     request(plan);
     ASSERT_TRUE(comesTo([&] { return isRead(); }));

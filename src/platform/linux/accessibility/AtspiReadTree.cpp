@@ -1,6 +1,7 @@
-#include "platform/linux/accessibility/AtspiWindow.h"
+#include "platform/linux/accessibility/AtspiReadTree.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace quorva {
 namespace {
@@ -25,35 +26,32 @@ bool lacksTexts(const AccessibleElement& element) {
 
 } // namespace
 
-bool AtspiWindow::isWatched() const {
-    return content && content->tree.texts() == AtspiTree::Texts::all;
-}
+AtspiReadTree::AtspiReadTree(AtspiCalls& calls, AtspiApplicationTraits& traits_,
+                             AtspiReference root)
+    : tree(traits_, std::move(root)),
+      reader(calls, traits_, tree),
+      traits(traits_),
+      lastInvalidated(g_get_monotonic_time()) {}
 
-void AtspiWindow::prepare(AtspiCalls& calls, AtspiApplicationTraits& traits,
-                          const TreeExtent& outline) {
+void AtspiReadTree::refresh() {
     const auto now = g_get_monotonic_time();
-    if (!content) {
-        content = std::make_unique<AtspiReadTree>(calls, traits, reference);
-        content->tree.setScope(outline, AtspiTree::Texts::none);
-    } else if (now - lastInvalidated >= maxAge) {
-        content->tree.invalidate();
-    } else {
+    if (now - lastInvalidated < maxAge)
         return;
-    }
+    tree.invalidate();
     lastInvalidated = now;
 }
 
-void AtspiWindow::expire() {
+void AtspiReadTree::expire() {
     lastInvalidated = g_get_monotonic_time() - maxAge;
 }
 
 /// Firefox has no texts for the first client that asks for them, and does not signal when it has.
 /// They are asked for again, until it turns out that there are none.
-bool AtspiWindow::awaitsTexts(AtspiToolkit toolkit, const AccessibleElement& tree) {
-    if (toolkit != AtspiToolkit::gecko || !isWatched() || textRetries == 0)
+bool AtspiReadTree::awaitsTexts(const AccessibleElement& read) {
+    if (traits.toolkit != AtspiToolkit::gecko || textRetries == 0)
         return false;
     --textRetries;
-    if (textRetries == 0 || !lacksTexts(tree)) {
+    if (textRetries == 0 || !lacksTexts(read)) {
         textRetries = 0;
         return false;
     }
