@@ -34,19 +34,19 @@ std::vector<MeetingApplication> meetingApplications(const std::vector<RunningApp
     for (const auto& application : running) {
         if (!application.bundleIdentifier || !hostsMeetings(*application.bundleIdentifier))
             continue;
-        auto [state, problem, windows, silentInstances] =
-            tree.windows(application.processIdentifier);
+        auto shown = tree.windows(application.processIdentifier);
         auto& added = found.emplace_back(MeetingApplication{
             .process = application.processIdentifier,
             .bundleIdentifier = *application.bundleIdentifier,
             .name = application.localizedName.value_or(*application.bundleIdentifier),
-            .state = state,
-            .problem = std::move(problem),
-            .silentInstances = silentInstances,
+            .state = shown.state,
+            .problem = std::move(shown.problem),
+            .silentInstances = shown.silentInstances,
+            .startingInstances = shown.startingInstances,
         });
-        if (state != ReadState::read)
+        if (shown.state != ReadState::read)
             continue;
-        for (const auto& window : windows) {
+        for (const auto& window : shown.windows) {
             append(added.candidates, candidatesIn(window, added.bundleIdentifier));
             append(added.hidden, hiddenMeetings(window, added.bundleIdentifier));
         }
@@ -57,7 +57,7 @@ std::vector<MeetingApplication> meetingApplications(const std::vector<RunningApp
 std::set<MeetingKey> waitingIn(const std::vector<MeetingApplication>& applications) {
     std::set<MeetingKey> waiting;
     for (const auto& application : applications) {
-        if (application.state == ReadState::notReadYet)
+        if (application.state == ReadState::notReadYet || application.startingInstances > 0)
             waiting.insert({application.process, wholeApplication});
         for (const auto& platform : meetingPlatforms())
             if (isHostedBy(platform, application.bundleIdentifier))
@@ -156,6 +156,8 @@ void MeetingPass::noteUnseen(const MeetingApplication& application) {
     for (const auto& hidden : application.hidden)
         unseen.insert({hidden.isInFront ? notInFront : inBackgroundTab, application.name,
                        hidden.platformName});
+    if (application.startingInstances > 0)
+        noteWaiting(application, wholeApplication);
     if (application.silentInstances > 0)
         unseen.insert({silentInstance, application.name, {}});
 }

@@ -66,6 +66,7 @@ struct MeetingApplication {
     std::vector<MeetingCandidate> candidates;
     std::vector<HiddenMeeting> hidden;
     int silentInstances = 0;
+    int startingInstances = 0;
 };
 
 /// Those of the running applications that may hold meetings.

@@ -67,24 +67,24 @@ MeetingCandidate candidateOf(const AccessiblePage& page, std::string title) {
     return candidate;
 }
 
-/// Takes the page of a tab of this platform out of those that no tab has been found for. The tab
-/// that is selected has the page in front, whose title may have changed since; Firefox has no
-/// titles for the first client that asks.
-bool takePageOf(const AccessibleTab& tab, std::string_view platform,
-                std::vector<const AccessiblePage*>& pages) {
-    const auto isOfTab = [&](const AccessiblePage* page) {
-        if (page->title.empty())
-            return platformForURL(page->url) == platform;
-        return tab.title.starts_with(page->title);
-    };
-    auto found = std::find_if(pages.begin(), pages.end(), isOfTab);
-    if (found == pages.end() && tab.isSelected)
-        found = std::find_if(pages.begin(), pages.end(),
-                             [](const AccessiblePage* page) { return page->isShown; });
-    if (found == pages.end())
-        return false;
-    pages.erase(found);
-    return true;
+using Pages = std::vector<const AccessiblePage*>;
+
+/// The page with the longest title that a tab's begins with. Firefox has no titles for the first
+/// client that asks: the page's platform, which the tab's title tells, has to do.
+Pages::iterator pageOf(const AccessibleTab& tab, Pages& pages) {
+    auto best = pages.end();
+    for (auto at = pages.begin(); at != pages.end(); ++at) {
+        const auto& title = (*at)->title;
+        if (!title.empty() && tab.title.starts_with(title) &&
+            (best == pages.end() || title.size() > (*best)->title.size()))
+            best = at;
+    }
+    if (best != pages.end())
+        return best;
+    const auto platform = platformForTabTitle(tab.title);
+    return std::find_if(pages.begin(), pages.end(), [&](const AccessiblePage* page) {
+        return page->title.empty() && platform && platformForURL(page->url) == platform;
+    });
 }
 
 } // namespace
@@ -153,15 +153,27 @@ std::vector<HiddenMeeting> hiddenMeetings(const AccessibleWindow& window,
     std::vector<HiddenMeeting> hidden;
     if (window.state != ReadState::read || !isBrowser(bundleIdentifier))
         return hidden;
-    std::vector<const AccessiblePage*> pages;
+    Pages pages;
     for (const auto& page : window.pages)
         if (!page.url.empty() || page.tree) // else it does not tell what it is
             pages.push_back(&page);
+    const bool isEmpty = pages.empty();
+    std::vector<const AccessibleTab*> without;
     for (const auto& tab : window.tabs)
-        if (const auto platform = platformForTabTitle(tab.title))
-            if (!takePageOf(tab, *platform, pages))
-                hidden.push_back({*platform, tab.isSelected});
-    if (window.tabs.empty() && pages.empty())
+        if (const auto page = pageOf(tab, pages); page != pages.end())
+            pages.erase(page);
+        else
+            without.push_back(&tab);
+    for (const auto* const tab : without) {
+        const auto platform = platformForTabTitle(tab->title);
+        const auto inFront = std::find_if(pages.begin(), pages.end(),
+                                          [](const AccessiblePage* page) { return page->isShown; });
+        if (platform && tab->isSelected && inFront != pages.end())
+            pages.erase(inFront); // its title has just changed
+        else if (platform)
+            hidden.push_back({*platform, tab->isSelected});
+    }
+    if (window.tabs.empty() && isEmpty)
         if (const auto platform = platformForTabTitle(window.title))
             hidden.push_back({*platform, true});
     return hidden;

@@ -112,8 +112,10 @@ struct AccessibleWindows {
     ReadState state = ReadState::notReadYet; ///< of the list of windows with their titles
     std::string problem;
     std::vector<AccessibleWindow> windows;
-    /// The number of further running instances of the application that show nothing.
+    /// The number of further instances of the application that run and show nothing, and of those
+    /// that may be about to.
     int silentInstances = 0;
+    int startingInstances = 0;
 };
 
 /// Decides what to read of an application, to read as little as possible. The functions are without

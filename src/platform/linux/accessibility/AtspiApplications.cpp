@@ -179,16 +179,15 @@ void AtspiApplications::assign() {
             report(process);
 }
 
-/// The number of instances of a browser that have not joined the bus, though they should have.
-int AtspiApplications::silentInstancesOf(ProcessIdentifier main) const {
-    const auto instances = processes.instancesOf(main);
-    return static_cast<int>(
-        std::count_if(instances.begin(), instances.end(), [this](ProcessIdentifier instance) {
-            const bool isOnBus = std::any_of(peers.begin(), peers.end(), [&](const auto& peer) {
-                return processes.speaksFor(peer.second.process, instance);
-            });
-            return !isOnBus && processes.isSettled(instance);
-        }));
+/// Counts the instances of a browser that have not joined the bus.
+void AtspiApplications::countInstances(ProcessIdentifier main, AccessibleWindows& windows) const {
+    for (const auto instance : processes.instancesOf(main)) {
+        const bool isOnBus = std::any_of(peers.begin(), peers.end(), [&](const auto& peer) {
+            return processes.speaksFor(peer.second.process, instance);
+        });
+        if (!isOnBus)
+            ++(processes.isSettled(instance) ? windows.silentInstances : windows.startingInstances);
+    }
 }
 
 /// Reports what all that speak for a process have shown.
@@ -211,7 +210,7 @@ void AtspiApplications::report(ProcessIdentifier process) {
     }
     if (isOnBus) {
         if (wanted.at(process).reading.plan->outline.maxElements > 0)
-            answer.windows.silentInstances = silentInstancesOf(process);
+            countInstances(process, answer.windows);
         return onAnswer(process, std::move(answer));
     }
     onAnswer(process, processes.isSettled(process)

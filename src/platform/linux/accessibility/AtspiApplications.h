@@ -65,7 +65,7 @@ private:
     [[nodiscard]] ProcessIdentifier wantedProcessOf(Peer& peer) const;
     void assign();
     void report(ProcessIdentifier process);
-    [[nodiscard]] int silentInstancesOf(ProcessIdentifier main) const;
+    void countInstances(ProcessIdentifier main, AccessibleWindows& windows) const;
 
     const AtspiRequests& wanted;
     const OnAnswer onAnswer;

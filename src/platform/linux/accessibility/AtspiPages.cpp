@@ -10,6 +10,12 @@ constexpr std::size_t maxHidden = 64;          ///< pages that no window lists
 constexpr gint64 timeToComeUpToDate = 250'000; // microseconds, from the first time it is asked
 constexpr int maxBlankTries = 3;
 
+constexpr auto atPoint = "GetAccessibleAtPoint";
+constexpr std::uint32_t onScreen = 0; ///< kinds of coordinates
+constexpr std::uint32_t inParent = 2;
+constexpr int pointInFrame = 5;
+constexpr int maxFrames = 32; ///< of a page, that are asked
+
 } // namespace
 
 struct AtspiPages::Page {
@@ -116,7 +122,7 @@ void AtspiPages::readNext(std::size_t index, bool rouses, const Task& done) {
 /// Asked what is at a point, it brings the page up to date, which takes it a moment. A page that
 /// does not answer any more, and that no window lists, has gone.
 void AtspiPages::rouse(Page& page, Task next) {
-    ask(page.reference, lifetime.guard([this, &page, next = std::move(next)](GVariant* reply) {
+    const auto handle = [this, &page, next = std::move(next)](GVariant* reply) {
         page.isGone = reply == nullptr && !page.isListed;
         if (page.isRousing())
             ++page.blankTries;
@@ -126,16 +132,25 @@ void AtspiPages::rouse(Page& page, Task next) {
         const bool isReady = now - page.firstRoused >= timeToComeUpToDate;
         if (page.isGone || !page.content || !isReady)
             return next();
-        for (const auto* const frame : page.content->tree.documents())
-            if (frame->parent != nullptr)
-                ask(frame->reference, [](GVariant*) {});
+        rouseFrames(page);
         readContent(page, next);
-    }));
+    };
+    calls.send({page.reference, atspi::component, atPoint, {}, {-1, -1}, {onScreen}},
+               lifetime.guard(handle));
 }
 
-void AtspiPages::ask(const AtspiReference& document, AtspiCalls::Reply reply) {
-    calls.send({document, atspi::component, "GetAccessibleAtPoint", {}, {-1, -1}, {0}},
-               std::move(reply));
+/// A frame of another site has to be asked itself, at a point within it.
+void AtspiPages::rouseFrames(const Page& page) {
+    int asked = 0;
+    for (const auto* const document : page.content->tree.documents())
+        if (document->parent != nullptr && ++asked <= maxFrames)
+            calls.send({document->reference,
+                        atspi::component,
+                        atPoint,
+                        {},
+                        {pointInFrame, pointInFrame},
+                        {inParent}},
+                       [](GVariant*) {});
 }
 
 /// The address of a page that no window lists is its own to tell.

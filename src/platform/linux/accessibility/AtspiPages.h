@@ -65,7 +65,7 @@ private:
     [[nodiscard]] Page& pageOf(const AtspiReference& reference);
     void readNext(std::size_t index, bool rouses, const Task& done);
     void rouse(Page& page, Task next);
-    void ask(const AtspiReference& document, AtspiCalls::Reply reply);
+    void rouseFrames(const Page& page);
     static void readContent(Page& page, Task next);
     [[nodiscard]] static AccessiblePage publish(Page& page, bool& isAgain);
 
