@@ -171,7 +171,7 @@ std::vector<HiddenMeeting> hiddenMeetings(const AccessibleWindow& window,
         if (platform && tab->isSelected && inFront != pages.end())
             pages.erase(inFront); // its title has just changed
         else if (platform)
-            hidden.push_back({*platform, tab->isSelected});
+            hidden.push_back({*platform, tab->isSelected && isEmpty});
     }
     if (window.tabs.empty() && isEmpty)
         if (const auto platform = platformForTabTitle(window.title))

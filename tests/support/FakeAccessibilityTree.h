@@ -31,6 +31,7 @@ public:
         std::string problem = {};
         bool isAnswering = true;
         int silentInstances = 0;
+        int startingInstances = 0;
     };
     struct Enabling {
         ProcessIdentifier process;
@@ -105,7 +106,8 @@ private:
         if (!application.isAnswering)
             return {};
         AccessibleWindows answer{.state = ReadState::read,
-                                 .silentInstances = application.silentInstances};
+                                 .silentInstances = application.silentInstances,
+                                 .startingInstances = application.startingInstances};
         for (const auto& window : application.windows)
             answer.windows.push_back(read(window, *asked.plan, readings[asked.process]));
         return answer;

@@ -210,6 +210,7 @@ GVariant* PlayedApplication::answerOf(const PlayedElement& element, const Played
     if (method == "GetState") {
         const std::uint32_t first =
             (element.isShowing ? 1U << static_cast<unsigned>(AtspiState::showing) : 0U) |
+            1U << static_cast<unsigned>(AtspiState::visible) |
             (element.managesDescendants
                  ? 1U << static_cast<unsigned>(AtspiState::managesDescendants)
                  : 0U);
@@ -219,6 +220,8 @@ GVariant* PlayedApplication::answerOf(const PlayedElement& element, const Played
         g_variant_builder_add(&words, "u", 0U);
         return g_variant_new("(au)", &words);
     }
+    if (method == "GetAccessibleAtPoint")
+        return g_variant_new("(@(so))", referenceTo(question.element));
     if (method == "GetChildren") {
         GVariantBuilder children;
         g_variant_builder_init(&children, G_VARIANT_TYPE("a(so)"));

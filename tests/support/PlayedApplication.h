@@ -23,6 +23,9 @@ namespace played {
 inline constexpr std::uint32_t application = 75;
 inline constexpr std::uint32_t frame = 23;
 inline constexpr std::uint32_t panel = 39;
+inline constexpr std::uint32_t tab = 37;
+inline constexpr std::uint32_t tabList = 38;
+inline constexpr std::uint32_t internalFrame = 28;
 inline constexpr std::uint32_t list = 31;
 inline constexpr std::uint32_t listItem = 32;
 inline constexpr std::uint32_t paragraph = 73;
