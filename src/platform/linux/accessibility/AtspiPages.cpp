@@ -100,19 +100,21 @@ bool AtspiPages::isAnyBlank() const {
                        [](const auto& page) { return page->isRousing(); });
 }
 
-void AtspiPages::read(bool rouses, Task done) {
-    readNext(0, rouses, done);
+void AtspiPages::read(bool polls, Task done) {
+    readNext(0, polls, done);
 }
 
-void AtspiPages::readNext(std::size_t index, bool rouses, const Task& done) {
+void AtspiPages::readNext(std::size_t index, bool polls, const Task& done) {
     while (index < pages.size() && !pages[index]->content && !pages[index]->isRousing())
         ++index;
     if (index == pages.size())
         return done();
     auto& page = *pages[index];
+    if (polls && page.content) // Chromium does not signal every navigation of a frame
+        page.content->tree.invalidateFrames();
     const auto next =
-        lifetime.guard([this, index, rouses, done] { readNext(index + 1, rouses, done); });
-    if (traits.toolkit == AtspiToolkit::chromium && (rouses || !page.wasRead))
+        lifetime.guard([this, index, polls, done] { readNext(index + 1, polls, done); });
+    if (traits.toolkit == AtspiToolkit::chromium && (polls || !page.wasRead))
         rouse(page, next);
     else
         readContent(page, next);

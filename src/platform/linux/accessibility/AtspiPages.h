@@ -38,9 +38,9 @@ public:
     /// Whether any page is to be read.
     [[nodiscard]] bool isAnyWanted() const;
 
-    /// Brings the wanted pages up to date; has them do so by themselves first if `rouses`. Calls
-    /// `done` once, possibly within this call.
-    void read(bool rouses, Task done);
+    /// Brings the wanted pages up to date. If `polls`, also looks for what is not signalled, and has
+    /// them come up to date by themselves first. Calls `done` once, possibly within this call.
+    void read(bool polls, Task done);
 
     /// Whether a page has been asked to come up to date, and is to be read soon.
     [[nodiscard]] bool isAnyRousing() const;
@@ -63,7 +63,7 @@ private:
     struct Page;
 
     [[nodiscard]] Page& pageOf(const AtspiReference& reference);
-    void readNext(std::size_t index, bool rouses, const Task& done);
+    void readNext(std::size_t index, bool polls, const Task& done);
     void rouse(Page& page, Task next);
     void rouseFrames(const Page& page);
     static void readContent(Page& page, Task next);
