@@ -89,11 +89,17 @@ void RecordLog<Record>::add(Record record, Task onDurable) {
     store(std::move(onDurable));
 }
 
-/// Copies what is stored to a key of its own, where no later change overwrites it.
+/// Copies what is stored to a key of its own, where no later change overwrites it. What is stored
+/// stays as it is until something is added, so the next start finds it again, and the copy too.
 template <typename Record>
 void RecordLog<Record>::setAside(const PreferenceValue& stored, std::size_t failed) {
-    const auto place = fmt::format("{}.unreadable-{}", shape.key, iso8601Seconds(loop.now()));
-    preferences.set(place, stored);
+    const auto newest = fmt::format("{}.unreadable", shape.key);
+    auto place = preferences.read<std::string>(newest).value.value_or("");
+    if (place.empty() || preferences.value(place) != stored) {
+        place = fmt::format("{}-{}", newest, iso8601Seconds(loop.now()));
+        preferences.set(place, stored);
+        preferences.set(newest, place);
+    }
     log.error(failed > 0 ? fmt::format("{} entries of {} can't be read; all of it was copied to {}",
                                        failed, shape.key, place)
                          : fmt::format("{} can't be read; it was copied to {}", shape.key, place),

@@ -33,7 +33,8 @@ public:
 
     /// Reads the newest records of the stored list, up to the greatest length. Entries that cannot
     /// be read are left out. If there are such entries, or the value is not a list, the stored
-    /// value is first copied to another key, whose name holds the date, and an error is logged.
+    /// value is first copied to another key, whose name holds the date, and an error is logged. A
+    /// value that was copied at an earlier start is not copied again.
     void load();
 
     /// Adds a record at the newest end, drops the oldest records beyond the greatest length, and

@@ -35,7 +35,8 @@ inline constexpr PreferenceKey<std::vector<std::string>> calendarAlerted{
     "calendarAlertedDetections"};
 inline constexpr PreferenceKey<std::vector<std::string>> calendarDismissed{
     "calendarDismissedDetections"};
-/// JSON arrays of records.
+/// JSON arrays of records. What could not be read of one is kept under KEY.unreadable-DATE, and
+/// KEY.unreadable names the newest such copy.
 inline constexpr PreferenceKey<PreferenceData> detectionLog{"detectionLog"};
 inline constexpr PreferenceKey<PreferenceData> objectionLog{"objectionLog"};
 

@@ -85,6 +85,24 @@ TEST_F(StoredStateTest, keepsAHistoryOfAnotherVersionsShape) {
               PreferenceValue(history));
 }
 
+TEST_F(StoredStateTest, setsTheSameAsideOnce) {
+    const auto copies = [&] {
+        return std::ranges::count_if(computer.preferences.values, [](const auto& entry) {
+            return entry.first.starts_with("detectionLog.unreadable-");
+        });
+    };
+    computer.preferences.values["detectionLog"] = PreferenceData{"{never JSON"};
+    for (int each = 0; each < 3; ++each) {
+        start();
+        computer.loop.advance(60s);
+    }
+    EXPECT_EQ(copies(), 1);
+    EXPECT_EQ(stored("detectionLog"), "{never JSON") << "another version may be able to read it";
+    computer.preferences.values["detectionLog"] = PreferenceData{"[17]"};
+    start();
+    EXPECT_EQ(copies(), 2) << "something else";
+}
+
 TEST_F(StoredStateTest, followsTheLoginItem) {
     computer.loginItem.state = LoginItemStatus::enabled;
     EXPECT_TRUE(start().settings.launchAtLogin);
