@@ -13,9 +13,22 @@ namespace quorva {
 namespace {
 
 constexpr Seconds toastDuration{2.5};
+constexpr Seconds longestAttempt{30.0}; ///< to speak: starting the service, and its answers
 constexpr double speechRate = 0.48;
 constexpr double speechVolume = 0.85;
 constexpr double speechPitch = 1.0;
+
+/// `problem` is the speech service's, a sentence.
+std::string toastTextFor(const std::optional<std::string>& problem) {
+    if (!problem)
+        return "Statement spoken · full text copied to clipboard";
+    auto reason = printable(*problem);
+    while (reason.ends_with('.'))
+        reason.pop_back();
+    if (!reason.empty())
+        reason = lowerCased(std::string_view(reason).substr(0, 1)) + reason.substr(1);
+    return "Full text copied to clipboard. Not spoken: " + reason;
+}
 
 /// A random UUID (version 4 of RFC 4122) in upper case.
 std::string randomUuid() {
@@ -45,7 +58,9 @@ Objections::Objections(MainLoop& loop_, Preferences& preferences, Log& log, Clip
     : objectionLog(objectionLogShape, loop_, preferences, log),
       loop(loop_),
       clipboard(clipboard_),
-      speechSynthesizer(speechSynthesizer_) {}
+      speechSynthesizer(speechSynthesizer_) {
+    speechProblem = speechSynthesizer.onProblemChange(lifetime.guard([this] { followSpeech(); }));
+}
 
 bool Objections::fileObjection(const ObjectionOccasion& occasion) {
     const auto which = occasion.objectionTemplate.value_or(selectedTemplate);
@@ -61,12 +76,29 @@ bool Objections::fileObjection(const ObjectionOccasion& occasion) {
         .source = occasion.source,
         .copiedToClipboard = true,
     });
+    filedAt = loop.now();
+    toastText = toastTextFor(speechSynthesizer.problem());
+    showToast();
+    return true;
+}
+
+void Objections::showToast() {
     showingObjectionToast = true;
     toastTimers.push_back(loop.after(toastDuration, lifetime.guard([this] {
         showingObjectionToast = false;
         toastTimers.pop_front(); // the oldest: they fall due in their order
     })));
-    return true;
+}
+
+/// Whether the service speaks is known only after an objection has been filed, and may take longer
+/// than the confirmation is shown.
+void Objections::followSpeech() {
+    if (!filedAt || loop.now() - *filedAt > longestAttempt)
+        return;
+    const auto problem = speechSynthesizer.problem();
+    if (problem && !showingObjectionToast)
+        showToast();
+    toastText = toastTextFor(problem);
 }
 
 void Objections::speakObjection(ObjectionTemplate which) {

@@ -33,8 +33,11 @@ public:
     RecordLog<ObjectionRecord> objectionLog;
     /// The template used when an occasion names none. Not stored.
     Published<ObjectionTemplate, Objections> selectedTemplate{ObjectionTemplate::california};
-    /// Whether the confirmation is shown, for 2.5 seconds after an objection.
+    /// Whether the confirmation is shown: for 2.5 seconds after an objection, and again when it
+    /// turns out later that the objection was not spoken.
     Published<bool, Objections> showingObjectionToast{false};
+    /// What the confirmation says: what became of the statement, as far as it is known.
+    Published<std::string, Objections> toastText;
 
     void selectTemplate(ObjectionTemplate which) { selectedTemplate = which; }
 
@@ -45,11 +48,15 @@ public:
 
 private:
     void speakObjection(ObjectionTemplate which);
+    void followSpeech();
+    void showToast();
 
     MainLoop& loop;
     Clipboard& clipboard;
     SpeechSynthesizer& speechSynthesizer;
     std::deque<Timer> toastTimers;
+    std::optional<Time> filedAt; ///< the last objection
+    Subscription speechProblem;
     Lifetime lifetime; // last: goes first
 };
 

@@ -54,6 +54,29 @@ TEST_F(ObjectionsTest, copiesSpeaksAndRecords) {
     EXPECT_EQ(state->objections.selectedTemplate, ObjectionTemplate::california);
 }
 
+TEST_F(ObjectionsTest, saysWhatBecameOfTheStatement) {
+    auto& app = start();
+    const auto says = [&] { return app.objections.toastText.get(); };
+    app.fileObjection({});
+    EXPECT_EQ(says(), "Statement spoken · full text copied to clipboard");
+    computer.loop.advance(5s); // the service is started, and that fails
+    ASSERT_FALSE(app.objections.showingObjectionToast);
+    computer.speech.become("The speech service could not be started.");
+    EXPECT_TRUE(app.objections.showingObjectionToast);
+    EXPECT_EQ(says(), "Full text copied to clipboard. Not spoken: the speech service could not be "
+                      "started");
+    computer.loop.advance(2.6s);
+    EXPECT_FALSE(app.objections.showingObjectionToast);
+
+    app.fileObjection({});
+    EXPECT_THAT(says(), testing::HasSubstr("Not spoken")) << "as far as is known";
+    computer.speech.become(std::nullopt);
+    EXPECT_THAT(says(), testing::StartsWith("Statement spoken"));
+    computer.loop.advance(60s);
+    computer.speech.become("The speech service has ended.");
+    EXPECT_FALSE(app.objections.showingObjectionToast) << "this is of no statement";
+}
+
 TEST_F(ObjectionsTest, keepsTheTwoHundredNewest) {
     auto& app = start();
     for (int index = 0; index < 201; ++index)
