@@ -35,7 +35,7 @@ void Announcer::announce(const FindingPtr& finding) {
 }
 
 void Announcer::announceGone(const Finding& finding) {
-    if (!settings.showNotifications)
+    if (!settings.showNotifications || allowList.allows(finding))
         return;
     if (auto farewell = finding.farewell())
         notifications.post(std::move(*farewell));

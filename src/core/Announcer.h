@@ -24,7 +24,8 @@ public:
     /// power cut. Does nothing if the product is allowed.
     void announce(const FindingPtr& finding);
 
-    /// Announces that a finding is gone, if its kind has such a notification.
+    /// Announces that a finding is gone, if its kind has such a notification. Does nothing if the
+    /// product is allowed.
     void announceGone(const Finding& finding);
 
     /// Shows the alert of the finding whose kind ranks first. Does nothing if there is none.

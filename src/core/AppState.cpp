@@ -57,8 +57,12 @@ void AppState::begin() {
         timeToLookAround, lifetime.guard([this] { announcer.alertOfFirst(*findings); }));
 }
 
+Verdict AppState::verdict() const {
+    return verdictOf(isMonitoring, totalThreatCount(), sources.states());
+}
+
 std::string AppState::stateText() const {
-    return stateInWords(isMonitoring, totalThreatCount(), sources);
+    return stateInWords(verdict(), totalThreatCount(), sources);
 }
 
 void AppState::startMonitoring() {
@@ -82,9 +86,13 @@ void AppState::stopMonitoring() {
     applySwitches();
 }
 
-bool AppState::isWanted(const Source& source) const {
+bool AppState::isSwitchedOn(const Source& source) const {
     const auto setting = source.profile.switchedBy;
-    return isMonitoring && (setting.empty() || settings.isOn(setting));
+    return setting.empty() || settings.isOn(setting);
+}
+
+bool AppState::isWanted(const Source& source) const {
+    return isMonitoring && isSwitchedOn(source);
 }
 
 void AppState::applySwitches() {
@@ -95,17 +103,20 @@ void AppState::applySwitches() {
 
 void AppState::refreshAllScans() {
     for (auto* const source : sources)
-        source->refresh();
+        if (source->isOn())
+            source->refresh();
 }
 
 void AppState::toggleCalendarMonitor() {
     settings.set(&Settings::calendarMonitorEnabled, !settings.calendarMonitorEnabled);
     applySwitches();
+    filterFindings();
 }
 
 void AppState::toggleParticipantMonitor() {
     settings.set(&Settings::participantMonitorEnabled, !settings.participantMonitorEnabled);
     applySwitches();
+    filterFindings();
 }
 
 void AppState::saveSettings() {
@@ -122,11 +133,15 @@ void AppState::removeFromAllowList(const std::string& key) {
     filterFindings();
 }
 
+/// What a source has found that the user has switched off would stay listed for ever: nobody looks
+/// whether it is still there.
 void AppState::filterFindings() {
     Findings listed;
     for (const auto* const source : sources)
-        std::copy_if(source->findings->begin(), source->findings->end(), std::back_inserter(listed),
-                     [this](const FindingPtr& finding) { return !allowList.allows(*finding); });
+        if (isSwitchedOn(*source))
+            std::copy_if(source->findings->begin(), source->findings->end(),
+                         std::back_inserter(listed),
+                         [this](const FindingPtr& finding) { return !allowList.allows(*finding); });
     findings = std::move(listed);
 }
 

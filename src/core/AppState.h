@@ -13,6 +13,7 @@
 #include "core/Permissions.h"
 #include "core/RecordLog.h"
 #include "core/Settings.h"
+#include "core/Verdict.h"
 #include "platform/Platform.h"
 #include "platform/SystemSettings.h"
 #include "sources/Sources.h"
@@ -62,7 +63,8 @@ public:
     DetectionTrial detectionTrial;
 
     Published<bool, AppState> isMonitoring{false};
-    /// The findings of all sources without the allowed products, in the order of the sources.
+    /// The findings of all sources that the user has not switched off, without the allowed
+    /// products, in the order of the sources.
     Published<Findings, AppState> findings;
     Published<bool, AppState> showingLogSheet{false}; ///< whether the popover shows the history
     Published<bool, AppState> calendarWindow{false};  ///< whether that window is shown
@@ -71,14 +73,16 @@ public:
     [[nodiscard]] std::size_t totalThreatCount() const { return findings->size(); }
     [[nodiscard]] bool hasActiveThreats() const { return totalThreatCount() > 0; }
 
-    /// The state in words, including the sources that could not be looked at.
+    [[nodiscard]] Verdict verdict() const;
+    /// The verdict in one line, with the places that cannot be seen.
     [[nodiscard]] std::string stateText() const;
 
     /// Starts the sources that are switched on and may look. Does nothing while monitoring.
     void startMonitoring();
     /// Stops all sources. Their findings stay listed.
     void stopMonitoring();
-    /// Makes every source look once more. The process source forgets earlier sightings first.
+    /// Makes every source that is on look once more. The process source forgets earlier sightings
+    /// first.
     void refreshAllScans();
 
     /// Flips the setting, stores it, and starts or stops the source.
@@ -128,6 +132,7 @@ public:
 private:
     void wire(Source& source);
     void begin();
+    [[nodiscard]] bool isSwitchedOn(const Source& source) const;
     [[nodiscard]] bool isWanted(const Source& source) const;
     void applySwitches();
     void filterFindings();

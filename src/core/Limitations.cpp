@@ -97,25 +97,4 @@ void Limitations::update() {
     all = std::move(next);
 }
 
-std::string stateInWords(bool isMonitoring, std::size_t threatCount, const Sources& sources) {
-    if (!isMonitoring)
-        return "Monitoring Off";
-    std::string unseen;
-    for (const auto* const source : sources)
-        if (source->state->isLimited())
-            unseen += fmt::format("{}{}", unseen.empty() ? "" : ", ", source->profile.place);
-    const auto state = threatCount == 0 ? std::string("All Clear")
-                                        : fmt::format("{} Bot{} Detected", threatCount,
-                                                      threatCount == 1 ? "" : "s");
-    return unseen.empty() ? state : fmt::format("{}, but not seen: {}", state, unseen);
-}
-
-std::string uncoveredText(const Sources& sources) {
-    std::string lines;
-    for (const auto* const source : sources)
-        if (source->state->isLimited())
-            lines += (lines.empty() ? "" : "\n") + source->state->reason;
-    return lines;
-}
-
 } // namespace quorva

@@ -54,13 +54,4 @@ private:
     Lifetime lifetime; // last: goes first
 };
 
-/// The state in words, for the tooltip and the menu: "Monitoring Off", the number of bots, or "All
-/// Clear", with what could not be looked at when a source is limited.
-[[nodiscard]] std::string stateInWords(bool isMonitoring, std::size_t threatCount,
-                                       const Sources& sources);
-
-/// One line for each source that is limited, and therefore not covered by "All Clear". Empty if
-/// there is none.
-[[nodiscard]] std::string uncoveredText(const Sources& sources);
-
 } // namespace quorva

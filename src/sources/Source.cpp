@@ -9,6 +9,8 @@ Source::Source(const SourceProfile& profile_, MainLoop& loop_) : profile(profile
 void Source::setOn(bool isOn) {
     if (isOn) {
         mode = Mode::watching;
+        if (state->kind == SourceState::Kind::off)
+            state = SourceState{SourceState::Kind::looking, {}}; // never "looked" before it has
         startIfWanted();
     } else {
         mode = Mode::off;

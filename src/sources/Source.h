@@ -53,7 +53,7 @@ public:
     /// Whether it is watching: it is on and may look.
     [[nodiscard]] virtual bool isWatching() const = 0;
 
-    /// Looks once more at the user's wish.
+    /// Looks once more at the user's wish. Only for a source that is on.
     virtual void refresh() = 0;
 
     /// Looks once, without watching. Calls `done` once, on the main loop or within this call, when

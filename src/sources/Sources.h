@@ -9,6 +9,7 @@
 #include <array>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace quorva {
 
@@ -27,6 +28,14 @@ public:
 
     [[nodiscard]] auto begin() const { return all.begin(); }
     [[nodiscard]] auto end() const { return all.end(); }
+
+    /// The states of the sources, in their order.
+    [[nodiscard]] std::vector<SourceState> states() const {
+        std::vector<SourceState> states;
+        for (const auto* const source : all)
+            states.push_back(*source->state);
+        return states;
+    }
 
     /// Describes a key of the allow list for people: the product's name, and where it is allowed.
     [[nodiscard]] std::string describe(const std::string& allowKey) const {

@@ -1,5 +1,7 @@
 #include "core/AppStateTest.h"
 
+#include "sources/MeetingFindings.h"
+
 #include <fmt/format.h>
 
 namespace quorva {
@@ -23,7 +25,7 @@ TEST_F(AppStateTest, startsOnlyWhatMayLook) {
     auto& app = start();
     EXPECT_EQ(computer.log.count("startMonitoring: process=on calendar=false participant=false"),
               1U);
-    EXPECT_EQ(app.stateText(), "All Clear, but not seen: calendars, meetings");
+    EXPECT_EQ(app.stateText(), "Not fully watching: calendars, meetings");
     computer.preferences.values["autoStartMonitoring"] = false;
     EXPECT_EQ(start().stateText(), "Monitoring Off");
 }
@@ -178,9 +180,67 @@ TEST_F(AppStateTest, keepsTheListsWhenItStopsWatching) {
     computer.loop.advance(60s);
     EXPECT_THAT(listed(processFindings), testing::SizeIs(1));
     EXPECT_EQ(app.stateText(), "Monitoring Off");
+    app.startMonitoring();
     app.refreshAllScans(); // looks anew, without the grace of what was seen before
     computer.loop.runPosted();
     EXPECT_THAT(listed(processFindings), IsEmpty());
+}
+
+TEST_F(AppStateTest, neitherReadsNorListsASourceThatIsSwitchedOff) {
+    computer.startOtter();
+    computer.inviteOtter("E1", 1h);
+    meet({"Otter.ai Notetaker"});
+    auto& app = start();
+    computer.loop.advance(6s);
+    ASSERT_EQ(app.totalThreatCount(), 3U);
+    app.toggleParticipantMonitor();
+    app.toggleCalendarMonitor();
+    EXPECT_EQ(listed(participantFindings).size() + listed(invitationFindings).size(), 0U);
+    const auto fetches = computer.calendars.fetches.size();
+    app.refreshAllScans();
+    computer.loop.advance(60s);
+    EXPECT_THAT(computer.accessibility.requested, IsEmpty());
+    EXPECT_EQ(computer.calendars.fetches.size(), fetches);
+    EXPECT_EQ(app.totalThreatCount(), 1U);
+
+    app.toggleParticipantMonitor();
+    computer.loop.advance(6s);
+    EXPECT_THAT(listed(participantFindings), testing::SizeIs(1));
+}
+
+TEST_F(AppStateTest, saysNothingOfTheEndOfAnAllowedProduct) {
+    computer.startOtter();
+    auto& app = start();
+    computer.loop.runPosted();
+    app.allow("otter");
+    computer.processTable.end(100);
+    computer.loop.advance(60s);
+    EXPECT_THAT(titles(), ElementsAre("AI Recorder Found"));
+}
+
+TEST_F(AppStateTest, isClearOnlyWhenEverySourceHasLookedEverywhere) {
+    computer.calendars.answersAtOnce = false;
+    state.emplace(computer.services);
+    EXPECT_EQ(state->verdict(), Verdict::scanning) << "from the first moment";
+    computer.loop.advance(5s);
+    EXPECT_EQ(state->verdict(), Verdict::scanning);
+    EXPECT_EQ(state->stateText(), "Scanning");
+    computer.calendars.answerFetch();
+    computer.loop.runPosted();
+    EXPECT_EQ(state->verdict(), Verdict::clear);
+
+    computer.accessibility.isOn = false;
+    computer.accessibility.trustChanges.call();
+    computer.loop.runPosted();
+    EXPECT_EQ(state->verdict(), Verdict::notFullyWatching);
+    computer.startOtter();
+    computer.loop.advance(3s);
+    EXPECT_EQ(state->verdict(), Verdict::found);
+    EXPECT_EQ(state->stateText(), "1 Bot Detected, but not seen: meetings");
+    state->stopMonitoring();
+    computer.loop.runPosted();
+    EXPECT_EQ(state->verdict(), Verdict::off);
+    EXPECT_EQ(state->stateText(), "Monitoring Off");
 }
 
 TEST_F(AppStateTest, staysCalmAfterEightHoursAsleep) {

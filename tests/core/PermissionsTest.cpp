@@ -22,7 +22,7 @@ TEST_F(PermissionsTest, noticesAccessibilityBeingSwitchedOnElsewhere) {
     computer.accessibility.isOn = false;
     computer.accessibility.trustChanges.call();
     computer.loop.runPosted();
-    EXPECT_EQ(app.stateText(), "All Clear, but not seen: meetings");
+    EXPECT_EQ(app.stateText(), "Not fully watching: meetings");
     EXPECT_TRUE(app.permissions.isRechecking());
 }
 
@@ -92,7 +92,7 @@ TEST_F(PermissionsTest, saysWhatIsMissingAndWhatThatCosts) {
     EXPECT_THAT(parts,
                 ElementsAre("process", "calendar", "meeting", "notifications", "speech", "tray"));
     EXPECT_EQ(computer.log.count("Objections are not spoken: No speech service is installed."), 1U);
-    EXPECT_EQ(app.stateText(), "All Clear, but not seen: this computer, calendars, meetings");
+    EXPECT_EQ(app.stateText(), "Not fully watching: this computer, calendars, meetings");
 
     computer.speech.fault.reset();
     computer.speech.faultChanges.call();
@@ -144,7 +144,7 @@ TEST_F(PermissionsTest, aSourceHasOneStateAtATime) {
     app.permissions.refresh();
     computer.loop.runPosted();
     EXPECT_THAT(states(), ElementsAre(ok, looking, ok));
-    EXPECT_EQ(app.stateText(), "All Clear");
+    EXPECT_EQ(app.stateText(), "Scanning");
     computer.calendars.failed = {{"Work", "it does not answer"}};
     computer.calendars.answerFetch();
     computer.loop.runPosted();
@@ -154,7 +154,7 @@ TEST_F(PermissionsTest, aSourceHasOneStateAtATime) {
     app.toggleParticipantMonitor();
     computer.loop.runPosted();
     EXPECT_THAT(states(), ElementsAre(ok, notAvailable, off));
-    EXPECT_EQ(app.stateText(), "All Clear, but not seen: calendars");
+    EXPECT_EQ(app.stateText(), "Not fully watching: calendars");
 }
 
 TEST_F(PermissionsTest, leadsTheFirstRunToMonitoring) {
