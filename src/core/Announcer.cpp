@@ -1,10 +1,20 @@
 #include "core/Announcer.h"
 
+#include "base/Text.h"
+#include "core/SightNotice.h"
+#include "core/Verdict.h"
+
 #include <fmt/format.h>
 
 #include <algorithm>
 
 namespace quorva {
+namespace {
+
+constexpr std::size_t mostSightLosses = 20; ///< they must not push all detections from the history
+constexpr Seconds periodOfSightLosses{3600.0};
+
+} // namespace
 
 Announcer::Announcer(MainLoop& loop_, Log& log_, const Settings& settings_,
                      const AllowList& allowList_, RecordLog<DetectionEvent>& detectionLog_,
@@ -39,6 +49,28 @@ void Announcer::announceGone(const Finding& finding) {
         return;
     if (auto farewell = finding.farewell())
         notifications.post(std::move(*farewell));
+}
+
+void Announcer::announceSightLost(const SourceProfile& source, const std::string& text) {
+    const Time now = loop.now();
+    log.notice("Not seen: " + printable(text), logCategory::appState);
+    std::erase_if(sightLosses, [&](Time then) { return now - then >= periodOfSightLosses; });
+    if (sightLosses.size() == mostSightLosses)
+        return;
+    sightLosses.push_back(now);
+    auto told = text;
+    if (sightLosses.size() == mostSightLosses)
+        told += " There may be more of this kind: for an hour they are not listed.";
+    auto event = sightLostEvent(told, source.kinds.front()->source, now);
+    if (!settings.showNotifications)
+        return detectionLog.add(std::move(event));
+    auto announcement = lifetime.guard([this, told, name = std::string(source.name)] {
+        notifications.post({.identifier = "sight-lost-" + name,
+                            .title = verdictText(Verdict::notFullyWatching, 0),
+                            .body = told,
+                            .urgency = NotificationUrgency::low});
+    });
+    detectionLog.add(std::move(event), announcements.add(std::move(announcement)));
 }
 
 void Announcer::alertOfFirst(const Findings& findings) {

@@ -8,7 +8,10 @@
 #include "core/NotificationManager.h"
 #include "core/RecordLog.h"
 #include "core/Settings.h"
-#include "sources/Finding.h"
+#include "sources/Source.h"
+
+#include <deque>
+#include <string>
 
 namespace quorva {
 
@@ -28,6 +31,11 @@ public:
     /// product is allowed.
     void announceGone(const Finding& finding);
 
+    /// Records that a source has lost sight of something. If notifications are on, says so once, in
+    /// a quiet notification that replaces the source's last one. At most 20 an hour are recorded:
+    /// the last of them says that there may be more, and the rest are only logged.
+    void announceSightLost(const SourceProfile& source, const std::string& text);
+
     /// Shows the alert of the finding whose kind ranks first. Does nothing if there is none.
     void alertOfFirst(const Findings& findings);
 
@@ -40,7 +48,8 @@ private:
     NotificationManager& notifications;
     AlertPanel& alertPanel;
     AnnouncementQueue announcements;
-    Lifetime lifetime; // last: goes first
+    std::deque<Time> sightLosses; ///< of the last hour
+    Lifetime lifetime;            // last: goes first
 };
 
 } // namespace quorva

@@ -39,6 +39,9 @@ AppState::AppState(const AppServices& services_)
 void AppState::wire(Source& source) {
     source.onAppeared = [this](const FindingPtr& finding) { announcer.announce(finding); };
     source.onGone = [this](const FindingPtr& finding) { announcer.announceGone(*finding); };
+    source.onSightLost = [this, &source](const std::string& text) {
+        announcer.announceSightLost(source.profile, text);
+    };
     subscriptions.push_back(source.findings.observeChanges(lifetime.guard([this] {
         // A field tells of a change before it is made.
         services.platform.loop.post(lifetime.guard([this] { filterFindings(); }));

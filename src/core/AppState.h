@@ -53,7 +53,8 @@ private:
 public:
     Settings settings;
     AllowList allowList;
-    RecordLog<DetectionEvent> detectionLog; ///< one entry for each announced detection
+    RecordLog<DetectionEvent> detectionLog; ///< one entry for each announced
+                                            ///< detection, and loss of sight
     Objections objections;
     Sources sources;
     NotificationManager notificationManager;

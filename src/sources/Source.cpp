@@ -58,6 +58,13 @@ void Source::gone(FindingPtr finding) {
     }));
 }
 
+void Source::sightLost(std::string text) {
+    loop.post(lifetime.guard([this, text = std::move(text)] {
+        if (onSightLost)
+            onSightLost(text);
+    }));
+}
+
 SourceState Source::currentState() const {
     if (mode == Mode::off)
         return {};

@@ -44,6 +44,10 @@ public:
     /// Called as a task of its own when a finding appears, or is gone. May be empty.
     std::function<void(const FindingPtr&)> onAppeared;
     std::function<void(const FindingPtr&)> onGone;
+    /// Called as a task of its own when something goes out of sight that was seen before, or should
+    /// be. `text` is one sentence for people, which says what is not seen from now on, and what
+    /// helps. It is stored, so it holds no title of a window and no name of a person. May be empty.
+    std::function<void(const std::string& text)> onSightLost;
 
     /// Starts or stops watching. Findings stay listed. A source that may not look yet starts as
     /// soon as it may.
@@ -104,6 +108,8 @@ protected:
 
     void appeared(FindingPtr finding);
     void gone(FindingPtr finding);
+    /// Tells of what is out of sight from now on. The source decides how often.
+    void sightLost(std::string text);
 
     MainLoop& loop;
     std::vector<Subscription> subscriptions;

@@ -1,5 +1,6 @@
 #include "core/AppStateTest.h"
 
+#include "core/SightNotice.h"
 #include "sources/MeetingFindings.h"
 
 #include <fmt/format.h>
@@ -274,6 +275,57 @@ TEST_F(AppStateTest, keepsUpWithMoreDetectionsThanItRemembers) {
     start();
     EXPECT_THAT(*state->detectionLog.records, testing::SizeIs(500));
     EXPECT_EQ(state->detectionLog.records->back().botName, "Otter 1499");
+}
+
+/// A source whose loss of sight the test tells.
+class BlindSource final : public Source {
+public:
+    using Source::sightLost;
+    explicit BlindSource(MainLoop& loop_) : Source(meetingProfile, loop_) {}
+    [[nodiscard]] bool isWatching() const override { return true; }
+    void refresh() override {}
+    [[nodiscard]] std::string detail() const override { return {}; }
+    [[nodiscard]] std::string productNamed(std::string_view) const override { return {}; }
+
+private:
+    [[nodiscard]] bool mayLook() const override { return true; }
+    void startWatching() override {}
+    void stopWatching() override {}
+    void look(Task done) override { done(); }
+    void awaitLook(Task done) override { done(); }
+    [[nodiscard]] SourceState sight() const override { return {}; }
+    [[nodiscard]] SourceState obstacle() const override { return {}; }
+    [[nodiscard]] Findings list() const override { return {}; }
+};
+
+TEST_F(AppStateTest, tellsQuietlyWhatWentOutOfSightAndKeepsItInTheHistory) {
+    const std::string text = "Google Meet is in a background tab: who joins it is not seen.";
+    auto& app = start();
+    BlindSource source(computer.loop);
+    source.onSightLost = app.sources.meeting.onSightLost;
+    source.sightLost(text);
+    EXPECT_THAT(history(), IsEmpty()) << "a task of its own";
+    computer.loop.runPosted();
+    ASSERT_THAT(titles(), ElementsAre("Not fully watching"));
+    const auto& shown = computer.notifications.posted.front();
+    EXPECT_EQ(shown.body, text);
+    EXPECT_EQ(shown.urgency, NotificationUrgency::low);
+    EXPECT_TRUE(!shown.hasSound && shown.categoryIdentifier.empty());
+    EXPECT_FALSE(app.alertPanel.alert->has_value());
+    EXPECT_FALSE(app.hasActiveThreats());
+
+    app.settings.set(&Settings::showNotifications, false);
+    for (int each = 0; each < 50; ++each)
+        source.sightLost(text);
+    computer.loop.runPosted();
+    EXPECT_THAT(titles(), testing::SizeIs(1));
+    start(); // what is stored is as another version reads it
+    const auto& kept = *state->detectionLog.records;
+    ASSERT_THAT(kept, testing::SizeIs(20));
+    EXPECT_EQ(kept.front().botName, "Not seen: " + text);
+    EXPECT_EQ(sightLostText(kept.front()), text);
+    EXPECT_THAT(kept.back().botName, testing::HasSubstr("There may be more"));
+    EXPECT_FALSE(sightLostText({.botName = "Not seen: Inc.", .method = "processName"}));
 }
 
 /// Preferences on a disk that is slow, or full: nothing gets safe before the test says so.
