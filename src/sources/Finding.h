@@ -42,7 +42,9 @@ struct FindingText {
     std::string place;    ///< the platform, or the time of day; may be empty
     std::string badge;    ///< a few letters; may be empty
     std::string match;    ///< the text that matched, and how
-    bool isLive = false;  ///< whether it is going on now, for everyone in the meeting
+    bool isLive = false;  ///< whether it goes on for everyone in the meeting
+    /// When it was last seen; nothing where it need not be seen again to be true.
+    std::optional<Time> lastSeen = {};
 };
 
 /// One detection. Never changes. Main thread only.

@@ -97,7 +97,8 @@ FindingText ParticipantFinding::text(Time) const {
             .category = std::string(displayName(bot.category)),
             .place = bot.platformName,
             .match = fmt::format("Matched participant: {} in {}", bot.matchedParticipantName,
-                                 bot.windowTitle)};
+                                 bot.windowTitle),
+            .lastSeen = bot.detectedAt};
 }
 
 nlohmann::ordered_json ParticipantFinding::fields() const {
@@ -144,7 +145,8 @@ FindingText BannerFinding::text(Time) const {
             .place = banner.platformName,
             .match =
                 fmt::format("Matched banner: {} in {}", banner.indicatorText, banner.windowTitle),
-            .isLive = true};
+            .isLive = true,
+            .lastSeen = banner.detectedAt};
 }
 
 nlohmann::ordered_json BannerFinding::fields() const {

@@ -1,5 +1,6 @@
 #include "ui/rows/DetectionRows.h"
 
+#include "core/SightNotice.h"
 #include "ui/rows/DisplayText.h"
 #include "ui/rows/ViewTexts.h"
 
@@ -30,6 +31,22 @@ QString categoryText(const std::string& rawCategory) {
     return known ? categoryText(*known) : foreign(rawCategory);
 }
 
+/// When it was last seen, if that is a while ago; otherwise empty.
+std::string lastSeenText(const FindingText& text, Time now) {
+    constexpr Seconds aWhile{60.0}; // windows are looked at every few seconds
+    if (!text.lastSeen || now - *text.lastSeen < aWhile)
+        return {};
+    return "last seen " + relativeTime(*text.lastSeen, now);
+}
+
+Row noticeRow(const std::string& text, const QString& time) {
+    return {.title = "Not seen",
+            .subtitle = foreign(text),
+            .detail = time,
+            .badge = "eye.slash.fill",
+            .spoken = "Not seen, " + isolated(text) + ", " + time};
+}
+
 } // namespace
 
 std::vector<Row> rowsOf(const Findings& findings, const FindingKind& kind, Time now) {
@@ -42,13 +59,18 @@ std::vector<Row> rowsOf(const Findings& findings, const FindingKind& kind, Time 
         for (const auto& part : {text.category, text.place, text.badge})
             if (!part.empty())
                 spoken.push_back(isolated(part));
+        const auto lastSeen = ours(lastSeenText(text, now));
+        const bool isLive = text.isLive && lastSeen.isEmpty();
+        const QString ending = isLive ? ", live" : lastSeen.isEmpty() ? "" : ", " + lastSeen;
         rows.push_back({.id = ours(finding->id()),
                         .title = foreign(text.title),
                         .subtitle = ours(text.category),
                         .detail = isolated(text.place),
-                        .badge = ours(text.badge),
+                        .badge = isLive               ? "LIVE"
+                                 : lastSeen.isEmpty() ? ours(text.badge)
+                                                      : lastSeen,
                         .note = foreign(text.match),
-                        .spoken = text.isLive ? spoken.join(" on ") + ", live" : spoken.join(", "),
+                        .spoken = spoken.join(text.isLive ? " on " : ", ") + ending,
                         .key = ours(finding->allowKey())});
     }
     return rows;
@@ -69,12 +91,15 @@ std::vector<Row> rowsOf(const std::vector<DetectionEvent>& history) {
         // identical ones.
         const QString what = ours(each.botName) + ours(each.source.value_or("")) +
                              QString::number(each.detectedAt.time_since_epoch().count());
-        rows.push_back(
-            {.id = what + "-" + QString::number(same[what]++),
-             .title = foreign(each.botName),
-             .subtitle = categoryText(each.category),
-             .detail = time,
-             .spoken = isolated(each.botName) + ", " + categoryText(each.category) + ", " + time});
+        const auto notice = sightLostText(each);
+        auto& row =
+            rows.emplace_back(notice ? noticeRow(*notice, time)
+                                     : Row{.title = foreign(each.botName),
+                                           .subtitle = categoryText(each.category),
+                                           .detail = time,
+                                           .spoken = isolated(each.botName) + ", " +
+                                                     categoryText(each.category) + ", " + time});
+        row.id = what + "-" + QString::number(same[what]++);
     }
     std::reverse(rows.begin(), rows.end());
     return rows;

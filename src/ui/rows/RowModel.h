@@ -14,7 +14,7 @@ struct Row {
     QString title;    ///< the product, the banner, the account
     QString subtitle; ///< its category, what triggered it
     QString detail;   ///< platform, time
-    QString badge;    ///< a symbol's name, or a short word
+    QString badge;    ///< a symbol's name, or a few words
     QString note;     ///< what matched; for tooltips
     QString spoken;   ///< how a screen reader names the row
     QString key;      ///< the argument of operations on the row

@@ -40,6 +40,34 @@ TEST_F(PopoverBridgeTest, rowsFollowTheStateAndSayWhatMatched) {
     EXPECT_EQ(text(*popover.upcoming(), 0, "badge"), "44m");
 }
 
+TEST_F(PopoverBridgeTest, rowsSayWhenTheyWereLastSeen) {
+    stage.showInMeeting("This meeting is being recorded");
+    stage.showInMeeting("Otter.ai Notetaker");
+    popover.setVisible(true);
+    stage.computer.loop.advance(30s);
+    EXPECT_EQ(text(*popover.participants(), 0, "badge"), "");
+    EXPECT_EQ(text(*popover.indicators(), 0, "badge"), "LIVE");
+    stage.state.stopMonitoring(); // the rows stay, and nobody looks at them again
+    stage.computer.loop.advance(70s);
+    EXPECT_EQ(text(*popover.participants(), 0, "badge"), "last seen 1 min. ago");
+    EXPECT_EQ(text(*popover.indicators(), 0, "badge"), "last seen 1 min. ago");
+    stage.computer.loop.advance(60s);
+    EXPECT_EQ(text(*popover.participants(), 0, "spoken"),
+              "Otter.ai, Transcription, Zoom, last seen 2 min. ago");
+    EXPECT_EQ(text(*popover.indicators(), 0, "spoken"),
+              "Recording Active on Zoom, last seen 2 min. ago");
+}
+
+TEST_F(PopoverBridgeTest, theHistorySaysWhatWasNotSeen) {
+    stage.state.sources.meeting.onSightLost("Google Meet is in a background tab.");
+    stage.state.showHistory();
+    stage.settle();
+    ASSERT_EQ(popover.history()->count(), 1);
+    EXPECT_EQ(text(*popover.history(), 0, "title"), "Not seen");
+    EXPECT_EQ(text(*popover.history(), 0, "subtitle"), "Google Meet is in a background tab.");
+    EXPECT_EQ(popover.threatCount(), 0);
+}
+
 TEST_F(PopoverBridgeTest, anObjectionNamesTheRowThatItIsTo) {
     stage.showInMeeting("Otter.ai Notetaker");
     stage.showInMeeting("Fathom Notetaker", "Google Meet");

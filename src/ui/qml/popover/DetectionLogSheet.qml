@@ -43,6 +43,7 @@ Sheet {
             required property string title
             required property string subtitle
             required property string detail
+            required property string badge ///< a symbol, where it is no detection
             required property string spoken
             width: ListView.view.width
             height: layout.implicitHeight + Theme.size(16)
@@ -58,6 +59,12 @@ Sheet {
                 anchors { left: parent.left; right: parent.right }
                 anchors { verticalCenter: parent.verticalCenter; margins: Theme.size(14) }
                 spacing: Theme.size(10)
+                Symbol {
+                    visible: entry.badge !== ""
+                    name: entry.badge
+                    color: Theme.amber
+                    size: Theme.size(16)
+                }
                 Column {
                     Layout.fillWidth: true
                     spacing: 2
@@ -67,9 +74,11 @@ Sheet {
                         font.bold: true
                         Accessible.ignored: true
                     }
-                    OneLine {
+                    AppText {
                         width: parent.width
                         text: entry.subtitle
+                        elide: Text.ElideRight
+                        maximumLineCount: entry.badge === "" ? 1 : 6
                         color: Theme.secondaryText
                         font.pixelSize: Theme.size(11)
                         Accessible.ignored: true

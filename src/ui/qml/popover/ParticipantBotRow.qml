@@ -6,9 +6,10 @@ DetectionRow {
 
     required property string subtitle
     required property string detail
+    required property string badge ///< when it was last seen, if that is a while ago
     signal objected()
 
-    line: detail === "" ? subtitle : subtitle + " · " + detail
+    line: badge === "" ? subtitle + " · " + detail : subtitle + "\n" + detail + " · " + badge
 
     ActionButton {
         text: "Object"

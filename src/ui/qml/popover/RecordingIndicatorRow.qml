@@ -5,10 +5,13 @@ DetectionRow {
     id: row
 
     required property string detail
-    line: detail
+    required property string badge ///< or when it was last seen, if that is a while ago
+    readonly property bool isLive: badge === "LIVE"
+    line: isLive ? detail : detail + " · " + badge
     symbol: "record.circle.fill"
 
     Rectangle {
+        visible: row.isLive
         anchors.verticalCenter: parent ? parent.verticalCenter : undefined
         width: live.implicitWidth + Theme.size(12)
         height: live.implicitHeight + Theme.size(4)
