@@ -62,7 +62,7 @@ QByteArray svg(int size) {
                       "fill=\"#fafafa\" stroke=\"#d4d4d4\" stroke-width=\"" +
                           QByteArray::number(line) + '"');
     double y = at.top;
-    for (const auto& [part, colour] : iconBars(false)) {
+    for (const auto& [part, colour] : iconBars(Verdict::clear)) {
         text += rectangle(at.left, y, at.longest * part, at.thickness, at.thickness / 2,
                           "fill=\"" + colour.name().toLatin1() + "\" fill-opacity=\"" +
                               QByteArray::number(colour.alphaF(), 'g', 2) + '"');

@@ -45,6 +45,22 @@ std::string verdictLabel(Verdict verdict, std::size_t findings) {
     }
 }
 
+std::string_view verdictExplanation(Verdict verdict) {
+    switch (verdict) {
+    case Verdict::off:
+        return "Nothing is being looked at";
+    case Verdict::scanning:
+        return "Nothing found so far, still looking";
+    case Verdict::notFullyWatching:
+        return "No AI recording bots detected in what can be looked at";
+    case Verdict::clear:
+        return "No AI recording bots detected across all sources";
+    case Verdict::found:
+        break;
+    }
+    return {};
+}
+
 std::string stateInWords(Verdict verdict, std::size_t findings, const Sources& sources) {
     std::string unseen;
     for (const auto* const source : sources)

@@ -5,6 +5,7 @@
 #include "sources/Sources.h"
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace quorva {
@@ -27,6 +28,9 @@ enum class Verdict {
 
 /// The same for screen readers.
 [[nodiscard]] std::string verdictLabel(Verdict verdict, std::size_t findings);
+
+/// In a sentence without its full stop, below the words above; empty for `found`.
+[[nodiscard]] std::string_view verdictExplanation(Verdict verdict);
 
 /// In one line, with the places that cannot be seen: "Not fully watching: calendars",
 /// "1 Bot Detected, but not seen: calendars".

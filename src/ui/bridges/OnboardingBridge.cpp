@@ -3,6 +3,9 @@
 #include "ui/rows/DisplayText.h"
 #include "ui/rows/ViewTexts.h"
 
+#include <utility>
+#include <vector>
+
 namespace quorva {
 
 OnboardingBridge::OnboardingBridge(AppState& state_, AppDelegate& delegate_, MainLoop& loop)
@@ -41,18 +44,41 @@ QString OnboardingBridge::phaseText() const {
         return "Checking calendar...";
     case ScanPhase::meeting:
         return "Looking for meeting participants...";
+    case ScanPhase::waiting:
+        return "Scanning";
     case ScanPhase::done:
         break;
     }
     return "Scan complete";
 }
 
-QString OnboardingBridge::resultTitle() const {
-    return foundAny() ? ours(foundText(state.totalThreatCount())) : QString("All Clear");
+QString OnboardingBridge::scanTitle() const {
+    return isScanDone() ? "First Scan Results" : "Running First Scan...";
 }
 
+QString OnboardingBridge::resultTitle() const {
+    const auto verdict = state.verdict();
+    const auto count = state.totalThreatCount();
+    return ours(verdict == Verdict::found ? foundText(count) : verdictText(verdict, count));
+}
+
+QString OnboardingBridge::resultText() const {
+    const auto verdict = state.verdict();
+    return verdict == Verdict::clear ? "No bots detected" : ours(verdictExplanation(verdict));
+}
+
+/// Only what has been looked at everywhere.
 QString OnboardingBridge::scanned() const {
-    return ours(scannedText(hasCalendar(), hasMeetings()));
+    const std::pair<const Source&, std::string_view> names[] = {
+        {state.sources.process, "processes"},
+        {state.sources.calendar, "calendar"},
+        {state.sources.meeting, "meetings"},
+    };
+    std::vector<std::string_view> scanned;
+    for (const auto& [source, name] : names)
+        if (source.state->kind == SourceState::Kind::ok)
+            scanned.push_back(name);
+    return ours(scannedText(scanned, state.verdict() == Verdict::clear));
 }
 
 QString OnboardingBridge::uncovered() const {

@@ -26,15 +26,17 @@ class OnboardingBridge final : public QObject {
     Q_PROPERTY(QString coverage READ coverage NOTIFY changed)
     Q_PROPERTY(QString accountsHelp READ accountsHelp NOTIFY changed)
     Q_PROPERTY(QString accessibilityHelp READ accessibilityHelp NOTIFY changed)
+    Q_PROPERTY(QString scanTitle READ scanTitle NOTIFY changed)
     Q_PROPERTY(QString phaseText READ phaseText NOTIFY changed)
     Q_PROPERTY(bool isScanDone READ isScanDone NOTIFY changed)
     Q_PROPERTY(bool showResults READ showResults NOTIFY changed)
-    Q_PROPERTY(bool foundAny READ foundAny NOTIFY changed)
+    Q_PROPERTY(int verdict READ verdict NOTIFY changed)
     Q_PROPERTY(QString resultTitle READ resultTitle NOTIFY changed)
+    Q_PROPERTY(QString resultText READ resultText NOTIFY changed)
     Q_PROPERTY(QString scanned READ scanned NOTIFY changed)
     Q_PROPERTY(QString uncovered READ uncovered NOTIFY changed)
-    Q_PROPERTY(bool hasCalendar READ hasCalendar NOTIFY changed)
-    Q_PROPERTY(bool hasMeetings READ hasMeetings NOTIFY changed)
+    Q_PROPERTY(bool watchesCalendar READ watchesCalendar NOTIFY changed)
+    Q_PROPERTY(bool watchesMeetings READ watchesMeetings NOTIFY changed)
     Q_PROPERTY(QObject* accounts READ accounts CONSTANT)
     Q_PROPERTY(QObject* indicators READ indicators CONSTANT)
     Q_PROPERTY(QObject* participants READ participants CONSTANT)
@@ -49,11 +51,13 @@ public:
     [[nodiscard]] int step() const { return static_cast<int>(model.currentStep.get()); }
     [[nodiscard]] int position() const { return model.position(); }
     [[nodiscard]] int total() const { return static_cast<int>(model.visibleSteps().size()); }
-    [[nodiscard]] bool accessibilityGranted() const { return hasMeetings(); }
+    [[nodiscard]] bool accessibilityGranted() const {
+        return state.permissions.hasAccessibilityPermission();
+    }
     [[nodiscard]] bool accessibilityRequested() const {
         return model.accessibilityPermissionRequested;
     }
-    [[nodiscard]] bool calendarGranted() const { return hasCalendar(); }
+    [[nodiscard]] bool calendarGranted() const { return state.permissions.hasCalendarAccess(); }
     [[nodiscard]] bool accountsRefreshed() const { return model.calendarAccountsRefreshed; }
     [[nodiscard]] bool hasAllProviders() const;
     [[nodiscard]] QString coverage() const;
@@ -62,13 +66,17 @@ public:
     [[nodiscard]] QString phaseText() const;
     [[nodiscard]] bool isScanDone() const { return model.scanPhase.get() == ScanPhase::done; }
     [[nodiscard]] bool showResults() const { return model.scanComplete; }
-    [[nodiscard]] bool foundAny() const { return state.totalThreatCount() > 0; }
+    [[nodiscard]] int verdict() const { return static_cast<int>(state.verdict()); }
+    [[nodiscard]] QString scanTitle() const;
     [[nodiscard]] QString resultTitle() const;
+    [[nodiscard]] QString resultText() const;
     [[nodiscard]] QString scanned() const;
     [[nodiscard]] QString uncovered() const;
-    [[nodiscard]] bool hasCalendar() const { return state.permissions.hasCalendarAccess(); }
-    [[nodiscard]] bool hasMeetings() const {
-        return state.permissions.hasAccessibilityPermission();
+    [[nodiscard]] bool watchesCalendar() const {
+        return calendarGranted() && state.sources.calendar.isOn();
+    }
+    [[nodiscard]] bool watchesMeetings() const {
+        return accessibilityGranted() && state.sources.meeting.isOn();
     }
     [[nodiscard]] RowModel* accounts() { return &accountRows; }
     [[nodiscard]] RowModel* indicators() { return rows.of(bannerFindings); }

@@ -19,6 +19,8 @@ constexpr int mostAccessibilityPolls = 31; ///< the first one and 30 more
 constexpr Seconds calendarPollPeriod{3.0};
 constexpr int mostCalendarPolls = 40;
 
+constexpr double longestWait = 15; ///< in seconds, for the results of the first scan
+
 } // namespace
 
 OnboardingViewModel::OnboardingViewModel(AppState& state_, MainLoop& loop_)
@@ -66,6 +68,7 @@ void OnboardingViewModel::back() {
 void OnboardingViewModel::show(OnboardingStep step) {
     pollingTimer.reset();
     scanTimers.clear();
+    looks.clear();
     polls = 0;
     currentStep = step;
     if (step == OnboardingStep::calendarSetup)
@@ -126,21 +129,45 @@ void OnboardingViewModel::refreshCalendarAccounts() {
 
 void OnboardingViewModel::startScan() {
     // The results are of a scan that has just run, whether monitoring starts by itself or not.
+    state.startMonitoring();
     state.refreshAllScans();
     scanComplete = false;
     scanPhase = ScanPhase::process;
-    const bool hasCalendar = state.permissions.hasCalendarAccess();
-    const bool hasMeetings = state.permissions.hasAccessibilityPermission();
+    const bool hasCalendar = state.sources.calendar.isWatching();
+    const bool hasMeetings = state.sources.meeting.isWatching();
     const auto afterCalendar = hasMeetings ? ScanPhase::meeting : ScanPhase::done;
     const auto at = [this](double delay, Task task) {
         scanTimers.push_back(loop.after(Seconds(delay), std::move(task)));
     };
-    at(0.8, [this, next = hasCalendar ? ScanPhase::calendar : afterCalendar] { scanPhase = next; });
-    at(1.3, [this, afterCalendar] { scanPhase = afterCalendar; });
+    at(0.8, [this, next = hasCalendar ? ScanPhase::calendar : afterCalendar] { enterPhase(next); });
+    at(1.3, [this, afterCalendar] { enterPhase(afterCalendar); });
     at(1.8, [this] {
-        scanPhase = ScanPhase::done;
-        scanComplete = true;
+        for (const auto* const source : state.sources)
+            looks.push_back(source->state.observeChanges(lifetime.guard([this] {
+                loop.post(lifetime.guard([this] { finishScan(); })); // it is told before it changes
+            })));
+        finishScan();
     });
+    at(longestWait, [this] { scanComplete = true; });
+}
+
+void OnboardingViewModel::enterPhase(ScanPhase next) {
+    const bool isLooking = std::ranges::any_of(state.sources, [](const Source* source) {
+        return source->state->kind == SourceState::Kind::looking;
+    });
+    scanPhase = next == ScanPhase::done && isLooking ? ScanPhase::waiting : next;
+}
+
+/// The scan is over when no source is looking any more. Its results are shown then, or after a
+/// while: a window that is never read must not hold up the first run.
+void OnboardingViewModel::finishScan() {
+    if (looks.empty())
+        return;
+    enterPhase(ScanPhase::done);
+    if (scanPhase != ScanPhase::done)
+        return;
+    looks.clear();
+    scanComplete = true;
 }
 
 void OnboardingViewModel::complete() {

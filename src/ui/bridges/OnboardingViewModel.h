@@ -2,6 +2,7 @@
 // permissions and accounts that appear meanwhile, and the phases of the first scan.
 #pragma once
 
+#include "base/Subscription.h"
 #include "core/AppState.h"
 
 #include <optional>
@@ -11,7 +12,8 @@ namespace quorva {
 
 enum class OnboardingStep { welcome, privacyPledge, accessibility, calendarSetup, detectionLive };
 
-enum class ScanPhase { process, calendar, meeting, done };
+/// `waiting` comes where a source takes longer than the phases are shown.
+enum class ScanPhase { process, calendar, meeting, waiting, done };
 
 /// Main thread only.
 class OnboardingViewModel {
@@ -60,13 +62,16 @@ private:
     void pollAccessibility();
     void pollCalendarAccounts();
     void startScan();
+    void enterPhase(ScanPhase next);
+    void finishScan();
 
     AppState& state;
     MainLoop& loop;
     Timer pollingTimer; ///< of the current step
     int polls = 0;
     std::vector<Timer> scanTimers;
-    Lifetime lifetime; // last: destroyed first
+    std::vector<Subscription> looks; ///< at the sources' states, while the scan goes on
+    Lifetime lifetime;               // last: destroyed first
 };
 
 } // namespace quorva

@@ -4,6 +4,7 @@
 #include "ui/rows/ViewTexts.h"
 
 #include <QVariantMap>
+#include <algorithm>
 
 namespace quorva {
 
@@ -23,8 +24,8 @@ PopoverBridge::PopoverBridge(AppState& state_, MainLoop& loop_)
         watch.follow(source->state);
     state.permissions.follow(watch);
     watch.follow(state.settings.calendarMonitorEnabled, state.settings.participantMonitorEnabled);
-    watch.follow(state.objections.showingObjectionToast, state.detectionLog.records,
-                 state.sources.calendar.monitor.lastScanDate);
+    watch.follow(state.objections.showingObjectionToast, state.objections.toastText,
+                 state.detectionLog.records, state.sources.calendar.monitor.lastScanDate);
     update();
 }
 
@@ -36,11 +37,15 @@ void PopoverBridge::update() {
 }
 
 QString PopoverBridge::pillText() const {
-    return ours(statusPillText(state.isMonitoring, state.totalThreatCount()));
+    return ours(verdictText(state.verdict(), state.totalThreatCount()));
 }
 
 QString PopoverBridge::pillLabel() const {
-    return ours(statusPillLabel(state.totalThreatCount()));
+    return ours(verdictLabel(state.verdict(), state.totalThreatCount()));
+}
+
+QString PopoverBridge::explanation() const {
+    return ours(verdictExplanation(state.verdict()));
 }
 
 bool PopoverBridge::needsCalendarAccess() const {
@@ -67,8 +72,9 @@ QVariantList PopoverBridge::chips() const {
 }
 
 QString PopoverBridge::uncovered() const {
-    return state.isMonitoring ? ours(uncoveredText(state.sources))
-                              : QString("Monitoring is off: nothing is being looked at.");
+    if (state.isMonitoring)
+        return ours(uncoveredText(state.sources));
+    return state.hasActiveThreats() ? "Monitoring is off: nothing is being looked at." : "";
 }
 
 bool PopoverBridge::isScanning() const {
@@ -79,7 +85,13 @@ bool PopoverBridge::isScanning() const {
         const auto& looked = calendar.monitor.lastScanDate.get();
         return !looked || *looked < *refreshedAt;
     }
-    return state.sources.process.state->kind == SourceState::Kind::looking;
+    return std::ranges::any_of(state.sources, [](const Source* source) {
+        return source->state->kind == SourceState::Kind::looking;
+    });
+}
+
+QString PopoverBridge::objectionToast() const {
+    return ours(*state.objections.toastText);
 }
 
 QString PopoverBridge::lastScan() const {

@@ -17,8 +17,10 @@ class PopoverBridge final : public QObject {
     Q_OBJECT
     Q_PROPERTY(bool isMonitoring READ isMonitoring NOTIFY changed)
     Q_PROPERTY(int threatCount READ threatCount NOTIFY changed)
+    Q_PROPERTY(int verdict READ verdict NOTIFY changed)
     Q_PROPERTY(QString pillText READ pillText NOTIFY changed)
     Q_PROPERTY(QString pillLabel READ pillLabel NOTIFY changed)
+    Q_PROPERTY(QString explanation READ explanation NOTIFY changed)
     Q_PROPERTY(bool needsCalendarAccess READ needsCalendarAccess NOTIFY changed)
     Q_PROPERTY(bool needsCalendarAccount READ needsCalendarAccount NOTIFY changed)
     Q_PROPERTY(bool needsAccessibility READ needsAccessibility NOTIFY changed)
@@ -29,6 +31,7 @@ class PopoverBridge final : public QObject {
     Q_PROPERTY(bool isScanning READ isScanning NOTIFY changed)
     Q_PROPERTY(QString lastScan READ lastScan NOTIFY changed)
     Q_PROPERTY(bool showsObjectionToast READ showsObjectionToast NOTIFY changed)
+    Q_PROPERTY(QString objectionToast READ objectionToast NOTIFY changed)
     Q_PROPERTY(bool showsShareToast READ showsShareToast NOTIFY changed)
     Q_PROPERTY(bool showsHistory READ showsHistory NOTIFY changed)
     Q_PROPERTY(QObject* indicators READ indicators CONSTANT)
@@ -48,8 +51,10 @@ public:
 
     [[nodiscard]] bool isMonitoring() const { return state.isMonitoring; }
     [[nodiscard]] int threatCount() const { return static_cast<int>(state.totalThreatCount()); }
+    [[nodiscard]] int verdict() const { return static_cast<int>(state.verdict()); }
     [[nodiscard]] QString pillText() const;
     [[nodiscard]] QString pillLabel() const;
+    [[nodiscard]] QString explanation() const;
     [[nodiscard]] bool needsCalendarAccess() const;
     [[nodiscard]] bool needsCalendarAccount() const;
     [[nodiscard]] bool needsAccessibility() const;
@@ -62,6 +67,7 @@ public:
     [[nodiscard]] bool showsObjectionToast() const {
         return state.objections.showingObjectionToast;
     }
+    [[nodiscard]] QString objectionToast() const;
     [[nodiscard]] bool showsShareToast() const { return static_cast<bool>(shareToastTimer); }
     [[nodiscard]] bool showsHistory() const { return state.showingLogSheet; }
     [[nodiscard]] RowModel* indicators() { return rows.of(bannerFindings); }

@@ -12,18 +12,6 @@ std::string joined(const std::vector<std::string_view>& parts, std::string_view 
 
 } // namespace
 
-std::string statusPillText(bool isMonitoring, std::size_t count) {
-    if (!isMonitoring)
-        return "Monitoring Off";
-    if (count == 0)
-        return "All Clear";
-    return fmt::format("{} Bot{} Detected", count, count == 1 ? "" : "s");
-}
-
-std::string statusPillLabel(std::size_t count) {
-    return count == 0 ? "All clear" : fmt::format("{} bots detected", count);
-}
-
 std::string relativeTime(Time then, Time now) {
     using namespace std::chrono;
     const auto passed = duration_cast<seconds>(now - then).count();
@@ -76,13 +64,11 @@ std::string foundText(std::size_t count) {
     return fmt::format("{} Bot{} Found", count, count == 1 ? "" : "s");
 }
 
-std::string scannedText(bool hasCalendar, bool hasMeetings) {
-    std::vector<std::string_view> sources{"processes"};
-    if (hasCalendar)
-        sources.emplace_back("calendar");
-    if (hasMeetings)
-        sources.emplace_back("meetings");
-    return "Scanned " + joined(sources, ", ") + " -- your Mac is clear of known AI bots.";
+std::string scannedText(const std::vector<std::string_view>& sources, bool isClear) {
+    if (sources.empty())
+        return {};
+    return "Scanned " + joined(sources, ", ") +
+           (isClear ? " -- your Mac is clear of known AI bots." : " -- nothing found there.");
 }
 
 std::string updateText(bool isChecking, const std::optional<UpdateAnswer>& answer) {

@@ -13,11 +13,6 @@
 
 namespace quorva {
 
-/// "Monitoring Off", "All Clear", "1 Bot Detected", "3 Bots Detected".
-[[nodiscard]] std::string statusPillText(bool isMonitoring, std::size_t count);
-/// The same for screen readers.
-[[nodiscard]] std::string statusPillLabel(std::size_t count);
-
 /// The time since `then`, in one unit: "now", "12 sec. ago", "2 min. ago", "3 hr. ago", "1 day
 /// ago". A time in the future gives "now".
 [[nodiscard]] std::string relativeTime(Time then, Time now);
@@ -41,8 +36,9 @@ struct AccountLabel {
 
 /// The result of the first scan: "1 Bot Found", "3 Bots Found".
 [[nodiscard]] std::string foundText(std::size_t count);
-/// The sources in which the first scan found nothing.
-[[nodiscard]] std::string scannedText(bool hasCalendar, bool hasMeetings);
+/// The sources in which the first scan found nothing, and whether that is all there is to look at.
+/// Empty where there are none.
+[[nodiscard]] std::string scannedText(const std::vector<std::string_view>& sources, bool isClear);
 
 /// The result of a check for a newer version; empty before the first one.
 [[nodiscard]] std::string updateText(bool isChecking, const std::optional<UpdateAnswer>& answer);

@@ -1,5 +1,8 @@
-// The icon in the desktop's panel: five bars, whose colours show whether something was found.
+// The icon in the desktop's panel: five bars, whose colours show the verdict, and a mark beside the
+// short ones that tells the verdicts apart without colours.
 #pragma once
+
+#include "core/Verdict.h"
 
 #include <QColor>
 #include <QIcon>
@@ -15,12 +18,12 @@ struct IconBar {
 };
 
 /// From top to bottom.
-[[nodiscard]] std::array<IconBar, 5> iconBars(bool hasActiveThreats);
+[[nodiscard]] std::array<IconBar, 5> iconBars(Verdict verdict);
 
 /// The icon at `size` by `size` pixels, drawn for that size so that it is sharp at any scale.
-[[nodiscard]] QImage menuBarImage(bool hasActiveThreats, int size);
+[[nodiscard]] QImage menuBarImage(Verdict verdict, int size);
 
 /// The same, in the sizes that panels ask for.
-[[nodiscard]] QIcon menuBarIcon(bool hasActiveThreats);
+[[nodiscard]] QIcon menuBarIcon(Verdict verdict);
 
 } // namespace quorva

@@ -31,6 +31,8 @@ void TrayIcon::follow() {
     follow(state.isMonitoring);
     follow(state.findings);
     follow(state.limitations.all);
+    for (const auto* const source : state.sources)
+        follow(source->state);
 }
 
 /// A panel may start after the program, and may restart: wait before reporting that there is none.
@@ -77,10 +79,12 @@ void TrayIcon::update() {
     menu.update();
     if (!icon)
         return;
-    const bool hasThreats = state.hasActiveThreats();
-    if (std::exchange(shownThreats, hasThreats) != hasThreats)
-        icon->setIcon(menuBarIcon(hasThreats));
-    const auto toolTip = QStringLiteral("Quorva: ") + QString::fromStdString(state.stateText());
+    const auto verdict = state.verdict();
+    if (std::exchange(shownVerdict, verdict) != verdict)
+        icon->setIcon(menuBarIcon(verdict));
+    auto toolTip = QStringLiteral("Quorva: ") + QString::fromStdString(state.stateText());
+    if (const auto uncovered = uncoveredText(state.sources); !uncovered.empty())
+        toolTip += '\n' + QString::fromStdString(uncovered);
     if (std::exchange(shownToolTip, toolTip) != toolTip)
         icon->setToolTip(toolTip);
 }

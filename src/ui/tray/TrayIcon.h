@@ -40,7 +40,7 @@ private:
     TrayMenu menu;
     const std::function<void(std::optional<QRect>)> onActivate;
     std::unique_ptr<QSystemTrayIcon> icon; ///< null until there is a panel
-    std::optional<bool> shownThreats;
+    std::optional<Verdict> shownVerdict;
     QString shownToolTip;
     bool isUpdateDue = false;
     Timer panelTimeout;

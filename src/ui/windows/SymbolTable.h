@@ -34,6 +34,7 @@ inline constexpr std::array symbolIcons{
     SymbolIcon{"ellipsis",                      "view-more-symbolic"},
     SymbolIcon{"envelope.fill",                 "mail-unread-symbolic"},
     SymbolIcon{"exclamationmark",               ""},
+    SymbolIcon{"exclamationmark.shield.fill",   ""},
     SymbolIcon{"exclamationmark.triangle.fill", "dialog-warning-symbolic"},
     SymbolIcon{"eye.slash.fill",                "view-conceal-symbolic"},
     SymbolIcon{"g.circle.fill",                 ""},

@@ -2,11 +2,13 @@
 // saves a picture of each, to be looked at by people; only those whose name begins with SCENE,
 // unless it is "all"; with a font of so many points. QT_SCALE_FACTOR says how large.
 #include "support/Stage.h"
+#include "ui/tray/MenuBarIcon.h"
 
 #include <QApplication>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFont>
+#include <QPainter>
 #include <QThread>
 #include <functional>
 #include <iostream>
@@ -50,6 +52,21 @@ void showHistory(Stage& stage) {
                                       .method = "participantList",
                                       .detectedAt = stage.computer.loop.now(),
                                       .source = "participant"});
+    stage.state.sources.meeting.onSightLost("Google Meet is in a background tab of Chromium: who "
+                                            "joins it is not seen. Give it a window "
+                                            "of its own.");
+}
+
+void failCalendar(Stage& stage) {
+    stage.computer.calendars.failed = {{"Work", "it does not answer"}};
+    stage.look();
+}
+
+/// A window that is being read, and never comes to its end.
+void openUnreadMeeting(Stage& stage) {
+    stage.computer.applications.running = {{"us.zoom.xos", "Zoom", std::nullopt, 500}};
+    stage.computer.accessibility.applications[500].isAnswering = false;
+    stage.look();
 }
 
 void openTab(Stage& stage, int tab) {
@@ -97,8 +114,26 @@ const std::vector<Scene> scenes{
     {"popover-limited", popover,
      [](Stage& stage) {
          stage.permit(true, true);
-         stage.computer.calendars.failed = {{"Work", "it does not answer"}};
-         stage.look();
+         failCalendar(stage);
+         stage.ui.openPopover();
+     }},
+    {"popover-unread", popover,
+     [](Stage& stage) {
+         stage.permit(true, true);
+         openUnreadMeeting(stage);
+         stage.ui.openPopover();
+     }},
+    {"popover-detections-limited", popover,
+     [](Stage& stage) {
+         showEverything(stage);
+         failCalendar(stage);
+         stage.ui.openPopover();
+     }},
+    {"popover-detections-old", popover,
+     [](Stage& stage) {
+         showEverything(stage);
+         stage.state.stopMonitoring();
+         stage.computer.loop.advance(5min);
          stage.ui.openPopover();
      }},
     {"popover-detections", popover,
@@ -124,6 +159,13 @@ const std::vector<Scene> scenes{
     {"popover-objection-toast", popover,
      [](Stage& stage) {
          showEverything(stage);
+         stage.ui.openPopover();
+         stage.state.objectToFirst();
+     }},
+    {"popover-objection-toast-unspoken", popover,
+     [](Stage& stage) {
+         showEverything(stage);
+         stage.computer.speech.become("No speech service is installed.");
          stage.ui.openPopover();
          stage.state.objectToFirst();
      }},
@@ -211,8 +253,25 @@ const std::vector<Scene> scenes{
     {"onboarding-5-scanning", onboarding, [](Stage& stage) { onboardingStep(stage, 4); }},
     {"onboarding-5-clear", onboarding,
      [](Stage& stage) {
+         stage.permit(true, true);
+         openOnboarding(stage);
+         bridge(stage).next();
+         bridge(stage).next();
+         stage.computer.loop.advance(2s);
+     }},
+    {"onboarding-5-limited", onboarding,
+     [](Stage& stage) {
          onboardingStep(stage, 4);
          stage.computer.loop.advance(2s);
+     }},
+    {"onboarding-5-unread", onboarding,
+     [](Stage& stage) {
+         stage.permit(true, true);
+         openOnboarding(stage);
+         openUnreadMeeting(stage);
+         bridge(stage).next();
+         bridge(stage).next();
+         stage.computer.loop.advance(16s);
      }},
     {"onboarding-5-found", onboarding,
      [](Stage& stage) {
@@ -267,6 +326,31 @@ bool save(const Scene& scene, const QDir& folder, int points) {
     return window->grabWindow().save(path);
 }
 
+/// The icon of each verdict in a light panel and in a dark one, in the usual sizes and a large one.
+bool saveIcons(const QDir& folder) {
+    constexpr Verdict verdicts[] = {Verdict::off, Verdict::scanning, Verdict::notFullyWatching,
+                                    Verdict::clear, Verdict::found};
+    constexpr int iconSizes[] = {16, 22, 32, 96};
+    constexpr int row = 104;
+    constexpr int width = 220;
+    QImage picture(2 * width, row * static_cast<int>(std::size(verdicts)), QImage::Format_RGB32);
+    QPainter painter(&picture);
+    painter.fillRect(0, 0, width, picture.height(), QColor(0xF0, 0xF0, 0xF0));
+    painter.fillRect(width, 0, width, picture.height(), QColor(0x24, 0x24, 0x24));
+    int top = 0;
+    for (const auto verdict : verdicts) {
+        for (int left : {0, width}) {
+            for (const int size : iconSizes) {
+                left += 10;
+                painter.drawImage(left, top + (row - size) / 2, menuBarImage(verdict, size));
+                left += size;
+            }
+        }
+        top += row;
+    }
+    return picture.save(folder.filePath("tray-icons.png"));
+}
+
 } // namespace
 
 int main(int argc, char* argv[]) {
@@ -282,7 +366,9 @@ int main(int argc, char* argv[]) {
     QFont font = QApplication::font();
     font.setPointSize(points);
     QApplication::setFont(font);
-    bool isComplete = true;
+    bool isComplete = QString("tray-icons").startsWith(only) || only == "all"
+                          ? saveIcons(QDir(arguments[1]))
+                          : true;
     for (const Scene& scene : scenes) {
         if (only != "all" && !QString(scene.name).startsWith(only))
             continue;

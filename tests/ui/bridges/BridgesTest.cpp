@@ -58,6 +58,19 @@ TEST_F(PopoverBridgeTest, rowsSayWhenTheyWereLastSeen) {
               "Recording Active on Zoom, last seen 2 min. ago");
 }
 
+TEST_F(PopoverBridgeTest, thePillSaysOffWhateverTheListsHold) {
+    stage.computer.startOtter();
+    popover.refresh();
+    stage.settle();
+    EXPECT_EQ(popover.pillLabel(), "1 bots detected");
+    popover.toggleMonitoring();
+    stage.settle();
+    EXPECT_EQ(popover.onMac()->count(), 1);
+    EXPECT_EQ(popover.pillLabel(), "Monitoring Off");
+    EXPECT_EQ(popover.pillText(), "Monitoring Off");
+    EXPECT_THAT(popover.uncovered().toStdString(), HasSubstr("nothing is being looked at"));
+}
+
 TEST_F(PopoverBridgeTest, theHistorySaysWhatWasNotSeen) {
     stage.state.sources.meeting.onSightLost("Google Meet is in a background tab.");
     stage.state.showHistory();

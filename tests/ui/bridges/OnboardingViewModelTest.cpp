@@ -1,7 +1,9 @@
 // The first run without its window, on virtual time.
 #include "ui/bridges/OnboardingViewModel.h"
 
+#include "support/AccessibleElements.h"
 #include "support/FakeComputer.h"
+#include "ui/bridges/OnboardingBridge.h"
 
 #include <gmock/gmock.h>
 
@@ -175,6 +177,40 @@ TEST_F(OnboardingViewModelTest, theFirstScanShowsThePhasesOfWhatItMayLookAt) {
     }
 }
 
+TEST_F(OnboardingViewModelTest, theFirstScanIsOverWhenEveryWindowHasBeenReadOrHasFailed) {
+    start(true, true);
+    state->stopMonitoring();
+    computer.applications.running = {{"us.zoom.xos", "Zoom", std::nullopt, 500}};
+    auto& zoom = computer.accessibility.applications[500];
+    zoom.isAnswering = false;
+    AppDelegate delegate(*state, computer.loop);
+    OnboardingBridge shown(*state, delegate, computer.loop);
+    while (shown.model.currentStep.get() != detectionLive)
+        shown.next();
+    computer.loop.advance(6s);
+    EXPECT_FALSE(shown.showResults());
+    EXPECT_EQ(shown.phaseText(), "Scanning");
+    EXPECT_EQ(shown.scanTitle(), "Running First Scan...");
+    computer.loop.advance(10s);
+    EXPECT_TRUE(shown.showResults()) << "nobody is kept waiting";
+    EXPECT_EQ(shown.resultTitle(), "Scanning");
+    EXPECT_EQ(shown.scanned(), "Scanned processes, calendar -- nothing found there.");
+
+    zoom.problem = "it does not answer";
+    computer.accessibility.reads.call();
+    computer.loop.advance(6s);
+    EXPECT_EQ(shown.phaseText(), "Scan complete");
+    EXPECT_EQ(shown.scanTitle(), "First Scan Results");
+    EXPECT_EQ(shown.resultTitle(), "Not fully watching");
+    EXPECT_THAT(shown.uncovered().toStdString(), testing::HasSubstr("it does not answer"));
+
+    zoom = {.windows = {{.title = "Zoom Meeting", .tree = meetingWindow({"Ann"})}}};
+    computer.loop.advance(6s);
+    EXPECT_EQ(shown.resultTitle(), "All Clear");
+    EXPECT_EQ(shown.scanned(),
+              "Scanned processes, calendar, meetings -- your Mac is clear of known AI bots.");
+}
+
 TEST_F(OnboardingViewModelTest, theFirstScanLooksEvenWhenMonitoringIsOff) {
     start(true, true);
     state->stopMonitoring();
@@ -182,6 +218,7 @@ TEST_F(OnboardingViewModelTest, theFirstScanLooksEvenWhenMonitoringIsOff) {
     goTo(detectionLive);
     computer.loop.runPosted();
     EXPECT_EQ(state->totalThreatCount(), 1U);
+    EXPECT_TRUE(state->isMonitoring) << "what is off is not read";
     model->complete();
     EXPECT_TRUE(state->settings.hasCompletedOnboarding);
     EXPECT_TRUE(state->isMonitoring);

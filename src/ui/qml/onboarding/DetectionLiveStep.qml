@@ -6,8 +6,9 @@ OnboardingPage {
     id: step
 
     readonly property bool showResults: bridge.showResults
+    readonly property bool isFound: bridge.verdict === Theme.Verdict.Found
 
-    title: "Running First Scan..."
+    title: bridge.scanTitle
 
     RowLayout {
         width: parent.width
@@ -34,36 +35,39 @@ OnboardingPage {
 
         Card {
             width: parent.width
-            color: step.bridge.foundAny ? Theme.lightRed : Qt.alpha(Theme.teal, 0.08)
-            border.color: step.bridge.foundAny ? Theme.redLine : Qt.alpha(Theme.teal, 0.4)
+            color: step.isFound ? Theme.lightRed
+                                : Qt.alpha(Theme.verdictColor(step.bridge.verdict), 0.08)
+            border.color: step.isFound ? Theme.redLine
+                                       : Qt.alpha(Theme.verdictColor(step.bridge.verdict), 0.4)
             Symbol {
                 anchors.horizontalCenter: parent.horizontalCenter
-                name: step.bridge.foundAny ? "exclamationmark.triangle.fill" : "checkmark.shield"
-                color: step.bridge.foundAny ? Theme.red : Theme.teal
+                name: step.bridge.verdict === Theme.Verdict.Clear
+                      ? "checkmark.shield" : Theme.verdictSymbol(step.bridge.verdict)
+                color: Theme.verdictColor(step.bridge.verdict)
                 size: Theme.size(34)
             }
             AppText {
                 width: parent.width
                 horizontalAlignment: Text.AlignHCenter
                 text: step.bridge.resultTitle
-                color: step.bridge.foundAny ? Theme.redText : Theme.tealText
+                color: Theme.verdictTextColor(step.bridge.verdict)
                 font { bold: true; pixelSize: Theme.size(17) }
             }
             AppText {
                 width: parent.width
-                visible: !step.bridge.foundAny
+                visible: !step.isFound
                 horizontalAlignment: Text.AlignHCenter
-                text: "No bots detected"
+                text: step.bridge.resultText
             }
             AppText {
                 width: parent.width
-                visible: !step.bridge.foundAny
+                visible: !step.isFound && text !== ""
                 horizontalAlignment: Text.AlignHCenter
                 text: step.bridge.scanned
                 color: Theme.secondaryText
                 font.pixelSize: Theme.size(12)
             }
-            Uncovered { text: step.bridge.foundAny ? "" : step.bridge.uncovered }
+            Uncovered { text: step.bridge.uncovered }
         }
         ResultGroup {
             width: parent.width
@@ -88,11 +92,11 @@ OnboardingPage {
                 text: "Process detection active"
             }
             StatusLine {
-                isOn: step.bridge.hasCalendar
+                isOn: step.bridge.watchesCalendar
                 text: isOn ? "Calendar detection active" : "Calendar detection not configured"
             }
             StatusLine {
-                isOn: step.bridge.hasMeetings
+                isOn: step.bridge.watchesMeetings
                 text: isOn ? "Meeting detection active" : "Meeting detection not configured"
             }
         }

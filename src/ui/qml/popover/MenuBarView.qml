@@ -87,7 +87,7 @@ Window {
             isShown: popover.bridge.showsObjectionToast
             symbol: "checkmark.circle.fill"
             title: "Objection Filed"
-            text: "Statement spoken · full text copied to clipboard"
+            text: popover.bridge.objectionToast
         }
         Toast {
             anchors { left: parent.left; right: parent.right; bottom: parent.bottom }

@@ -12,8 +12,12 @@ Column {
     EmptyState {
         width: parent.width
         visible: detections.bridge.threatCount === 0
+        verdict: detections.bridge.verdict
+        headline: detections.bridge.pillText
+        explanation: detections.bridge.explanation
         uncovered: detections.bridge.uncovered
     }
+    Uncovered { text: detections.bridge.threatCount === 0 ? "" : detections.bridge.uncovered }
     DetectionGroup {
         width: parent.width
         symbol: "video.fill"

@@ -6,7 +6,6 @@ RowLayout {
     id: header
 
     required property var bridge
-    readonly property bool hasThreats: bridge.threatCount > 0
 
     spacing: Theme.size(8)
 
@@ -35,7 +34,7 @@ RowLayout {
         implicitWidth: Math.min(pill.implicitWidth + Theme.size(18), Theme.size(150))
         implicitHeight: pill.implicitHeight + Theme.size(8)
         radius: height / 2
-        color: Qt.alpha(header.hasThreats ? Theme.red : Theme.teal, 0.1)
+        color: Qt.alpha(Theme.verdictColor(header.bridge.verdict), 0.1)
         Accessible.role: Accessible.StaticText
         Accessible.name: header.bridge.pillLabel
         Accessible.description: header.bridge.pillText
@@ -43,8 +42,7 @@ RowLayout {
             id: pill
             anchors.centerIn: parent
             text: header.bridge.pillText
-            color: !header.bridge.isMonitoring ? Theme.grey600
-                 : header.hasThreats ? Theme.redText : Theme.tealText
+            color: Theme.verdictTextColor(header.bridge.verdict)
             font { bold: true; pixelSize: Theme.size(11) }
             Accessible.ignored: true
         }
