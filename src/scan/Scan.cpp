@@ -49,6 +49,9 @@ void Scan::watch(Print print, std::function<void(std::vector<SourceReport>)> don
     for (auto* const source : asked()) {
         source->onAppeared = printer("appeared", *source);
         source->onGone = printer("disappeared", *source);
+        source->onSightLost = [this, print, name = source->profile.name](const std::string& text) {
+            print(sightLostLine(name, text, loop.now()));
+        };
         source->setOn(true);
         source->awaitFirstLook(finish);
     }

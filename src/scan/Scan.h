@@ -26,8 +26,9 @@ public:
     /// Looks at each source, and calls `done` once, as a task of the main loop.
     void look(std::function<void(ScanReport)> done);
 
-    /// Keeps looking, and prints a line of JSON for each product that appears or disappears. Calls
-    /// `done` once, as a task of the main loop, with what came of the first look at each source.
+    /// Keeps looking, and prints a line of JSON for each product that appears or disappears, and
+    /// when a source loses sight of something. Calls `done` once, as a task of the main loop, with
+    /// what came of the first look at each source.
     void watch(Print print, std::function<void(std::vector<SourceReport>)> done);
 
 private:

@@ -119,6 +119,10 @@ std::string watchLine(std::string_view event, std::string_view source, const Fin
                  {"at", iso8601(at)}});
 }
 
+std::string sightLostLine(std::string_view source, std::string_view text, Time at) {
+    return dump({{"event", "sight-lost"}, {"source", source}, {"text", text}, {"at", iso8601(at)}});
+}
+
 std::string dump(const Json& json) {
     return json.dump(-1, ' ', false, Json::error_handler_t::replace);
 }

@@ -53,6 +53,9 @@ private:
 [[nodiscard]] std::string watchLine(std::string_view event, std::string_view source,
                                     const Finding& finding, Time at);
 
+/// The line of a watch that says that a source has lost sight of something.
+[[nodiscard]] std::string sightLostLine(std::string_view source, std::string_view text, Time at);
+
 /// JSON in one line; bytes that are not UTF-8 become replacement characters.
 [[nodiscard]] std::string dump(const nlohmann::ordered_json& json);
 

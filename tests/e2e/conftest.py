@@ -97,7 +97,7 @@ class Watch:
     def of(self, value, key="processIdentifier"):
         """The times and kinds of the events of the detections that have this value."""
         return [(at, event["event"]) for at, event in self.events
-                if event["detection"][key] == value]
+                if event.get("detection", {}).get(key) == value]
 
 
 @pytest.fixture
