@@ -20,8 +20,10 @@ void Source::setOn(bool isOn) {
 }
 
 void Source::startIfWanted() {
-    if (mode == Mode::watching && mayLook() && !isWatching())
-        startWatching();
+    if (mode != Mode::watching || !mayLook() || isWatching())
+        return;
+    awaitsLook = tellsOfLooks;
+    startWatching();
 }
 
 void Source::lookOnce(Task done) {
@@ -68,7 +70,9 @@ void Source::sightLost(std::string text) {
 SourceState Source::currentState() const {
     if (mode == Mode::off)
         return {};
-    return mayLook() ? sight() : obstacle();
+    if (!mayLook())
+        return obstacle();
+    return awaitsLook ? SourceState{SourceState::Kind::looking, {}} : sight();
 }
 
 /// Fields tell of a change before it is made, and several often change together.

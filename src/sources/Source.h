@@ -5,10 +5,12 @@
 #include "base/Lifetime.h"
 #include "base/MainLoop.h"
 #include "base/Published.h"
+#include "base/Time.h"
 #include "sources/Finding.h"
 #include "sources/SourceState.h"
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -94,6 +96,16 @@ protected:
     void followState(const Field& field) {
         subscriptions.push_back(field.observeChanges([this] { schedule(isStateDue); }));
     }
+    /// The same for the time of the last look. Before it is set again after a start, the source has
+    /// not looked, whatever it saw before it was stopped.
+    template <typename Owner>
+    void followState(const Published<std::optional<Time>, Owner>& lastLook) {
+        subscriptions.push_back(lastLook.observe([this](const auto&) {
+            awaitsLook = false;
+            schedule(isStateDue);
+        }));
+        tellsOfLooks = true;
+    }
     template <typename Field>
     void followList(const Field& field) {
         subscriptions.push_back(field.observeChanges([this] { schedule(isListDue); }));
@@ -126,6 +138,8 @@ private:
     Mode mode = Mode::off;
     bool isStateDue = false;
     bool isListDue = false;
+    bool tellsOfLooks = false;
+    bool awaitsLook = false; ///< it was started, and has not looked since
 
 protected:
     Lifetime lifetime; // last: goes first

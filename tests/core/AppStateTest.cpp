@@ -242,6 +242,16 @@ TEST_F(AppStateTest, isClearOnlyWhenEverySourceHasLookedEverywhere) {
     computer.loop.runPosted();
     EXPECT_EQ(state->verdict(), Verdict::off);
     EXPECT_EQ(state->stateText(), "Monitoring Off");
+
+    computer.processTable.end(100);
+    computer.accessibility.isOn = true;
+    computer.loop.advance(60s);
+    state->startMonitoring();
+    computer.loop.advance(5s);
+    EXPECT_EQ(state->verdict(), Verdict::scanning) << "what was seen before does not count";
+    computer.calendars.answerFetch();
+    computer.loop.runPosted();
+    EXPECT_EQ(state->verdict(), Verdict::clear);
 }
 
 TEST_F(AppStateTest, staysCalmAfterEightHoursAsleep) {
