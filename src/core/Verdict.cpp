@@ -66,7 +66,7 @@ std::string stateInWords(Verdict verdict, std::size_t findings, const Sources& s
     for (const auto* const source : sources)
         if (source->state->isLimited())
             unseen += fmt::format("{}{}", unseen.empty() ? "" : ", ", source->profile.place);
-    const auto text = verdictText(verdict, findings);
+    auto text = verdictText(verdict, findings);
     if (unseen.empty() || verdict == Verdict::off)
         return text;
     return text + (verdict == Verdict::found ? ", but not seen: " : ": ") + unseen;
