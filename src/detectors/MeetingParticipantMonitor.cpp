@@ -205,6 +205,9 @@ void MeetingParticipantMonitor::remember(MeetingPass::Results& pass) {
 }
 
 void MeetingParticipantMonitor::publish(MeetingPass::Results pass) {
+    for (const auto& meeting : sightLosses.update(pass.coverage.unseen, loop.now()))
+        if (onSightLost)
+            onSightLost(meeting);
     coverage = std::move(pass.coverage);
     activeMeetingPlatform = pass.activeMeetingPlatform;
 

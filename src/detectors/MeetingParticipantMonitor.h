@@ -12,6 +12,7 @@
 #include "detectors/MeetingWindowWalks.h"
 #include "detectors/MeetingWindows.h"
 #include "detectors/Retention.h"
+#include "detectors/SightLosses.h"
 #include "platform/AccessibilityTree.h"
 #include "platform/Applications.h"
 #include "platform/Log.h"
@@ -59,6 +60,9 @@ public:
     /// The same for banners.
     std::function<void(const RecordingIndicatorDetection&)> onRecordingIndicatorDetected;
     std::function<void(const RecordingIndicatorDetection&)> onRecordingIndicatorDisappeared;
+
+    /// Called when a meeting has gone out of sight, as `SightLosses` decides. As above.
+    std::function<void(const UnseenMeeting&)> onSightLost;
 
     /// Looks up whether windows may be read.
     void refreshPermission();
@@ -114,6 +118,7 @@ private:
     MeetingWindowWalks walks;
     std::set<MeetingKey> waitingWindows; ///< that the last pass found not read yet
     std::map<std::string, Time> said;    ///< what was logged lately, and when there was cause last
+    SightLosses sightLosses;
     Retention<ParticipantBotDetection> retainedBots{missInterval};
     Retention<RecordingIndicatorDetection> retainedIndicators{missInterval};
     /// The processes in which there was a meeting, by platform, while they run.

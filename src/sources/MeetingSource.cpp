@@ -86,6 +86,7 @@ MeetingSource::MeetingSource(Platform& platform)
     monitor.onRecordingIndicatorDisappeared = [this](const RecordingIndicatorDetection& banner) {
         gone(std::make_shared<BannerFinding>(banner));
     };
+    monitor.onSightLost = [this](const UnseenMeeting& meeting) { sightLost(describe(meeting)); };
     followList(monitor.participantBotDetections);
     followList(monitor.recordingIndicators);
     followState(monitor.coverage);

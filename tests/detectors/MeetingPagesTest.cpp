@@ -120,6 +120,31 @@ TEST_F(MeetingPagesTest, keepWhatWasFoundInAMeetingThatIsThereUnread) {
     EXPECT_THAT(announced(), ElementsAre("-Google Meet-otter.ai notetaker"));
 }
 
+TEST_F(MeetingPagesTest, areToldOnceWhenTheyGoOutOfSightForLong) {
+    int told = 0;
+    monitor->onSightLost = [&](const auto&) { ++told; };
+    const auto passes = [&](bool isHidden, int count) {
+        tree.applications[chrome].windows = {
+            {.title = "News",
+             .tree = browserWindow("https://news.example", {"News"}),
+             .behind = isHidden ? Elements{} : Elements{page(room, {"Ann"}, "Meet - abc")},
+             .tabs = {{"News", true}, {"Meet - abc"}}}};
+        for (int i = 0; i < count; ++i, loop.advance(5s))
+            pass();
+    };
+    passes(true, 1);
+    passes(false, 1);
+    EXPECT_EQ(told, 0) << "a page that is just loading";
+    passes(true, 3);
+    EXPECT_EQ(told, 1);
+    passes(false, 50);
+    passes(true, 10);
+    EXPECT_EQ(told, 1) << "switching tabs tells nothing new";
+    passes(false, 61);
+    passes(true, 3);
+    EXPECT_EQ(told, 2);
+}
+
 TEST_F(MeetingPagesTest, ofFurtherInstancesAreMissedOnceTheseShouldHaveJoined) {
     shows(chrome, "News", browserWindow("https://news.example", {"News"}));
     tree.applications[chrome].startingInstances = 1;
