@@ -12,6 +12,7 @@ Permissions::Permissions(MainLoop& loop_, Log& log_, CalendarStore& calendars,
       participantMonitor(participantMonitor_) {
     // Accounts and the switch change while the program runs, and are told when they do.
     subscriptions.push_back(calendars.onChange(lifetime.guard([this] {
+        calendarMonitor.refreshAuthorization(); // calendars may have come, or gone
         if (hasCalendarAccess())
             refreshCalendarAccounts();
     })));

@@ -76,6 +76,12 @@ CalendarBotDetection asUnknownBot(CalendarBotDetection detection, std::string_vi
     return detection;
 }
 
+/// Whether monitoring may run: the user gives access, even if there is nothing to read now.
+bool allowsMonitoring(CalendarAuthorization status) {
+    return status == CalendarAuthorization::fullAccess ||
+           status == CalendarAuthorization::restricted;
+}
+
 bool names(const std::vector<FailedCalendar>& calendars, const std::string& name) {
     return std::any_of(calendars.begin(), calendars.end(), [&](const FailedCalendar& calendar) {
         return calendar.calendarName == name;
@@ -110,7 +116,7 @@ void CalendarMonitor::requestAccess(std::function<void(bool)> done) {
 void CalendarMonitor::startMonitoring() {
     if (isMonitoring)
         return;
-    if (authorizationStatus != CalendarAuthorization::fullAccess) {
+    if (!allowsMonitoring(authorizationStatus)) {
         log.info("Cannot start monitoring: no calendar access", logCategory::calendar);
         return;
     }
@@ -144,9 +150,9 @@ void CalendarMonitor::scanCalendar() {
         isScanWaiting = true;
         return;
     }
-    if (!checkAccess())
-        return;
     const Time now = loop.now();
+    if (!checkAccess())
+        return outlast(now);
     lastScanTime = now;
     scanState = ScanState::fetching;
     fetch.reset();
@@ -155,6 +161,8 @@ void CalendarMonitor::scanCalendar() {
             scanState = ScanState::completing;
             if (checkAccess())
                 complete(window, now);
+            else
+                outlast(now);
             scanState = ScanState::none;
             if (std::exchange(isScanWaiting, false))
                 loop.post(lifetime.guard([this] { scanCalendar(); }));
@@ -164,16 +172,36 @@ void CalendarMonitor::scanCalendar() {
 }
 
 void CalendarMonitor::refreshAuthorization() {
+    const auto before = *authorizationStatus;
     authorizationStatus = eventStore.authorizationStatus();
-    if (isMonitoring && authorizationStatus != CalendarAuthorization::fullAccess) {
+    if (authorizationStatus == CalendarAuthorization::restricted)
+        eventStore.lookForCalendars();
+    if (!isMonitoring || allowsMonitoring(authorizationStatus))
+        return;
+    if (before == CalendarAuthorization::restricted) // it waited for what it may not read
+        log.info("Cannot start monitoring: no calendar access", logCategory::calendar);
+    else
         log.notice("Calendar access revoked, stopping monitor", logCategory::calendar);
-        stopMonitoring();
-    }
+    stopMonitoring();
 }
 
 bool CalendarMonitor::checkAccess() {
     refreshAuthorization();
     return authorizationStatus == CalendarAuthorization::fullAccess;
+}
+
+/// Without access, takes off the list whose event has ended. Where there are no calendars, none
+/// counts as looked at until the next complete scan.
+void CalendarMonitor::outlast(Time now) {
+    if (authorizationStatus != CalendarAuthorization::restricted)
+        return;
+    calendarCount = 0;
+    failedCalendars = std::vector<FailedCalendar>{};
+    const Detections old = *calendarDetections; // a callback may dismiss one
+    auto rest = old;
+    std::erase_if(rest, [&](const auto& listed) { return listed.eventEndDate < now; });
+    forEachMissing<CalendarBotDetection>(old, rest, detectionKey, onBotDisappeared);
+    calendarDetections = withoutDismissed(std::move(rest));
 }
 
 void CalendarMonitor::complete(const CalendarWindow& window, Time now) {

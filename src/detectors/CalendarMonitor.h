@@ -60,7 +60,8 @@ public:
     /// Called when a listed bot is no longer found. As above.
     std::function<void(const CalendarBotDetection&)> onBotDisappeared;
 
-    /// Looks up the access. Stops monitoring if it is gone.
+    /// Looks up the access. Stops monitoring if the user has taken it back. Where there is nothing
+    /// to read at present, monitoring goes on, and the store looks for calendars again.
     void refreshAuthorization();
 
     /// Asks the user for access to calendars, and calls `done` with whether it is granted, on the
@@ -68,7 +69,8 @@ public:
     void requestAccess(std::function<void(bool granted)> done);
 
     /// Scans at once, then every 5 minutes, and when calendars change, if the last scan began 30
-    /// seconds ago or earlier. Does nothing without full access, and when monitoring already.
+    /// seconds ago or earlier. Where there is nothing to read, waits for calendars to come. Does
+    /// nothing when access is not given, and when monitoring already.
     void startMonitoring();
 
     /// Stops scans, and the one that is running. Detections stay listed.
@@ -76,7 +78,8 @@ public:
 
     /// Starts one full scan, which completes when the calendars have answered. While one is under
     /// way, another one follows it, however often this is called. Without full access there is no
-    /// scan, and monitoring ends.
+    /// scan, and `refreshAuthorization` says what becomes of monitoring. Where there is nothing to
+    /// read, what was found before stays listed until its event has ended.
     void scanCalendar();
 
     /// Removes the detection from the list for good, also after a restart.
@@ -89,6 +92,7 @@ private:
     using Detections = std::vector<CalendarBotDetection>;
 
     bool checkAccess();
+    void outlast(Time now);
     void complete(const CalendarWindow& window, Time now);
     [[nodiscard]] Detections findBots(const std::vector<CalendarEvent>& events, Time now) const;
     [[nodiscard]] std::optional<CalendarBotDetection>

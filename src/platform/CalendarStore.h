@@ -15,7 +15,7 @@ namespace quorva {
 /// Whether the user allows the program to read calendars. Only full access does.
 enum class CalendarAuthorization {
     notDetermined = 0, ///< never asked
-    restricted = 1,    ///< there is nothing to read: no calendar service and no calendar folder
+    restricted = 1,    ///< there is nothing to read now: no calendar service and no folder
     denied = 2,
     fullAccess = 3,
     writeOnly = 4,
@@ -99,6 +99,10 @@ public:
     /// Asks the user for full access, and calls `done` once with the answer, on the main loop or
     /// within this call.
     virtual void requestFullAccess(std::function<void(AccessAnswer)> done) = 0;
+
+    /// Looks again whether there are calendars at all, which `authorizationStatus` says. A
+    /// difference is told as a change. Reads no calendar, and needs no access.
+    virtual void lookForCalendars() = 0;
 
     /// Reads the occurrences that overlap the period from `start` to `end`, and calls `done` once,
     /// on the main loop or within this call. A calendar that does not answer within 10 seconds is

@@ -22,13 +22,16 @@ public:
     /// Takes an invitation off the list, for good. Nothing when none of this identifier is listed.
     void dismiss(std::string_view id);
 
-    [[nodiscard]] bool isWatching() const override { return monitor.isMonitoring; }
+    [[nodiscard]] bool isWatching() const override { return monitor.isMonitoring && mayLook(); }
     void refresh() override { monitor.scanCalendar(); }
     [[nodiscard]] std::string detail() const override;
     [[nodiscard]] std::string productNamed(std::string_view allowKey) const override;
 
 protected:
     [[nodiscard]] bool mayLook() const override;
+    [[nodiscard]] bool mayWait() const override {
+        return monitor.authorizationStatus == CalendarAuthorization::restricted;
+    }
     void startWatching() override { monitor.startMonitoring(); }
     void stopWatching() override { monitor.stopMonitoring(); }
     void look(Task done) override;

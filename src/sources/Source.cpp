@@ -20,7 +20,7 @@ void Source::setOn(bool isOn) {
 }
 
 void Source::startIfWanted() {
-    if (mode != Mode::watching || !mayLook() || isWatching())
+    if (mode != Mode::watching || (!mayLook() && !mayWait()) || isWatching())
         return;
     awaitsLook = tellsOfLooks;
     startWatching();
@@ -70,7 +70,7 @@ void Source::sightLost(std::string text) {
 SourceState Source::currentState() const {
     if (mode == Mode::off)
         return {};
-    if (!mayLook())
+    if (!mayLook() || (mode == Mode::watching && !isWatching()))
         return obstacle();
     return awaitsLook ? SourceState{SourceState::Kind::looking, {}} : sight();
 }

@@ -80,6 +80,8 @@ protected:
     Source(const SourceProfile& profile, MainLoop& loop);
 
     [[nodiscard]] virtual bool mayLook() const = 0;
+    /// Whether its monitor may be started although it may not look yet, to wait until it may.
+    [[nodiscard]] virtual bool mayWait() const { return false; }
     virtual void startWatching() = 0;
     virtual void stopWatching() = 0;
     /// Look once, or wait for the first look of the monitor; `done` is called as above.

@@ -157,6 +157,32 @@ TEST_F(PermissionsTest, aSourceHasOneStateAtATime) {
     EXPECT_EQ(app.stateText(), "Not fully watching: calendars");
 }
 
+TEST_F(PermissionsTest, watchesCalendarsThatComeAndGo) {
+    computer.calendars.status = CalendarAuthorization::restricted;
+    auto& app = start();
+    EXPECT_FALSE(app.sources.calendar.isWatching());
+    EXPECT_EQ(app.stateText(), "All Clear, but not seen: calendars");
+    const auto become = [&](CalendarAuthorization status) {
+        computer.calendars.status = status;
+        computer.loop.advance(31s);
+        computer.calendars.changes.call();
+        computer.loop.runPosted();
+    };
+    computer.inviteOtter("event", 3h);
+    for (int round = 0; round < 2; ++round) {
+        become(CalendarAuthorization::fullAccess);
+        EXPECT_TRUE(app.sources.calendar.isWatching());
+        EXPECT_EQ(app.stateText(), "1 Bot Detected");
+        become(CalendarAuthorization::restricted);
+        EXPECT_EQ(app.stateText(), "1 Bot Detected, but not seen: calendars");
+    }
+    app.toggleCalendarMonitor();
+    become(CalendarAuthorization::fullAccess);
+    EXPECT_TRUE(app.permissions.hasCalendarAccess());
+    app.toggleCalendarMonitor();
+    EXPECT_TRUE(app.sources.calendar.isWatching());
+}
+
 TEST_F(PermissionsTest, leadsTheFirstRunToMonitoring) {
     computer.preferences.values["autoStartMonitoring"] = false;
     auto& app = start();

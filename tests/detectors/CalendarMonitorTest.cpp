@@ -266,6 +266,35 @@ TEST_F(CalendarMonitorTest, worksWithFullAccessOnly) {
     EXPECT_THAT(store.fetches, IsEmpty());
 }
 
+TEST_F(CalendarMonitorTest, waitsWhereThereIsNothingToReadForTheTimeBeing) {
+    store.events = {event("E1", 30min, {otter}), event("E2", 3h, {otter})};
+    monitor->startMonitoring();
+    announced();
+    store.status = CalendarAuthorization::restricted; // the folder was moved away
+    loop.advance(100min);
+    EXPECT_TRUE(*monitor->isMonitoring);
+    EXPECT_GT(store.searches, 0);
+    EXPECT_EQ(store.fetches.size(), 1U);
+    EXPECT_THAT(announced(), ElementsAre("-otter-cal-E1")) << "its event has ended";
+    EXPECT_THAT(listed(), ElementsAre("otter-cal-E2"));
+    EXPECT_EQ(*monitor->calendarCount, 0U);
+    EXPECT_THAT(log.messages, IsEmpty());
+    store.status = CalendarAuthorization::fullAccess; // and back
+    store.events.push_back(event("E3", 1h, {otter}));
+    store.changes.call();
+    EXPECT_THAT(announced(), ElementsAre("+otter-cal-E3"));
+
+    store.status = CalendarAuthorization::restricted;
+    start();
+    monitor->startMonitoring();
+    store.status = CalendarAuthorization::notDetermined; // something came, and may not be read
+    store.changes.call();
+    EXPECT_FALSE(*monitor->isMonitoring);
+    EXPECT_THAT(log.messages,
+                ElementsAre(LoggedMessage{
+                    LogLevel::info, "Cannot start monitoring: no calendar access", "calendar"}));
+}
+
 TEST_F(CalendarMonitorTest, boundsTheKeysItRemembers) {
     for (const std::size_t count : {1000, 1001}) {
         Texts keys;

@@ -22,6 +22,7 @@ public:
     CallbackList<> changes;
     bool answersAtOnce = true;
     std::vector<std::pair<Time, Time>> fetches; ///< the periods asked for
+    int searches = 0;                           ///< for calendars that may have come
 
     /// Answers the fetches under way, with what the calendars hold now.
     void answerFetch() {
@@ -36,6 +37,7 @@ public:
 
     [[nodiscard]] CalendarAuthorization authorizationStatus() const override { return status; }
     void requestFullAccess(std::function<void(AccessAnswer)> done) override { done(answer); }
+    void lookForCalendars() override { ++searches; }
     [[nodiscard]] Subscription fetchEvents(Time start, Time end, Done done) override {
         fetches.emplace_back(start, end);
         auto fetch = std::make_shared<Fetch>(Fetch{start, end, std::move(done)});

@@ -41,6 +41,7 @@ public:
 
     [[nodiscard]] CalendarAuthorization authorizationStatus() const override;
     void requestFullAccess(std::function<void(AccessAnswer)> done) override;
+    void lookForCalendars() override { listFolders(); }
     [[nodiscard]] Subscription fetchEvents(Time start, Time end,
                                            std::function<void(CalendarWindow)> done) override;
     [[nodiscard]] std::vector<CalendarSource> sources() const override;

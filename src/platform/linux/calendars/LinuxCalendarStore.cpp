@@ -31,6 +31,12 @@ void LinuxCalendarStore::requestFullAccess(std::function<void(AccessAnswer)> don
     consent.request(std::move(done));
 }
 
+/// Both parts tell of a change themselves.
+void LinuxCalendarStore::lookForCalendars() {
+    folders.lookForCalendars();
+    search = service.findService([](EdsCalendarStore::Service) {});
+}
+
 Subscription LinuxCalendarStore::fetchEvents(Time start, Time end,
                                              std::function<void(CalendarWindow)> done) {
     auto request = std::make_shared<Request>();

@@ -19,6 +19,7 @@ public:
     /// service nor a folder.
     [[nodiscard]] CalendarAuthorization authorizationStatus() const override;
     void requestFullAccess(std::function<void(AccessAnswer)> done) override;
+    void lookForCalendars() override;
     [[nodiscard]] Subscription fetchEvents(Time start, Time end,
                                            std::function<void(CalendarWindow)> done) override;
 
@@ -40,6 +41,7 @@ private:
     const std::vector<FailedCalendar> withoutPlace;
     EdsCalendarStore service;
     IcsFolderStore folders;
+    Subscription search; ///< for the service
 };
 
 } // namespace quorva

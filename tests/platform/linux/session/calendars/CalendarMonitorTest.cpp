@@ -188,6 +188,16 @@ TEST_F(CalendarMonitorTest, worksFromFoldersAloneWhereThereIsNoService) {
     EXPECT_THAT(announced(), ElementsAre("+gong-cal-evening"));
     EXPECT_THAT(*monitor().failedCalendars, IsEmpty());
     EXPECT_TRUE(*monitor().isMonitoring);
+
+    std::filesystem::rename(home.path / "calendars", home.path / "away");
+    hasty.ahead += 30s; // the pause after a scan is over
+    ASSERT_TRUE(comesTo(
+        [&] { return *monitor().authorizationStatus == CalendarAuthorization::restricted; }));
+    home.write("away/club/night.ics", vcalendar(vevent("night", now + 3h, otter)));
+    std::filesystem::rename(home.path / "away", home.path / "calendars");
+    hasty.ahead += 30s;
+    ASSERT_TRUE(comesTo([&] { return !events.empty(); }));
+    EXPECT_THAT(announced(), ElementsAre("+otter-cal-night"));
 }
 
 } // namespace
