@@ -127,16 +127,14 @@ void CalendarMonitor::startMonitoring() {
     scanCalendar();
     if (!isMonitoring)
         return; // the scan found that access is gone
-    storeChangedObserver = eventStore.onChange(lifetime.guard([this] {
-        if (!lastScanTime || loop.now() - *lastScanTime >= minimumScanInterval)
-            scanCalendar();
-    }));
+    storeChangedObserver = eventStore.onChange(lifetime.guard([this] { noteChange(); }));
     scanTimer = loop.every(scanInterval, lifetime.guard([this] { scanCalendar(); }));
 }
 
 void CalendarMonitor::stopMonitoring() {
     isMonitoring = false;
     scanTimer.reset();
+    deferredScan.reset();
     storeChangedObserver.reset();
     isScanWaiting = false;
     if (scanState == ScanState::fetching) {
@@ -145,7 +143,17 @@ void CalendarMonitor::stopMonitoring() {
     }
 }
 
+void CalendarMonitor::noteChange() {
+    const auto sinceScan = lastScanTime ? loop.now() - *lastScanTime : minimumScanInterval;
+    if (sinceScan >= minimumScanInterval)
+        scanCalendar();
+    else if (!deferredScan)
+        deferredScan = loop.after(minimumScanInterval - std::max(sinceScan, Seconds(0)),
+                                  lifetime.guard([this] { scanCalendar(); }));
+}
+
 void CalendarMonitor::scanCalendar() {
+    deferredScan.reset();
     if (scanState != ScanState::none) {
         isScanWaiting = true;
         return;

@@ -68,9 +68,10 @@ public:
     /// main loop or within this call. A failure to ask is logged and counts as refused.
     void requestAccess(std::function<void(bool granted)> done);
 
-    /// Scans at once, then every 5 minutes, and when calendars change, if the last scan began 30
-    /// seconds ago or earlier. Where there is nothing to read, waits for calendars to come. Does
-    /// nothing when access is not given, and when monitoring already.
+    /// Scans at once, then every 5 minutes, and when calendars change, but no sooner than 30
+    /// seconds after the last scan began: changes until then are looked at together. Where there is
+    /// nothing to read, waits for calendars to come. Does nothing when access is not given, and
+    /// when monitoring already.
     void startMonitoring();
 
     /// Stops scans, and the one that is running. Detections stay listed.
@@ -93,6 +94,7 @@ private:
 
     bool checkAccess();
     void outlast(Time now);
+    void noteChange();
     void complete(const CalendarWindow& window, Time now);
     [[nodiscard]] Detections findBots(const std::vector<CalendarEvent>& events, Time now) const;
     [[nodiscard]] std::optional<CalendarBotDetection>
@@ -118,6 +120,7 @@ private:
     const std::chrono::hours lookAhead{24};
 
     Timer scanTimer;
+    Timer deferredScan; ///< for changes too soon after a scan
     Subscription storeChangedObserver;
     std::optional<Time> lastScanTime; ///< when the last scan began; nothing: long ago
     KeySet alertedDetections;         ///< hashed keys, which tell nothing of the events

@@ -149,22 +149,41 @@ TEST_F(CalendarMonitorTest, forgetsForGoodWhatIsDismissed) {
 }
 
 TEST_F(CalendarMonitorTest, followsChangesButNotInBursts) {
+    const auto expectScans = [&](std::size_t count) { EXPECT_EQ(store.fetches.size(), count); };
     monitor->startMonitoring();
-    loop.advance(29s);
+    loop.advance(30s);
     store.changes.call();
-    EXPECT_EQ(store.fetches.size(), 1U);
+    expectScans(2);
+    loop.advance(10s);
+    store.events = {event("E1", 1h, {otter})};
+    store.changes.call();
+    loop.advance(19s);
+    store.changes.call(); // one burst with the change before
+    expectScans(2);
     loop.advance(1s);
+    expectScans(3);
+    EXPECT_THAT(announced(), ElementsAre("+otter-cal-E1"));
+    loop.advance(40s); // nothing is left of the burst
+    expectScans(3);
+    loop.advance(180s);
     store.changes.call();
-    EXPECT_EQ(store.fetches.size(), 2U);
+    expectScans(4);
+    loop.advance(20s); // the timer does not care
+    expectScans(5);
+    loop.advance(15s);
+    store.changes.call();
+    monitor->scanCalendar(); // sees that change
+    loop.advance(100s);
+    expectScans(6);
+
+    store.changes.call();
     loop.advance(10s);
     store.changes.call();
-    loop.advance(260s); // the timer does not care
-    EXPECT_EQ(store.fetches.size(), 3U);
-
     monitor->stopMonitoring();
+    expectScans(7);
     loop.advance(1h);
     store.changes.call();
-    EXPECT_EQ(store.fetches.size(), 3U);
+    expectScans(7);
     EXPECT_FALSE(*monitor->isMonitoring);
 }
 
