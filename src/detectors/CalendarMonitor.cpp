@@ -267,7 +267,9 @@ CalendarMonitor::makeDetection(const CalendarParticipant& attendee,
     if (email) {
         if (const auto match = database.matchEmail(*email))
             return asProduct(draft(), *match);
-        if (const auto prefix = database.matchGenericPrefix(*email))
+        // Whoever called the meeting is a person: bots are invited to meetings of others.
+        if (const auto prefix =
+                attendee.isOrganizer ? std::nullopt : database.matchGenericPrefix(*email))
             return asUnknownBot(draft(), *prefix);
     }
     if (!name.empty())

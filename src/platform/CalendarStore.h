@@ -29,6 +29,7 @@ struct CalendarParticipant {
     std::string url; ///< the address as the inviter's server wrote it, including "mailto:"
     bool isCurrentUser = false;
     ParticipantStatus status = ParticipantStatus::unknown;
+    bool isOrganizer = false; ///< whether invited as well or not
 
     bool operator==(const CalendarParticipant&) const = default;
 };

@@ -109,6 +109,17 @@ TEST_F(CalendarMonitorTest, leavesOutWhoDoesNotComeAndWhatIsNoMeeting) {
                                       "otter-cal-untitled-2026-03-02T11:00:00Z"));
 }
 
+TEST_F(CalendarMonitorTest, takesAnOrganizerForAProductButNotForAnUnknownBot) {
+    auto assistant = CalendarParticipant{"Ada", "mailto:assistant@lawfirm.example"};
+    auto product = otter;
+    auto named = CalendarParticipant{"Fathom Notetaker", "mailto:notetaker@example.com"};
+    assistant.isOrganizer = product.isOrganizer = named.isOrganizer = true;
+    store.events = {event("E1", 1h, {assistant}), event("E2", 2h, {product}),
+                    event("E3", 3h, {named})};
+    monitor->scanCalendar();
+    EXPECT_THAT(listed(), ElementsAre("otter-cal-E2", "fathom-cal-E3"));
+}
+
 TEST_F(CalendarMonitorTest, announcesEachFindOnceAlsoAcrossRestarts) {
     store.events = {event("E1", 2h, {otter}), event("E2", 3h, {otter})};
     monitor->startMonitoring();

@@ -153,17 +153,19 @@ CalendarParticipant ICalendarObjectEvents::participant(const ContentLine& line) 
     return attendee;
 }
 
-/// Adds the organizer, who attends as well but whom servers do not always list.
+/// Marks the organizer, who attends as well, and adds the one whom the server did not list.
 void ICalendarObjectEvents::addOrganizer(Draft& draft, ICalendarProblems& problems) {
     const auto address = comparable(participant(*draft.organizer).url);
-    const auto& attendees = draft.event.attendees;
-    const bool isListed =
-        std::any_of(attendees.begin(), attendees.end(), [&](const CalendarParticipant& listed) {
-            return comparable(listed.url) == address;
-        });
-    if (isListed)
-        return;
-    addAttendee(draft, *draft.organizer, problems);
+    auto& attendees = draft.event.attendees;
+    bool isListed = false;
+    for (auto& listed : attendees)
+        if (comparable(listed.url) == address)
+            isListed = listed.isOrganizer = true;
+    const auto count = attendees.size();
+    if (!isListed)
+        addAttendee(draft, *draft.organizer, problems);
+    if (attendees.size() > count)
+        attendees.back().isOrganizer = true;
 }
 
 std::optional<ICalendarObjectEvents::Moment>

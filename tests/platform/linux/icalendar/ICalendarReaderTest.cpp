@@ -187,7 +187,7 @@ TEST(ICalendarReaderTest, keepsAttendeesAsTheServerWroteThem) {
         {"R\"n\"D", "mailto:a%20b@example.com ", false, tentative},
         {"M\xC3\xBCller", "mailto:me@example.ORG", true, pending},
         {std::nullopt, "bot@read.ai", false, delegated},
-        {"Bot", "mailto:bot@fireflies.ai", false, pending},
+        {"Bot", "mailto:bot@fireflies.ai", false, pending, true},
     };
     EXPECT_EQ(event.attendees, expected);
     EXPECT_EQ(event.title, "Plan, part 1; draft");
@@ -196,11 +196,14 @@ TEST(ICalendarReaderTest, keepsAttendeesAsTheServerWroteThem) {
     EXPECT_EQ(event.start, event.end);
 }
 
-TEST(ICalendarReaderTest, doesNotAddAnOrganizerWhoIsListed) {
-    EXPECT_EQ(onlyEvent("DTSTART:20260328T120000Z\nORGANIZER:MAILTO:A@example.com\n"
-                        "ATTENDEE:mailto:a@EXAMPLE.com\n")
-                  .attendees.size(),
-              1U);
+TEST(ICalendarReaderTest, marksAnOrganizerWhoIsListedAndAddsNone) {
+    const auto attendees = onlyEvent("DTSTART:20260328T120000Z\nORGANIZER:MAILTO:A@example.com\n"
+                                     "ATTENDEE:mailto:b@example.com\n"
+                                     "ATTENDEE:mailto:a@EXAMPLE.com\n")
+                               .attendees;
+    ASSERT_EQ(attendees.size(), 2U);
+    EXPECT_FALSE(attendees[0].isOrganizer);
+    EXPECT_TRUE(attendees[1].isOrganizer);
 }
 
 TEST(ICalendarReaderTest, leavesOutCancelledEvents) {

@@ -49,9 +49,10 @@ TEST_F(EdsCalendarStoreTest, deliversWhoIsInvitedAsTheInviterWroteIt) {
         ElementsAre(FieldsAre(
             "plan@example.com", "Plan", now + 1h, now + 90min, false,
             ElementsAre(
-                FieldsAre("Otter, Pilot", "MAILTO:Meetings@otter.ai", false, Status::accepted),
-                FieldsAre(std::nullopt, "mailto:bo@example.com", false, Status::declined),
-                FieldsAre("Ada", "mailto:ada@example.com", false, testing::_)),
+                FieldsAre("Otter, Pilot", "MAILTO:Meetings@otter.ai", false, Status::accepted,
+                          false),
+                FieldsAre(std::nullopt, "mailto:bo@example.com", false, Status::declined, false),
+                FieldsAre("Ada", "mailto:ada@example.com", false, testing::_, true)),
             "Personal")));
     EXPECT_THAT(store.sources(), testing::Contains(CalendarSource{.title = "On This Computer"}));
 }
