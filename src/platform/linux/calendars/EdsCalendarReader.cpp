@@ -203,8 +203,9 @@ EdsReading readThrough(std::shared_ptr<const EdsConnection> connection, const Ed
     const auto calendar =
         readICalendar(text.finish(), {.floating = userZone().zone,
                                       .userAddresses = {addresses.begin(), addresses.end()}});
-    reading.events =
-        occurrencesOf(calendar, request.start, request.end, request.calendar.name).events;
+    reading.events = occurrencesOf(calendar, request.start, request.end).events;
+    for (auto& event : reading.events)
+        event.calendarName = request.calendar.name;
     if (connection->view)
         reading.connection = std::move(connection);
     return reading;

@@ -39,9 +39,8 @@ void IcsIndex::update(const IcsFolderTree& tree, Time start, Time end) {
 
 /// Files that have not been parsed again keep their entries.
 void IcsIndex::rebuild(const IcsFolderTree::Folders& folders) {
-    ExpansionBudget budget{.steps = stepsOfUpdate};
     Contents present;
-    entries.clear();
+    std::vector<std::pair<const ICalendar*, Content*>> unknown;
     for (const auto& [path, folder] : folders)
         for (const auto& [name, file] : folder.files) {
             if (!file.calendar() || isAbandoned)
@@ -52,53 +51,82 @@ void IcsIndex::rebuild(const IcsFolderTree::Folders& folders) {
             auto& content = present[file.calendar()];
             content.calendarName = folder.calendarNameOf(name);
             if (!isKnown)
-                fill(content, *file.calendar(), budget);
-            entries.insert(entries.end(), content.entries.begin(), content.entries.end());
+                unknown.emplace_back(file.calendar().get(), &content);
         }
+    fill(unknown);
     contents = std::move(present);
+    entries.clear();
+    for (const auto& [calendar, content] : contents)
+        entries.insert(entries.end(), content.entries.begin(), content.entries.end());
     std::sort(entries.begin(), entries.end(),
               [](const Entry& a, const Entry& b) { return a.start < b.start; });
 }
 
-/// Adds the series of a file to its empty content.
-void IcsIndex::fill(Content& content, const ICalendar& calendar, ExpansionBudget& budget) const {
-    Occurrences occurrences;
-    occurrences.budget.steps = std::min(occurrences.budget.steps, budget.steps);
-    const auto allowed = occurrences.budget.steps;
-    for (const auto& series : calendar.series) {
-        const auto span = spanOf(series);
-        if (span.start >= covered.end || span.end < covered.start)
-            continue;
-        occurrences.events.clear();
-        occurrences.attendees = 0;
-        addOccurrences(series, covered.start, covered.end, content.calendarName, occurrences);
-        if (occurrences.events.empty())
-            continue;
-        Entry entry{Time::max(), Time::min(), &series, &content.calendarName};
-        for (const auto& event : occurrences.events) {
-            entry.start = std::min(entry.start, event.start);
-            entry.end = std::max(entry.end, event.end);
+/// Adds the series of files to their empty contents.
+void IcsIndex::fill(const std::vector<std::pair<const ICalendar*, Content*>>& unknown) const {
+    struct Job {
+        Content* content;
+        Entry entry;
+        ICalendarProblems problems;
+    };
+    std::vector<Job> jobs;
+    for (const auto& [calendar, content] : unknown)
+        for (const auto& series : calendar->series) {
+            const auto span = spanOf(series);
+            if (span.start < covered.end && span.end >= covered.start)
+                jobs.push_back(
+                    {content, {Time::max(), Time::min(), &series, &content->calendarName}, {}});
         }
-        content.entries.push_back(entry);
+    shareSteps(jobs.size(), stepsOfUpdate, [&](std::size_t index, ExpansionBudget& budget) {
+        if (isAbandoned)
+            return true;
+        auto& job = jobs[index];
+        auto room = ICalendarLimits::attendeesOfPeriod; // only the times are kept
+        auto found = occurrencesOf(*job.entry.series, covered.start, covered.end, budget, room);
+        for (const auto& event : found.events) {
+            job.entry.start = std::min(job.entry.start, event.start);
+            job.entry.end = std::max(job.entry.end, event.end);
+        }
+        if (!found.events.empty() && !found.problems.all().empty())
+            job.entry.end = std::max(job.entry.end, covered.end); // there may be more of it
+        job.problems = std::move(found.problems);
+        return found.isComplete;
+    });
+    for (const auto& job : jobs) {
+        if (job.entry.start <= job.entry.end)
+            job.content->entries.push_back(job.entry);
+        job.content->problems.add(job.problems);
     }
-    budget.steps -= allowed - occurrences.budget.steps;
-    content.problems = std::move(occurrences.problems);
 }
 
 void IcsIndex::collect(Time start, Time end, CalendarWindow& window) const {
-    Occurrences found;
+    std::vector<const Entry*> near;
+    std::vector<const ICalendarSeries*> series;
     for (const auto& entry : entries) {
         if (entry.start >= end)
             break;
-        if (entry.end >= start)
-            addOccurrences(*entry.series, start, end, *entry.calendarName, found);
+        if (entry.end < start)
+            continue;
+        near.push_back(&entry);
+        series.push_back(entry.series);
     }
-    window.events = std::move(found.events);
+    window.failed = failures;
+    auto found = occurrencesOfEach(series, start, end);
+    for (std::size_t i = 0; i < found.size(); ++i) {
+        const auto& name = *near[i]->calendarName;
+        for (auto& event : found[i].events) {
+            event.calendarName = name;
+            window.events.push_back(std::move(event));
+        }
+        const auto reason = lossesOf(found[i].problems);
+        const bool isNamed =
+            std::any_of(window.failed.begin(), window.failed.end(),
+                        [&](const auto& each) { return each.calendarName == name; });
+        if (!reason.empty() && !isNamed)
+            window.failed.push_back({name, reason});
+    }
     std::stable_sort(window.events.begin(), window.events.end(),
                      [](const auto& a, const auto& b) { return a.start < b.start; });
-    for (const auto& problem : found.problems.all())
-        window.failed.push_back({.calendarName = "folders", .reason = problem.reason});
-    window.failed.insert(window.failed.end(), failures.begin(), failures.end());
 }
 
 /// One line for each calendar in whose files something was lost.

@@ -42,7 +42,7 @@ private:
     using Contents = std::unordered_map<std::shared_ptr<const ICalendar>, Content>;
 
     void rebuild(const IcsFolderTree::Folders& folders);
-    void fill(Content& content, const ICalendar& calendar, ExpansionBudget& budget) const;
+    void fill(const std::vector<std::pair<const ICalendar*, Content*>>& unknown) const;
     void findFailures(const IcsFolderTree::Folders& folders);
 
     const std::atomic<bool>& isAbandoned;

@@ -3,7 +3,10 @@
 #include "platform/linux/icalendar/ICalendarReader.h"
 
 #include <algorithm>
+#include <iterator>
 #include <limits>
+#include <numeric>
+#include <utility>
 
 namespace quorva {
 namespace {
@@ -43,15 +46,16 @@ std::int64_t lengthOf(const NominalDuration& duration) {
 class SeriesExpansion {
 public:
     SeriesExpansion(const ICalendarSeries& series_, Time start_, Time end_,
-                    const std::string& calendarName_, Occurrences& found_)
-        : series(series_), start(start_), end(end_), calendarName(calendarName_), found(found_) {}
+                    ExpansionBudget& budget_, std::size_t& room_)
+        : series(series_), start(start_), end(end_), budget(budget_), room(room_) {}
 
-    void run() {
+    Occurrences run() {
         if (series.master && !series.master->isCancelled)
             addMaster(*series.master);
         for (const auto& event : series.moved)
             if (!event.isCancelled)
                 (void)add(event, event.start, event.duration);
+        return std::move(found);
     }
 
 private:
@@ -95,9 +99,11 @@ private:
                 collect(event, {wall, event.duration}, candidates);
                 return candidates.size() < enough;
             },
-            found.budget);
-        if (!isComplete)
-            found.problems.addLoss("recurrence rule too laborious");
+            budget);
+        if (isComplete)
+            return;
+        found.isComplete = false;
+        found.problems.addLoss("recurrence rule too laborious");
     }
 
     /// Keeps a candidate that lies in the period and is neither an exception nor moved away.
@@ -120,13 +126,13 @@ private:
         const auto ends = std::max(begins, event.endOf(wall, duration));
         if (!isInPeriod(begins, ends))
             return true;
-        if (added == ICalendarLimits::occurrences ||
-            found.attendees + event.attendees.size() > ICalendarLimits::attendeesOfPeriod) {
+        const auto& known = found.events;
+        const auto size = 1 + event.attendees.size();
+        if (known.size() == ICalendarLimits::occurrences || (!known.empty() && size > room)) {
             found.problems.addLoss("too many occurrences in one period");
             return false;
         }
-        ++added;
-        found.attendees += event.attendees.size();
+        room -= std::min(room, size);
         found.events.push_back({
             .eventIdentifier = series.uid,
             .title = event.title,
@@ -134,7 +140,6 @@ private:
             .end = timeOf(ends),
             .isAllDay = event.isAllDay,
             .attendees = event.attendees,
-            .calendarName = calendarName,
         });
         return true;
     }
@@ -142,9 +147,9 @@ private:
     const ICalendarSeries& series;
     const Time start;
     const Time end;
-    const std::string& calendarName;
-    Occurrences& found;
-    std::size_t added = 0;
+    ExpansionBudget& budget;
+    std::size_t& room;
+    Occurrences found;
 };
 
 void extend(TimeSpan& span, Time from, Time to) {
@@ -166,16 +171,61 @@ void MomentSet::sort() {
     std::sort(days.begin(), days.end());
 }
 
-void addOccurrences(const ICalendarSeries& series, Time start, Time end,
-                    const std::string& calendarName, Occurrences& occurrences) {
-    SeriesExpansion(series, start, end, calendarName, occurrences).run();
+Occurrences occurrencesOf(const ICalendarSeries& series, Time start, Time end,
+                          ExpansionBudget& budget, std::size_t& room) {
+    return SeriesExpansion(series, start, end, budget, room).run();
 }
 
-Occurrences occurrencesOf(const ICalendar& calendar, Time start, Time end,
-                          const std::string& calendarName) {
+void shareSteps(std::size_t count, std::int64_t steps,
+                const std::function<bool(std::size_t, ExpansionBudget&)>& expand) {
+    constexpr std::int64_t firstPart = 10'000; // a daily meeting of 27 years
+    constexpr std::int64_t largestPart =
+        std::int64_t{RecurrenceRule::maxSteps} * ICalendarLimits::rules;
+    std::vector<std::size_t> waiting(count);
+    std::iota(waiting.begin(), waiting.end(), std::size_t{0});
+    const auto partOf = [&](std::int64_t most) {
+        const auto number = std::max<std::size_t>(1, waiting.size());
+        return std::min(most, steps / static_cast<std::int64_t>(number));
+    };
+    // Only at least twice the part is worth beginning anew for.
+    auto part = partOf(firstPart);
+    for (std::int64_t least = 0; !waiting.empty() && part >= least; part = partOf(largestPart)) {
+        least = std::max<std::int64_t>(1, 2 * part);
+        std::erase_if(waiting, [&](std::size_t index) {
+            ExpansionBudget budget{.steps = part};
+            const bool isComplete = expand(index, budget);
+            steps -= part - budget.steps;
+            return isComplete;
+        });
+    }
+}
+
+std::vector<Occurrences> occurrencesOfEach(std::span<const ICalendarSeries* const> series,
+                                           Time start, Time end) {
+    std::vector<Occurrences> all(series.size());
+    std::vector<std::size_t> sizes(series.size());
+    std::size_t room = ICalendarLimits::attendeesOfPeriod;
+    shareSteps(series.size(), ExpansionBudget{}.steps,
+               [&](std::size_t index, ExpansionBudget& budget) {
+                   room += std::exchange(sizes[index], 0);
+                   const auto before = room;
+                   all[index] = occurrencesOf(*series[index], start, end, budget, room);
+                   sizes[index] = before - room;
+                   return all[index].isComplete;
+               });
+    return all;
+}
+
+Occurrences occurrencesOf(const ICalendar& calendar, Time start, Time end) {
+    std::vector<const ICalendarSeries*> series;
+    for (const auto& each : calendar.series)
+        series.push_back(&each);
     Occurrences occurrences;
-    for (const auto& series : calendar.series)
-        addOccurrences(series, start, end, calendarName, occurrences);
+    for (auto& found : occurrencesOfEach(series, start, end)) {
+        std::move(found.events.begin(), found.events.end(), std::back_inserter(occurrences.events));
+        occurrences.problems.add(found.problems);
+        occurrences.isComplete &= found.isComplete;
+    }
     std::stable_sort(occurrences.events.begin(), occurrences.events.end(),
                      [](const auto& a, const auto& b) { return a.start < b.start; });
     return occurrences;

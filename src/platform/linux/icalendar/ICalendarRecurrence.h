@@ -16,7 +16,7 @@
 
 namespace quorva {
 
-/// The limit on work: how many days and moments the rules of a file or a store may still examine.
+/// The limit on work: how many days and moments rules may still examine.
 struct ExpansionBudget {
     std::int64_t steps = 5'000'000;
 };

@@ -35,7 +35,7 @@ ICalendar read(const std::string& bytes) {
 }
 
 Occurrences within(const std::string& bytes, const std::string& start, const std::string& end) {
-    return occurrencesOf(read(bytes), utc(start), utc(end), "Work");
+    return occurrencesOf(read(bytes), utc(start), utc(end));
 }
 
 /// The starts of an event's occurrences from 2026-03-23 to 2026-04-13, in UTC.
@@ -192,7 +192,6 @@ TEST(ICalendarReaderTest, keepsAttendeesAsTheServerWroteThem) {
     EXPECT_EQ(event.attendees, expected);
     EXPECT_EQ(event.title, "Plan, part 1; draft");
     EXPECT_EQ(event.eventIdentifier, "one");
-    EXPECT_EQ(event.calendarName, "Work");
     EXPECT_EQ(event.start, event.end);
 }
 
@@ -289,7 +288,7 @@ TEST(ICalendarReaderTest, boundsWhatHostileFilesCost) {
     for (const auto& row : rows) {
         const auto calendar = read(calendarOf(eventOf(row.properties)));
         const auto found =
-            occurrencesOf(calendar, utc("20260328T000000Z"), utc("20260329T000000Z"), "Work");
+            occurrencesOf(calendar, utc("20260328T000000Z"), utc("20260329T000000Z"));
         const auto about = row.properties.substr(0, 90);
         EXPECT_EQ(found.events.size(), row.events) << about;
         EXPECT_EQ(lossesIn(found.problems) + lossesIn(calendar.problems) > 0, row.isReported)
@@ -305,6 +304,37 @@ TEST(ICalendarReaderTest, boundsWhatHostileFilesCost) {
     const auto found = within(bytes, "20260328T000000Z", "20260329T000000Z");
     ASSERT_EQ(found.events.size(), 1U);
     EXPECT_LE(found.events[0].title.value_or("").size(), ContentLines::maxLength);
+}
+
+// A sender can make a series cost much, and invite to many.
+TEST(ICalendarReaderTest, takesNothingFromAMeetingForWhatOthersCost) {
+    const auto invitations = [](int count, const std::string& properties) {
+        std::string all;
+        for (int i = 0; i < count; ++i)
+            all += "BEGIN:VEVENT\nUID:" + std::to_string(i) + "\nDTSTART:20250601T000000Z\n" +
+                   properties + "END:VEVENT\n";
+        return all;
+    };
+    std::string attendees;
+    for (int i = 0; i < 500; ++i)
+        attendees += "ATTENDEE:mailto:" + std::to_string(i) + "@example.com\n";
+    const auto meeting = eventOf("DTSTART:20200104T120000Z\nRRULE:FREQ=WEEKLY;COUNT=520\n"
+                                 "ATTENDEE:mailto:notetaker@otter.ai\n");
+    for (const auto& others : {invitations(900, "RRULE:FREQ=SECONDLY;COUNT=2000000000\n"),
+                               invitations(9, "RRULE:FREQ=MINUTELY\n" + attendees)}) {
+        const auto found =
+            within(calendarOf(others + meeting), "20260328T000000Z", "20260329T000000Z");
+        EXPECT_TRUE(
+            std::any_of(found.events.begin(), found.events.end(),
+                        [](const CalendarEvent& event) { return event.eventIdentifier == "one"; }));
+        EXPECT_GT(lossesIn(found.problems), 0U);
+    }
+    // What is left goes to those that need more: every minute of three weeks.
+    EXPECT_EQ(startsOf("BEGIN:VEVENT\nUID:two\nDTSTART:20260301T000000Z\n"
+                       "RRULE:FREQ=MINUTELY;COUNT=33000;BYSECOND=0\nEND:VEVENT\n" +
+                       meeting)
+                  .size(),
+              1003U);
 }
 
 } // namespace
