@@ -68,7 +68,8 @@ struct CalendarSource {
     bool operator==(const CalendarSource&) const = default;
 };
 
-/// A calendar that could not be read. Without it, such a calendar would look empty.
+/// A calendar that could not be read, or not all of it. Without it, such a calendar would look
+/// empty.
 struct FailedCalendar {
     std::string calendarName;
     std::string reason; ///< for the log and for people

@@ -106,12 +106,16 @@ public:
     void add(ECalComponent* component) {
         if (const GCharsPtr event(e_cal_component_get_as_string(component)); event)
             text += event.get();
+        else
+            lost.addLoss("event that the calendar service could not write out");
         i_cal_component_foreach_tzid(e_cal_component_get_icalcomponent(component), addZone, this);
     }
 
     [[nodiscard]] std::string finish() const {
         return "BEGIN:VCALENDAR\r\n" + text + "END:VCALENDAR\r\n";
     }
+
+    [[nodiscard]] const ICalendarProblems& problems() const { return lost; }
 
 private:
     /// Adds the definition of a zone that the system does not know: the inviting program's own.
@@ -132,6 +136,7 @@ private:
     ECalClient* client;
     GCancellable* cancellable;
     std::string text;
+    ICalendarProblems lost;
     std::set<std::string> zones;
 };
 
@@ -203,7 +208,11 @@ EdsReading readThrough(std::shared_ptr<const EdsConnection> connection, const Ed
     const auto calendar =
         readICalendar(text.finish(), {.floating = userZone().zone,
                                       .userAddresses = {addresses.begin(), addresses.end()}});
-    reading.events = occurrencesOf(calendar, request.start, request.end).events;
+    auto found = occurrencesOf(calendar, request.start, request.end);
+    found.problems.add(calendar.problems);
+    found.problems.add(text.problems());
+    reading.losses = lossesOf(found.problems);
+    reading.events = std::move(found.events);
     for (auto& event : reading.events)
         event.calendarName = request.calendar.name;
     if (connection->view)

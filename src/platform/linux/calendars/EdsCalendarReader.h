@@ -36,6 +36,7 @@ struct EdsRequest {
 struct EdsReading {
     std::shared_ptr<const EdsConnection> connection; ///< null when it must not be used again
     std::vector<CalendarEvent> events;
+    std::string losses;                 ///< what of it was not understood; empty: nothing
     std::optional<std::string> failure; ///< why the calendar could not be read
 };
 

@@ -201,6 +201,8 @@ void EdsCalendarStore::complete(const FetchPtr& fetch) {
         auto& reading = fetch->readings[i];
         if (reading.failure)
             window.failed.push_back({fetch->calendars[i].name, std::move(*reading.failure)});
+        else if (!reading.losses.empty())
+            window.failed.push_back({fetch->calendars[i].name, std::move(reading.losses)});
         std::move(reading.events.begin(), reading.events.end(), std::back_inserter(window.events));
     }
     if (fetch->found == Service::failed) {

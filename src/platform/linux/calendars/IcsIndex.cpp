@@ -1,22 +1,11 @@
 #include "platform/linux/calendars/IcsIndex.h"
 
-#include <fmt/format.h>
-
 #include <algorithm>
 
 namespace quorva {
 namespace {
 
 constexpr std::int64_t stepsOfUpdate = 50'000'000; // seconds of computing, whatever the files say
-
-std::string lossesOf(const ICalendarProblems& problems) {
-    std::string reason;
-    for (const auto& problem : problems.all())
-        if (problem.isLoss)
-            reason +=
-                fmt::format("{}{} ({})", reason.empty() ? "" : "; ", problem.reason, problem.count);
-    return reason;
-}
 
 } // namespace
 

@@ -4,6 +4,8 @@
 #include "platform/linux/icalendar/ICalendarObjectEvents.h"
 #include "platform/linux/icalendar/ICalendarObjectZones.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 
 namespace quorva {
@@ -157,6 +159,15 @@ private:
 };
 
 } // namespace
+
+std::string lossesOf(const ICalendarProblems& problems) {
+    std::string reason;
+    for (const auto& problem : problems.all())
+        if (problem.isLoss)
+            reason +=
+                fmt::format("{}{} ({})", reason.empty() ? "" : "; ", problem.reason, problem.count);
+    return reason;
+}
 
 ICalendar readICalendar(std::string_view bytes, const ICalendarReading& reading) {
     return FileReader(reading).read(bytes);

@@ -39,6 +39,9 @@ struct ICalendarReading {
 /// time, because its zones cache.
 [[nodiscard]] ICalendar readICalendar(std::string_view bytes, const ICalendarReading& reading);
 
+/// One line that names the losses and how often each occurred. Empty without any.
+[[nodiscard]] std::string lossesOf(const ICalendarProblems& problems);
+
 /// Occurrences that overlap a period, and what was given up on while finding them. The events name
 /// no calendar.
 struct Occurrences {

@@ -75,6 +75,44 @@ TEST_F(EdsCalendarStoreTest, expandsSeriesWithMovedAndDeletedOccurrences) {
     EXPECT_THAT(starts, ElementsAre(first, first + 3h, first + 50h, first + 96h));
 }
 
+TEST_F(EdsCalendarStoreTest, saysWhatItCouldNotUnderstandAndSearchesTheRest) {
+    const std::string otter = "ATTENDEE:mailto:notetaker@otter.ai\r\n";
+    std::string crowd;
+    for (int i = 0; i <= 10'000; ++i)
+        crowd += fmt::format("ATTENDEE:mailto:{}@example.com\r\n", i);
+    std::string days = "1";
+    for (int i = 2; i <= 366; ++i)
+        days += fmt::format(",{}", i);
+    const struct {
+        std::string event;
+        const char* loss;
+        std::size_t events;
+    } table[] = {
+        {vevent("crowd", now + 1h, otter + crowd), "too many attendees", 1},
+        {vevent("minutely", now - 48h, "RRULE:FREQ=MINUTELY\r\n" + otter), "too many occurrences",
+         1000},
+        {vevent("long", now - 48h,
+                "RRULE:FREQ=YEARLY;BYYEARDAY=" + days + ";BYSETPOS=" + days + "\r\n" + otter),
+         "recurrence rule not understood", 0},
+        {vevent("plain", now + 1h, otter), nullptr, 1},
+    };
+    for (const auto& [event, loss, events] : table) {
+        CalendarWriter writer;
+        ASSERT_TRUE(writer.put(event));
+        const auto window = fetch();
+        EXPECT_EQ(window.events.size(), events) << event.substr(0, 90);
+        for (const auto& found : window.events)
+            EXPECT_EQ(found.attendees.at(0).url, "mailto:notetaker@otter.ai");
+        if (loss)
+            EXPECT_THAT(window.failed, ElementsAre(FieldsAre("Personal", testing::HasSubstr(loss))))
+                << event.substr(0, 90);
+        else
+            EXPECT_THAT(window.failed, IsEmpty());
+        const auto uid = event.substr(event.find("UID:") + 4);
+        ASSERT_TRUE(writer.remove(uid.substr(0, uid.find('\r')).c_str()));
+    }
+}
+
 TEST_F(EdsCalendarStoreTest, readsEachClockAsItsOwn) {
     ::setenv("TZ", "Asia/Tokyo", 1);
     const auto event = [](const char* uid, const char* times) {
