@@ -51,13 +51,6 @@ std::string detectionKey(const CalendarBotDetection& detection) {
     return detection.signatureId + "|" + detection.eventIdentifier;
 }
 
-std::set<std::string> detectionKeys(const std::vector<CalendarBotDetection>& detections) {
-    std::set<std::string> keys;
-    for (const auto& detection : detections)
-        keys.insert(detectionKey(detection));
-    return keys;
-}
-
 CalendarBotDetection asProduct(CalendarBotDetection detection, const CalendarBotMatch& match) {
     detection.id = match.signature.id + "-" + detection.eventIdentifier;
     detection.signatureId = match.signature.id;
@@ -82,10 +75,10 @@ bool allowsMonitoring(CalendarAuthorization status) {
            status == CalendarAuthorization::restricted;
 }
 
-bool names(const std::vector<FailedCalendar>& calendars, const std::string& name) {
-    return std::any_of(calendars.begin(), calendars.end(), [&](const FailedCalendar& calendar) {
-        return calendar.calendarName == name;
-    });
+/// Whether one of these calendars satisfies the condition.
+template <typename Condition>
+bool anyOf(const std::vector<FailedCalendar>& calendars, Condition condition) {
+    return std::any_of(calendars.begin(), calendars.end(), condition);
 }
 
 } // namespace
@@ -213,8 +206,10 @@ void CalendarMonitor::outlast(Time now) {
 }
 
 void CalendarMonitor::complete(const CalendarWindow& window, Time now) {
-    auto fresh = withoutDismissed(findBots(window.events, now));
-    keepFailed(fresh, window.failed, now);
+    Origins freshOrigins;
+    auto fresh = withoutDismissed(findBots(window.events, now, freshOrigins));
+    keepFailed(fresh, freshOrigins, window.failed, now);
+    origins = std::move(freshOrigins);
     const Detections old = *calendarDetections; // a callback may dismiss one
     announce(fresh, old);
     forEachMissing<CalendarBotDetection>(old, fresh, detectionKey, onBotDisappeared);
@@ -232,7 +227,7 @@ void CalendarMonitor::complete(const CalendarWindow& window, Time now) {
 }
 
 CalendarMonitor::Detections CalendarMonitor::findBots(const std::vector<CalendarEvent>& events,
-                                                      Time now) const {
+                                                      Time now, Origins& places) const {
     Detections found;
     for (const auto& event : events) {
         if (event.isAllDay || event.end < now)
@@ -240,8 +235,11 @@ CalendarMonitor::Detections CalendarMonitor::findBots(const std::vector<Calendar
         for (const auto& attendee : event.attendees) {
             if (attendee.isCurrentUser || attendee.status == ParticipantStatus::declined)
                 continue;
-            if (auto detection = makeDetection(attendee, event))
-                found.push_back(std::move(*detection));
+            auto detection = makeDetection(attendee, event);
+            if (!detection)
+                continue;
+            places.emplace(detectionKey(*detection), event.calendarIdentifier);
+            found.push_back(std::move(*detection));
         }
     }
     return found;
@@ -290,13 +288,18 @@ CalendarMonitor::Detections CalendarMonitor::withoutDismissed(Detections found) 
 
 /// Adds what was found before in a calendar that could not be read this time: its events may well
 /// be as they were.
-void CalendarMonitor::keepFailed(Detections& fresh, const std::vector<FailedCalendar>& failed,
-                                 Time now) const {
-    const auto newKeys = detectionKeys(fresh);
-    for (const auto& old : *calendarDetections)
-        if (old.eventEndDate >= now && names(failed, old.calendarName) &&
-            !newKeys.contains(detectionKey(old)))
+void CalendarMonitor::keepFailed(Detections& fresh, Origins& places,
+                                 const std::vector<FailedCalendar>& failed, Time now) const {
+    for (const auto& old : *calendarDetections) {
+        const auto key = detectionKey(old);
+        const auto known = origins.find(key);
+        const bool hasFailed =
+            known != origins.end() && anyOf(failed, [&](const FailedCalendar& calendar) {
+                return calendar.covers(known->second);
+            });
+        if (hasFailed && old.eventEndDate >= now && places.emplace(*known).second)
             fresh.push_back(old);
+    }
 }
 
 /// What was announced in an earlier run, or before it was gone for a while, is not announced again.
@@ -311,7 +314,10 @@ void CalendarMonitor::announce(const Detections& fresh, const Detections& old) {
 /// Publishes which calendars could not be read, and logs each when it begins to fail.
 void CalendarMonitor::reportFailed(const std::vector<FailedCalendar>& failed) {
     for (const auto& calendar : failed)
-        if (!names(*failedCalendars, calendar.calendarName))
+        if (!anyOf(*failedCalendars, [&](const FailedCalendar& known) {
+                return known.identifier == calendar.identifier &&
+                       known.calendarName == calendar.calendarName;
+            }))
             log.error(fmt::format("The calendar \"{}\" can't be read: {}",
                                   printable(calendar.calendarName), printable(calendar.reason)),
                       logCategory::calendar);

@@ -14,6 +14,7 @@
 #include "platform/Sha256.h"
 
 #include <functional>
+#include <map>
 #include <optional>
 #include <set>
 #include <string>
@@ -91,16 +92,19 @@ public:
 private:
     using KeySet = std::set<std::string>;
     using Detections = std::vector<CalendarBotDetection>;
+    using Origins = std::map<std::string, std::string>; ///< identifiers of calendars, by key
 
     bool checkAccess();
     void outlast(Time now);
     void noteChange();
     void complete(const CalendarWindow& window, Time now);
-    [[nodiscard]] Detections findBots(const std::vector<CalendarEvent>& events, Time now) const;
+    [[nodiscard]] Detections findBots(const std::vector<CalendarEvent>& events, Time now,
+                                      Origins& places) const;
     [[nodiscard]] std::optional<CalendarBotDetection>
     makeDetection(const CalendarParticipant& attendee, const CalendarEvent& event) const;
     [[nodiscard]] Detections withoutDismissed(Detections found) const;
-    void keepFailed(Detections& fresh, const std::vector<FailedCalendar>& failed, Time now) const;
+    void keepFailed(Detections& fresh, Origins& places, const std::vector<FailedCalendar>& failed,
+                    Time now) const;
     void announce(const Detections& fresh, const Detections& old);
     void reportFailed(const std::vector<FailedCalendar>& failed);
     [[nodiscard]] std::string hashedDetectionKey(const CalendarBotDetection& detection) const;
@@ -123,6 +127,7 @@ private:
     Timer deferredScan; ///< for changes too soon after a scan
     Subscription storeChangedObserver;
     std::optional<Time> lastScanTime; ///< when the last scan began; nothing: long ago
+    Origins origins;                  ///< of what is listed
     KeySet alertedDetections;         ///< hashed keys, which tell nothing of the events
     KeySet dismissedDetections;
 

@@ -44,6 +44,7 @@ struct CalendarEvent {
     bool isAllDay = false;
     std::vector<CalendarParticipant> attendees;
     std::string calendarName;
+    std::string calendarIdentifier; ///< stable; tells calendars of one name apart; ends in "/"
 
     bool operator==(const CalendarEvent&) const = default;
 };
@@ -73,7 +74,12 @@ struct CalendarSource {
 struct FailedCalendar {
     std::string calendarName;
     std::string reason; ///< for the log and for people
+    /// Stands for every calendar whose identifier begins with it; empty: none that is known.
+    std::string identifier;
 
+    [[nodiscard]] bool covers(const std::string& calendarIdentifier) const {
+        return !identifier.empty() && calendarIdentifier.starts_with(identifier);
+    }
     bool operator==(const FailedCalendar&) const = default;
 };
 

@@ -210,8 +210,8 @@ std::string InvitationSource::detail() const {
     if (failed.empty())
         return fmt::format("looked at the next 24 hours; calendars: {}", count);
     auto detail = fmt::format("calendars that can't be read: {} of {}", failed.size(), count);
-    for (const auto& [name, reason] : failed)
-        detail += fmt::format("; {}: {}", name, reason);
+    for (const auto& calendar : failed)
+        detail += fmt::format("; {}: {}", calendar.calendarName, calendar.reason);
     return detail;
 }
 

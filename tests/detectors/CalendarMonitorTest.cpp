@@ -245,7 +245,8 @@ TEST_F(CalendarMonitorTest, doesNotTakeAFailedCalendarForAnEmptyOne) {
     loop.advance(10min);
     EXPECT_THAT(announced(), ElementsAre("-otter-cal-E2"));
     EXPECT_THAT(listed(), ElementsAre("otter-cal-E1"));
-    EXPECT_THAT(*monitor->failedCalendars, ElementsAre(FailedCalendar{"Work", "no answer"}));
+    EXPECT_THAT(*monitor->failedCalendars,
+                ElementsAre(FailedCalendar{"Work", "no answer", "Work/"}));
     loop.advance(80min);
     EXPECT_THAT(listed(), ElementsAre("otter-cal-E1"));
     EXPECT_EQ(log.count("\"Work\" can't be read: no answer"), 1U);
@@ -258,6 +259,30 @@ TEST_F(CalendarMonitorTest, doesNotTakeAFailedCalendarForAnEmptyOne) {
     store.failed = {{"Work", "no answer"}};
     loop.advance(5min);
     EXPECT_EQ(log.messages.size(), 2U); // it fails anew
+}
+
+TEST_F(CalendarMonitorTest, tellsCalendarsOfOneNameApart) {
+    store.events = {event("E1", 1h, {otter}), event("E2", 2h, {otter})};
+    store.events[0].calendarIdentifier = "service/a/";
+    store.events[1].calendarIdentifier = "service/b/";
+    const auto all = store.events;
+    monitor->startMonitoring();
+    announced();
+    store.events.clear();
+    store.failed = {{"Work", "no answer", "service/a/"}};
+    loop.advance(5min);
+    EXPECT_THAT(announced(), ElementsAre("-otter-cal-E2"));
+    EXPECT_THAT(listed(), ElementsAre("otter-cal-E1"));
+    store.failed.push_back({"Work", "no answer", "service/b/"});
+    loop.advance(5min);
+    EXPECT_EQ(log.count("\"Work\" can't be read"), 2U);
+
+    store.failed.clear();
+    store.events = all;
+    loop.advance(5min);
+    store.failed = {{"the service", "no answer", "service/"}}; // which is to say, all of it
+    loop.advance(5min);
+    EXPECT_THAT(listed(), ElementsAre("otter-cal-E1", "otter-cal-E2"));
 }
 
 TEST_F(CalendarMonitorTest, worksWithFullAccessOnly) {

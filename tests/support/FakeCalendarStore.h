@@ -60,11 +60,18 @@ private:
 
     [[nodiscard]] CalendarWindow window(Time start, Time end) const {
         CalendarWindow window{.events = events, .failed = failed, .calendars = calendars};
+        // Without an identifier, a calendar is known by its name.
+        for (auto& event : window.events)
+            if (event.calendarIdentifier.empty())
+                event.calendarIdentifier = event.calendarName + "/";
+        for (auto& calendar : window.failed)
+            if (calendar.identifier.empty())
+                calendar.identifier = calendar.calendarName + "/";
         std::erase_if(window.events, [&](const CalendarEvent& event) {
-            const bool hasFailed =
-                std::any_of(failed.begin(), failed.end(), [&](const FailedCalendar& calendar) {
-                    return calendar.calendarName == event.calendarName;
-                });
+            const bool hasFailed = std::any_of(window.failed.begin(), window.failed.end(),
+                                               [&](const FailedCalendar& calendar) {
+                                                   return calendar.covers(event.calendarIdentifier);
+                                               });
             return hasFailed || !overlaps(event.start, event.end, start, end);
         });
         std::stable_sort(window.events.begin(), window.events.end(),

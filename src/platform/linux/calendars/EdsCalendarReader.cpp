@@ -213,8 +213,10 @@ EdsReading readThrough(std::shared_ptr<const EdsConnection> connection, const Ed
     found.problems.add(text.problems());
     reading.losses = lossesOf(found.problems);
     reading.events = std::move(found.events);
-    for (auto& event : reading.events)
+    for (auto& event : reading.events) {
         event.calendarName = request.calendar.name;
+        event.calendarIdentifier = request.calendar.identifier;
+    }
     if (connection->view)
         reading.connection = std::move(connection);
     return reading;

@@ -199,16 +199,17 @@ void EdsCalendarStore::complete(const FetchPtr& fetch) {
     CalendarWindow window{.calendars = fetch->calendars.size()};
     for (std::size_t i = 0; i < fetch->calendars.size(); ++i) {
         auto& reading = fetch->readings[i];
+        const auto& [identifier, name, addresses, source] = fetch->calendars[i];
         if (reading.failure)
-            window.failed.push_back({fetch->calendars[i].name, std::move(*reading.failure)});
+            window.failed.push_back({name, std::move(*reading.failure), identifier});
         else if (!reading.losses.empty())
-            window.failed.push_back({fetch->calendars[i].name, std::move(reading.losses)});
+            window.failed.push_back({name, std::move(reading.losses), identifier});
         std::move(reading.events.begin(), reading.events.end(), std::back_inserter(window.events));
     }
     if (fetch->found == Service::failed) {
         const auto problem = registry.problem().empty() ? noAnswer : registry.problem();
         noteService(problem);
-        window.failed.push_back({serviceName, problem});
+        window.failed.push_back({serviceName, problem, edsIdentifier});
         ++window.calendars;
     }
     std::stable_sort(window.events.begin(), window.events.end(),

@@ -171,7 +171,7 @@ EdsSources readEdsSources(ESourceRegistry& registry) {
         if (auto* const collection = collectionOf(account))
             addAddress(own, textOf(e_source_collection_dup_identity(collection)));
         sources.calendars.push_back({
-            .identifier = textOf(e_source_dup_uid(source.get())),
+            .identifier = edsIdentifier + textOf(e_source_dup_uid(source.get())) + "/",
             .name = textOf(e_source_dup_display_name(source.get())),
             .ownAddresses = std::move(own),
             .source = {E_SOURCE(g_object_ref(source.get())), g_object_unref},

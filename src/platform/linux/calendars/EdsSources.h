@@ -16,6 +16,9 @@ struct _ESourceRegistry;
 
 namespace quorva {
 
+/// Begins the identifiers of all calendars of the service.
+inline constexpr const char* edsIdentifier = "service/";
+
 /// An enabled calendar of enabled accounts.
 struct EdsCalendar {
     std::string identifier;

@@ -98,9 +98,9 @@ void IcsFolderStore::handleTimeout(const std::weak_ptr<Request>& request) {
         return;
     CalendarWindow window;
     for (const auto& source : knownSources)
-        window.failed.push_back({source.title, "no answer within 10 seconds"});
+        window.failed.push_back({source.title, "no answer within 10 seconds", icsIdentifier});
     if (window.failed.empty())
-        window.failed.push_back({"calendar folders", "no answer within 10 seconds"});
+        window.failed.push_back({"calendar folders", "no answer within 10 seconds", icsIdentifier});
     window.calendars = window.failed.size();
     std::exchange(waiting->done, nullptr)(std::move(window));
 }

@@ -47,8 +47,15 @@ bool isFolder(int directory, const dirent& entry) {
 
 } // namespace
 
-std::string IcsFolder::calendarNameOf(const std::string& fileName) const {
-    return isOfFiles ? validName(std::filesystem::path(fileName).stem()) : name;
+IcsCalendar IcsFolder::calendar() const {
+    return {name, icsIdentifier + place.native() + "/"};
+}
+
+IcsCalendar IcsFolder::calendarOf(const std::string& fileName) const {
+    auto whole = calendar();
+    if (!isOfFiles)
+        return whole;
+    return {validName(std::filesystem::path(fileName).stem()), whole.identifier + fileName + "/"};
 }
 
 IcsFolderTree::IcsFolderTree(IcsPlaces places_, std::vector<std::string> userAddresses,
@@ -91,7 +98,7 @@ void IcsFolderTree::walk(const IcsHints& hints) {
 void IcsFolderTree::visit(const Path& path, int depth, Walk& walk) {
     if (depth > maxDepth || walk.seen.size() >= maxFolders || !walk.seen.insert(path).second)
         return;
-    auto& folder = all.try_emplace(path, IcsFolder{.path = path}).first->second;
+    auto& folder = all.try_emplace(path, IcsFolder{.place = path, .path = path}).first->second;
     const bool isHinted = walk.hints.changed.contains(path) || !walk.hints.watched.contains(path);
     folder.mustStatFiles = folder.mustStatFiles || isHinted;
 
@@ -104,7 +111,8 @@ void IcsFolderTree::visit(const Path& path, int depth, Walk& walk) {
             await(path);
         if (!folder.files.empty())
             ++currentRevision;
-        folder = {.path = path, .error = std::strerror(error), .name = path.filename()};
+        folder = {
+            .place = path, .path = path, .error = std::strerror(error), .name = path.filename()};
         return;
     }
     const auto stamp = stampOf(status);
@@ -152,7 +160,7 @@ void IcsFolderTree::visitFile(const Path& path, Walk& walk) {
     if (!walk.seen.insert(path).second)
         return;
     const auto parent = path.parent_path();
-    const auto [known, isNew] = all.try_emplace(path, IcsFolder{.path = parent});
+    const auto [known, isNew] = all.try_emplace(path, IcsFolder{.place = path, .path = parent});
     auto& folder = known->second;
     if (isNew) {
         folder.name = validName(path.stem());
@@ -185,7 +193,7 @@ std::vector<CalendarSource> IcsFolderTree::sources() const {
             add(folder.name);
         if (folder.isOfFiles)
             for (const auto& [name, file] : folder.files)
-                add(folder.calendarNameOf(name));
+                add(folder.calendarOf(name).name);
     }
     return sources;
 }

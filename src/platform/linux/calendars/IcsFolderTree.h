@@ -29,7 +29,17 @@ struct IcsHints {
     std::set<std::filesystem::path> watched; ///< folders whose every change is reported
 };
 
+/// A calendar of a folder, or several.
+struct IcsCalendar {
+    std::string name;
+    std::string identifier; ///< as CalendarEvent::calendarIdentifier
+};
+
+/// Begins the identifiers of all calendars in folders.
+inline constexpr const char* icsIdentifier = "folders/";
+
 struct IcsFolder {
+    std::filesystem::path place; ///< a file's, where it stands for a single file
     std::filesystem::path path;
     IcsStamp stamp;
     bool isSettled = false;           ///< a change of the folder would alter its stamp
@@ -49,8 +59,10 @@ struct IcsFolder {
     [[nodiscard]] std::optional<std::string> failure() const {
         return isRequired ? error : std::nullopt;
     }
-    /// The name of the calendar that the events of one of its files belong to.
-    [[nodiscard]] std::string calendarNameOf(const std::string& fileName) const;
+    /// The calendar that the events of one of its files belong to.
+    [[nodiscard]] IcsCalendar calendarOf(const std::string& fileName) const;
+    /// Itself, and what is below it.
+    [[nodiscard]] IcsCalendar calendar() const;
 };
 
 /// Not for the main thread: waits for the disk. One thread at a time, but for `reads`.

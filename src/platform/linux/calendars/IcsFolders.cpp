@@ -29,7 +29,7 @@ void IcsFolders::countCalendars(CalendarWindow& window) const {
     for (const auto& [path, folder] : tree.folders()) {
         const auto failure = folder.failure();
         if (failure)
-            window.failed.push_back({folder.name, *failure});
+            window.failed.push_back({folder.name, *failure, folder.calendar().identifier});
         if (folder.isOfFiles && !failure)
             window.calendars += folder.files.size();
         else if (failure || folder.isCalendar())

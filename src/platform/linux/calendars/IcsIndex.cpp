@@ -38,7 +38,7 @@ void IcsIndex::rebuild(const IcsFolderTree::Folders& folders) {
             if (isKnown)
                 present.insert(contents.extract(file.calendar()));
             auto& content = present[file.calendar()];
-            content.calendarName = folder.calendarNameOf(name);
+            content.calendar = folder.calendarOf(name);
             if (!isKnown)
                 unknown.emplace_back(file.calendar().get(), &content);
         }
@@ -64,7 +64,7 @@ void IcsIndex::fill(const std::vector<std::pair<const ICalendar*, Content*>>& un
             const auto span = spanOf(series);
             if (span.start < covered.end && span.end >= covered.start)
                 jobs.push_back(
-                    {content, {Time::max(), Time::min(), &series, &content->calendarName}, {}});
+                    {content, {Time::max(), Time::min(), &series, &content->calendar}, {}});
         }
     shareSteps(jobs.size(), stepsOfUpdate, [&](std::size_t index, ExpansionBudget& budget) {
         if (isAbandoned)
@@ -102,17 +102,18 @@ void IcsIndex::collect(Time start, Time end, CalendarWindow& window) const {
     window.failed = failures;
     auto found = occurrencesOfEach(series, start, end);
     for (std::size_t i = 0; i < found.size(); ++i) {
-        const auto& name = *near[i]->calendarName;
+        const auto& calendar = *near[i]->calendar;
         for (auto& event : found[i].events) {
-            event.calendarName = name;
+            event.calendarName = calendar.name;
+            event.calendarIdentifier = calendar.identifier;
             window.events.push_back(std::move(event));
         }
         const auto reason = lossesOf(found[i].problems);
         const bool isNamed =
             std::any_of(window.failed.begin(), window.failed.end(),
-                        [&](const auto& each) { return each.calendarName == name; });
+                        [&](const auto& each) { return each.identifier == calendar.identifier; });
         if (!reason.empty() && !isNamed)
-            window.failed.push_back({name, reason});
+            window.failed.push_back({calendar.name, reason, calendar.identifier});
     }
     std::stable_sort(window.events.begin(), window.events.end(),
                      [](const auto& a, const auto& b) { return a.start < b.start; });
@@ -122,9 +123,16 @@ void IcsIndex::collect(Time start, Time end, CalendarWindow& window) const {
 void IcsIndex::findFailures(const IcsFolderTree::Folders& folders) {
     failures.clear();
     for (const auto& [path, folder] : folders) {
-        std::map<std::string, ICalendarProblems> problemsOf;
+        struct Calendar {
+            std::string name;
+            ICalendarProblems problems;
+        };
+        std::map<std::string, Calendar> calendars; // by identifier
         for (const auto& [name, file] : folder.files) {
-            auto& problems = problemsOf[folder.calendarNameOf(name)];
+            auto calendar = folder.calendarOf(name);
+            auto& known = calendars[calendar.identifier];
+            known.name = std::move(calendar.name);
+            auto& problems = known.problems;
             if (file.failure())
                 problems.addLoss("file: " + *file.failure());
             else if (file.calendar())
@@ -132,9 +140,9 @@ void IcsIndex::findFailures(const IcsFolderTree::Folders& folders) {
             if (const auto content = contents.find(file.calendar()); content != contents.end())
                 problems.add(content->second.problems);
         }
-        for (const auto& [name, problems] : problemsOf)
-            if (const auto reason = lossesOf(problems); !reason.empty())
-                failures.push_back({name, reason});
+        for (const auto& [identifier, calendar] : calendars)
+            if (const auto reason = lossesOf(calendar.problems); !reason.empty())
+                failures.push_back({calendar.name, reason, identifier});
     }
 }
 

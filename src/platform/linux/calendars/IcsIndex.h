@@ -31,11 +31,11 @@ private:
         Time start; ///< of its first occurrence there
         Time end;   ///< of its last
         const ICalendarSeries* series;
-        const std::string* calendarName;
+        const IcsCalendar* calendar;
     };
     /// What a parsed file has in the covered period.
     struct Content {
-        std::string calendarName;
+        IcsCalendar calendar;
         std::vector<Entry> entries;
         ICalendarProblems problems;
     };

@@ -176,6 +176,21 @@ TEST_F(IcsFolderStoreTest, reportsWhatCannotBeRead) {
     EXPECT_EQ(window.calendars, 5U);
 }
 
+TEST_F(IcsFolderStoreTest, tellsCalendarsOfOneNameApart) {
+    for (const auto* const place : {"calendars/one/work", "calendars/two/work"})
+        writeOld(std::string(place) + "/a.ics", event(place));
+    open();
+    const auto events = fetch().events;
+    ASSERT_EQ(events.size(), 2U);
+    writeOld("calendars/two/work/a.ics", "<html>");
+    ASSERT_TRUE(wait([&] { return !fetch().failed.empty(); }));
+    const auto failed = fetch().failed;
+    ASSERT_EQ(failed.size(), 1U);
+    for (const auto& found : events)
+        EXPECT_EQ(failed[0].covers(found.calendarIdentifier),
+                  found.eventIdentifier == "calendars/two/work");
+}
+
 TEST_F(IcsFolderStoreTest, doesNotAnswerOnceItHasGone) {
     for (int i = 0; i < 200; ++i)
         writeOld("calendars/work/" + std::to_string(i) + ".ics", event(std::to_string(i)));
