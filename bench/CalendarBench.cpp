@@ -55,7 +55,7 @@ private:
     }
 
     TemporaryFolder folder;
-    IcsFolders folders{{.root = folder.path / "calendars"}, {}};
+    IcsFolders folders{{.root = folder.path / "calendars"}};
     IcsFolders::Hints hints;
 };
 

@@ -46,8 +46,8 @@ CalendarConsent consentOf(const ScanOptions& options) {
 /// The services of this computer, as one look or a watch needs them.
 struct LinuxServices {
     explicit LinuxServices(const ScanOptions& options)
-        : calendars(loop, log, findCalendarPlaces(LinuxWholeFile(JsonPreferences::standardPath())),
-                    consentOf(options)) {}
+        : calendars(loop, log, places, consentOf(options),
+                    [own = places.ownAddresses] { return own; }) {}
 
     GLibMainLoop loop;
     JournalLog journal;
@@ -56,6 +56,8 @@ struct LinuxServices {
     LinuxProcessTable processTable{loop, log};
     DesktopEntries entries{loop, log, DesktopEntries::standardPlaces()};
     LinuxApplications applications{loop, processTable, entries, ApplicationScopes()};
+    const CalendarPlaces places =
+        findCalendarPlaces(LinuxWholeFile(JsonPreferences::standardPath()));
     LinuxCalendarStore calendars;
     AtspiAccessibilityTree accessibility;
     Platform platform{loop,      log,           processTable, applications,

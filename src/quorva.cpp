@@ -6,6 +6,7 @@
 #include "core/CalendarConsentDialog.h"
 #include "core/Updates.h"
 #include "log/ProgramLog.h"
+#include "platform/PreferenceKeys.h"
 #include "platform/linux/accessibility/AtspiAccessibilityTree.h"
 #include "platform/linux/calendars/LinuxCalendarStore.h"
 #include "platform/linux/desktop/ApplicationInstance.h"
@@ -95,7 +96,8 @@ struct LinuxServices {
     DesktopEntries entries{loop, logs.log, DesktopEntries::standardPlaces()};
     LinuxApplications applications{loop, processTable, entries, ApplicationScopes()};
     LinuxCalendarStore calendars{loop, logs.log, findCalendarPlaces(preferencesFile),
-                                 consentOf(consent)};
+                                 consentOf(consent),
+                                 [this] { return read(preferences, preferenceKeys::myAddresses); }};
     AtspiAccessibilityTree accessibility;
     Platform platform{loop,      logs.log,      processTable, applications,
                       calendars, accessibility, openSslSha256};

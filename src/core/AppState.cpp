@@ -122,6 +122,12 @@ void AppState::toggleParticipantMonitor() {
     filterFindings();
 }
 
+void AppState::setMyAddresses(std::vector<std::string> addresses) {
+    settings.setMyAddresses(std::move(addresses));
+    if (sources.calendar.isOn())
+        sources.calendar.refresh();
+}
+
 void AppState::saveSettings() {
     settings.save();
 }

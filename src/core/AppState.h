@@ -90,6 +90,9 @@ public:
     void toggleCalendarMonitor();
     void toggleParticipantMonitor();
 
+    /// Stores the user's own mail addresses, and looks at the calendars with them.
+    void setMyAddresses(std::vector<std::string> addresses);
+
     /// Stores the settings and registers or unregisters the login item.
     void saveSettings();
 

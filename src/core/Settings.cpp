@@ -32,6 +32,7 @@ void Settings::load() {
     for (const auto& [key, field] : switches)
         this->*field = read(preferences, key);
 
+    myAddresses = read(preferences, keys::myAddresses);
     const auto interval = read(preferences, keys::stampIntervalSeconds);
     stampIntervalSeconds = interval == 0 ? keys::stampIntervalSeconds.byDefault : interval;
     const auto volume = read(preferences, keys::stampVolume);
@@ -44,6 +45,11 @@ void Settings::load() {
 
     for (const auto key : keys::removed)
         preferences.remove(key);
+}
+
+void Settings::setMyAddresses(std::vector<std::string> addresses) {
+    preferences.set(keys::myAddresses.name, addresses);
+    myAddresses = std::move(addresses);
 }
 
 void Settings::set(Published<bool, Settings> Settings::*setting, bool isOn) {

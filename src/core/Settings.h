@@ -9,7 +9,9 @@
 
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <string_view>
+#include <vector>
 
 namespace quorva {
 
@@ -28,6 +30,12 @@ public:
     Published<bool, Settings> autoStartMonitoring{true};
     Published<bool, Settings> calendarMonitorEnabled{true};
     Published<bool, Settings> participantMonitorEnabled{true};
+
+    /// The user's own mail addresses, besides those that the calendar service knows.
+    Published<std::vector<std::string>, Settings> myAddresses;
+
+    /// Changes and stores them.
+    void setMyAddresses(std::vector<std::string> addresses);
 
     /// Changes a setting and stores all of them. Nothing when it is so already.
     void set(Published<bool, Settings> Settings::*setting, bool isOn);

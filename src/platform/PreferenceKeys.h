@@ -24,6 +24,8 @@ inline constexpr PreferenceKey<bool> participantMonitorEnabled{"participantMonit
 inline constexpr PreferenceKey<bool> checksForUpdates{"checksForUpdatesAutomatically", false};
 /// Paths of folders with .ics files, besides the usual one. Edited by hand.
 inline constexpr PreferenceKey<std::vector<std::string>> calendarFolders{"calendarFolders"};
+/// The user's own mail addresses, besides those that the calendar service knows.
+inline constexpr PreferenceKey<std::vector<std::string>> myAddresses{"myAddresses"};
 /// Signature identifiers and display names of the allowed products.
 inline constexpr PreferenceKey<std::vector<std::string>> allowedBotIds{"allowedBotIds"};
 

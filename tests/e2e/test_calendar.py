@@ -59,6 +59,15 @@ def test_reads_the_folders_that_the_preferences_name(computer):
     assert found["signatureId"] == "fireflies-cal"
     assert "nowhere" in source["detail"]
 
+    put(elsewhere, "b.ics", invitation("Botond@firm.example"))
+    _, _, found = look(computer, "--source", "calendar")
+    assert len(found) == 2
+    preferences.write_text(preferences.read_text().replace(
+        '"/nowhere"]', '"/nowhere"], "myAddresses": ["botond@firm.example"]'))
+    _, _, [found] = look(computer, "--source", "calendar")
+    assert found["signatureId"] == "fireflies-cal"
+
+    (elsewhere / "b.ics").unlink()
     preferences.write_text('{"version": 1, "pref')
     (elsewhere / "a.ics").unlink()
     status, source, _ = look(computer, "--source", "calendar")

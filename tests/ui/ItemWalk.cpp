@@ -78,7 +78,8 @@ std::vector<std::string> textsOf(const QQuickWindow& window) {
 std::vector<QQuickItem*> controlsOf(const QQuickWindow& window) {
     std::vector<QQuickItem*> controls;
     walk(window.contentItem(), [&](QQuickItem* item) {
-        if (item->inherits("QQuickAbstractButton") || item->inherits("QQuickComboBox"))
+        if (item->inherits("QQuickAbstractButton") || item->inherits("QQuickComboBox") ||
+            item->inherits("QQuickTextInput"))
             controls.push_back(item);
     });
     return controls;

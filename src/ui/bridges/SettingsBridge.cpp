@@ -7,14 +7,22 @@
 
 #include <QClipboard>
 #include <QGuiApplication>
+#include <QRegularExpression>
 
 namespace quorva {
+namespace {
+
+constexpr qsizetype longestAddress = 254; // of RFC 5321
+constexpr std::size_t mostAddresses = 50;
+
+} // namespace
 
 SettingsBridge::SettingsBridge(AppState& state_, Updates& updates_, MainLoop& loop)
     : state(state_), updates(updates_), evidenceExport(loop), watch(loop, [this] { update(); }) {
     auto& settings = state.settings;
     watch.follow(settings.launchAtLogin, settings.showNotifications, settings.autoStartMonitoring,
-                 settings.calendarMonitorEnabled, settings.participantMonitorEnabled);
+                 settings.calendarMonitorEnabled, settings.participantMonitorEnabled,
+                 settings.myAddresses);
     watch.follow(updates.checksAutomatically, updates.isChecking, updates.answer);
     watch.follow(state.isMonitoring, state.sources.meeting.monitor.activeMeetingPlatform,
                  state.limitations.all, state.allowList.allowedBotIds);
@@ -50,6 +58,32 @@ QString SettingsBridge::updateText() const {
 void SettingsBridge::setCalendarEnabled(bool isOn) {
     if (calendarEnabled() != isOn)
         state.toggleCalendarMonitor();
+}
+
+QString SettingsBridge::myAddresses() const {
+    QStringList addresses;
+    for (const auto& address : state.settings.myAddresses.get())
+        addresses.push_back(foreign(address));
+    return addresses.join(", ");
+}
+
+void SettingsBridge::setMyAddresses(const QString& typed) {
+    static const QRegularExpression separators("[,;\\s]+");
+    static const QRegularExpression address("^[^@<>\"]+@[^@<>\"]+$");
+    std::vector<std::string> addresses;
+    wrongAddress.clear();
+    for (const auto& part : typed.split(separators, Qt::SkipEmptyParts)) {
+        if (part.size() > longestAddress || !address.match(part).hasMatch()) {
+            wrongAddress = foreign(utf8(part.left(longestAddress))) + " is not an e-mail address.";
+            break;
+        }
+        addresses.push_back(utf8(part));
+    }
+    if (addresses.size() > mostAddresses)
+        wrongAddress = QString("More than %1 addresses cannot be kept.").arg(mostAddresses);
+    if (wrongAddress.isEmpty() && addresses != state.settings.myAddresses.get())
+        state.setMyAddresses(std::move(addresses));
+    emit changed(); // at once: the field keeps what was typed if something is wrong with it
 }
 
 void SettingsBridge::setParticipantEnabled(bool isOn) {

@@ -29,6 +29,8 @@ class SettingsBridge final : public QObject {
     Q_PROPERTY(
         bool participantEnabled READ participantEnabled WRITE setParticipantEnabled NOTIFY changed)
     Q_PROPERTY(bool hasCalendarAccess READ hasCalendarAccess NOTIFY changed)
+    Q_PROPERTY(QString myAddresses READ myAddresses WRITE setMyAddresses NOTIFY changed)
+    Q_PROPERTY(QString addressesHelp READ addressesHelp NOTIFY changed)
     Q_PROPERTY(bool needsCalendarAccount READ needsCalendarAccount NOTIFY changed)
     Q_PROPERTY(bool hasAccessibility READ hasAccessibility NOTIFY changed)
     Q_PROPERTY(QString activeMeeting READ activeMeeting NOTIFY changed)
@@ -69,6 +71,11 @@ public:
     }
     void setParticipantEnabled(bool isOn);
     [[nodiscard]] bool hasCalendarAccess() const { return state.permissions.hasCalendarAccess(); }
+    [[nodiscard]] QString myAddresses() const; ///< with commas between them
+    /// Takes addresses with commas, semicolons or blanks between them. If one of them is none,
+    /// nothing changes, and `addressesHelp` says so.
+    void setMyAddresses(const QString& addresses);
+    [[nodiscard]] QString addressesHelp() const { return wrongAddress; }
     [[nodiscard]] bool needsCalendarAccount() const {
         return state.permissions.needsCalendarAccountSetup();
     }
@@ -117,9 +124,10 @@ private:
     RowModel evidenceRows;
     EvidenceExport evidenceExport;
     PaneHelp help;
-    QString noBrowser; ///< why the website could not be opened
-    QString exported;  ///< outcome of copying or exporting
-    ChangeWatch watch; // last: follows the fields above
+    QString wrongAddress; ///< what is wrong with the addresses that were typed
+    QString noBrowser;    ///< why the website could not be opened
+    QString exported;     ///< outcome of copying or exporting
+    ChangeWatch watch;    // last: follows the fields above
 };
 
 } // namespace quorva

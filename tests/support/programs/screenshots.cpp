@@ -292,6 +292,15 @@ const std::vector<Scene> scenes{
          stage.state.allow("Fireflies.ai");
          openTab(stage, 1);
      }},
+    {"settings-detection-address", settings,
+     [](Stage& stage) {
+         stage.permit(true, true);
+         openTab(stage, 1);
+         auto* const bridge =
+             stage.ui.window(settings)->property("bridge").value<SettingsBridge*>();
+         bridge->setMyAddresses("ann@example.com, botond@firm.example");
+         bridge->setMyAddresses("botond");
+     }},
     {"settings-objection", settings,
      [](Stage& stage) {
          stage.showInMeeting("Otter.ai Notetaker");

@@ -196,6 +196,30 @@ TEST(SettingsBridge, everySettingIsStoredAtOnce) {
     EXPECT_TRUE(stage.updates.checksAutomatically);
 }
 
+TEST(SettingsBridge, theUsersOwnAddressesAreTakenTogetherOrNotAtAll) {
+    Stage stage;
+    SettingsBridge settings{stage.state, stage.updates, stage.computer.loop};
+    const auto stored = [&] {
+        return stage.computer.preferences.read<std::vector<std::string>>("myAddresses").value;
+    };
+    const auto fetches = stage.computer.calendars.fetches.size();
+    settings.setMyAddresses(" ann@example.com;Botond@firm.example , ");
+    EXPECT_EQ(stored(), (std::vector<std::string>{"ann@example.com", "Botond@firm.example"}));
+    EXPECT_EQ(settings.myAddresses(), "ann@example.com, Botond@firm.example");
+    EXPECT_EQ(settings.addressesHelp(), "");
+    EXPECT_EQ(stage.computer.calendars.fetches.size(), fetches + 1) << "they count at once";
+
+    settings.setMyAddresses("ann@example.com, bo");
+    EXPECT_EQ(settings.addressesHelp(), "bo is not an e-mail address.");
+    settings.setMyAddresses(QString("a@b,").repeated(51));
+    EXPECT_THAT(settings.addressesHelp().toStdString(), HasSubstr("50"));
+    EXPECT_EQ(stored()->size(), 2U);
+    EXPECT_EQ(AppState(stage.computer.services).settings.myAddresses->size(), 2U);
+    settings.setMyAddresses("");
+    EXPECT_EQ(settings.addressesHelp(), "");
+    EXPECT_EQ(stored(), std::vector<std::string>{});
+}
+
 TEST(SettingsBridge, theTemplateChosenIsTheOneUsed) {
     Stage stage;
     SettingsBridge settings{stage.state, stage.updates, stage.computer.loop};

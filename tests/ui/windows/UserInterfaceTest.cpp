@@ -234,6 +234,32 @@ TEST_F(UserInterfaceTest, aScreenReaderCanOperateWhatItIsToldOf) {
     EXPECT_EQ(stage.computer.systemSettings.addresses.size(), 1U);
 }
 
+TEST_F(UserInterfaceTest, whatIsTypedForAnAddressStaysUntilItIsRight) {
+    stage.ui.openSettings();
+    stage.settle();
+    auto& settings = *stage.ui.window("SettingsView");
+    press(settings, "Detection");
+    stage.settle();
+    auto* const field = controlNamed(settings, "Your e-mail addresses");
+    ASSERT_NE(field, nullptr);
+    settings.requestActivate();
+    field->forceActiveFocus();
+    const auto type = [&](const char* text) {
+        QTest::qWait(0);
+        for (const auto* key = text; *key; ++key)
+            QTest::keyClick(&settings, *key);
+        QTest::keyClick(&settings, Qt::Key_Return);
+        stage.settle();
+    };
+    type("bo");
+    EXPECT_EQ(field->property("text").toString(), "bo");
+    EXPECT_THAT(textsOf(settings), testing::Contains("bo is not an e-mail address."));
+    EXPECT_THAT(*stage.state.settings.myAddresses, testing::IsEmpty());
+    type("@firm.example;");
+    EXPECT_EQ(field->property("text").toString(), "bo@firm.example");
+    EXPECT_THAT(*stage.state.settings.myAddresses, testing::ElementsAre("bo@firm.example"));
+}
+
 TEST_F(UserInterfaceTest, theKeyboardGoesThroughThePopoverAsItIsRead) {
     stage.permit(true, true);
     detectEverything();

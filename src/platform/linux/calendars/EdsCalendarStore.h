@@ -49,6 +49,11 @@ public:
         return registry.sources().accounts;
     }
 
+    /// The user's mail addresses, in lower case, as far as the service's accounts are known.
+    [[nodiscard]] const std::set<std::string>& ownAddresses() const {
+        return registry.sources().ownAddresses;
+    }
+
     /// As CalendarStore::onChange. Follows the events of calendars that were fetched before.
     [[nodiscard]] Subscription onChange(Task callback);
 

@@ -163,6 +163,11 @@ EdsSources readEdsSources(ESourceRegistry& registry) {
     EdsSources sources;
     std::set<std::pair<std::string, std::string>> listed;
     const auto addresses = mailAddresses(&registry);
+    sources.ownAddresses = addresses;
+    for (const auto& source :
+         adopt(e_source_registry_list_enabled(&registry, E_SOURCE_EXTENSION_COLLECTION)))
+        addAddress(sources.ownAddresses,
+                   textOf(e_source_collection_dup_identity(collectionOf(source.get()))));
     for (const auto& source :
          adopt(e_source_registry_list_enabled(&registry, E_SOURCE_EXTENSION_CALENDAR))) {
         const auto lineage = lineageOf(&registry, source.get());

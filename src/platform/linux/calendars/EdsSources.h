@@ -32,6 +32,7 @@ struct EdsCalendar {
 struct EdsSources {
     std::vector<CalendarSource> accounts; ///< each once, in the order of their calendars
     std::vector<EdsCalendar> calendars;
+    std::set<std::string> ownAddresses; ///< the user's, of all accounts; as of a calendar
 
     bool operator==(const EdsSources&) const = default;
 };

@@ -35,11 +35,10 @@ struct IcsFolderStore::Request {
     Timer timer;
 };
 
-IcsFolderStore::IcsFolderStore(MainLoop& loop_, IcsPlaces places,
-                               std::vector<std::string> userAddresses, CalendarConsent consent_)
+IcsFolderStore::IcsFolderStore(MainLoop& loop_, IcsPlaces places, CalendarConsent consent_)
     : loop(loop_),
       consent(std::move(consent_)),
-      folders(std::make_shared<IcsFolders>(std::move(places), std::move(userAddresses))),
+      folders(std::make_shared<IcsFolders>(std::move(places))),
       outbox(std::make_shared<Outbox>(loop_)),
       watch([this](const WatchedFolder& folder) { noteChange(folder); }) {
     listFolders();

@@ -28,12 +28,12 @@ struct CalendarConsent {
 };
 
 /// Main thread only. The loop must run GLib's default main context, where changes of folders are
-/// reported. Files are read on a thread of the store's own.
+/// reported. Does not know which attendee is the user. Files are read on a thread of the store's
+/// own.
 class IcsFolderStore final : public CalendarStore {
 public:
     /// Starts to list the folders in the background. The loop must outlive this.
-    IcsFolderStore(MainLoop& loop, IcsPlaces places, std::vector<std::string> userAddresses,
-                   CalendarConsent consent = {});
+    IcsFolderStore(MainLoop& loop, IcsPlaces places, CalendarConsent consent = {});
     ~IcsFolderStore() override;
 
     IcsFolderStore(const IcsFolderStore&) = delete;

@@ -58,11 +58,8 @@ IcsCalendar IcsFolder::calendarOf(const std::string& fileName) const {
     return {validName(std::filesystem::path(fileName).stem()), whole.identifier + fileName + "/"};
 }
 
-IcsFolderTree::IcsFolderTree(IcsPlaces places_, std::vector<std::string> userAddresses,
-                             const std::atomic<bool>& isAbandoned_)
-    : places(std::move(places_)),
-      isAbandoned(isAbandoned_),
-      reading{.userAddresses = std::move(userAddresses)} {}
+IcsFolderTree::IcsFolderTree(IcsPlaces places_, const std::atomic<bool>& isAbandoned_)
+    : places(std::move(places_)), isAbandoned(isAbandoned_) {}
 
 // --- which folders there are
 

@@ -71,8 +71,7 @@ public:
     using Folders = std::map<std::filesystem::path, IcsFolder>;
 
     /// `isAbandoned`, which must outlive this, ends `readFiles` early.
-    IcsFolderTree(IcsPlaces places, std::vector<std::string> userAddresses,
-                  const std::atomic<bool>& isAbandoned);
+    IcsFolderTree(IcsPlaces places, const std::atomic<bool>& isAbandoned);
 
     /// Finds out which folders and files there are.
     void walk(const IcsHints& hints);

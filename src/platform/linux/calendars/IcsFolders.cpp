@@ -4,8 +4,7 @@
 
 namespace quorva {
 
-IcsFolders::IcsFolders(IcsPlaces places, std::vector<std::string> userAddresses)
-    : tree(std::move(places), std::move(userAddresses), isAbandoned) {}
+IcsFolders::IcsFolders(IcsPlaces places) : tree(std::move(places), isAbandoned) {}
 
 IcsFolders::Findings IcsFolders::look(Time start, Time end, const Hints& hints) {
     tree.walk(hints);

@@ -17,7 +17,7 @@ class IcsFolders {
 public:
     using Hints = IcsHints;
 
-    IcsFolders(IcsPlaces places, std::vector<std::string> userAddresses);
+    explicit IcsFolders(IcsPlaces places);
 
     struct Findings {
         CalendarWindow window;

@@ -1,5 +1,7 @@
 #include "platform/linux/calendars/LinuxCalendarStore.h"
 
+#include "platform/linux/icalendar/ICalendarReader.h"
+
 #include <algorithm>
 #include <iterator>
 
@@ -15,11 +17,12 @@ struct LinuxCalendarStore::Request {
 };
 
 LinuxCalendarStore::LinuxCalendarStore(MainLoop& loop, Log& log, CalendarPlaces places,
-                                       CalendarConsent consent_)
+                                       CalendarConsent consent_, OwnAddresses ownAddresses_)
     : consent(std::move(consent_)),
+      ownAddresses(std::move(ownAddresses_)),
       withoutPlace(std::move(places.failed)),
       service(loop, log),
-      folders(loop, std::move(places.files), {}) {}
+      folders(loop, std::move(places.files)) {}
 
 CalendarAuthorization LinuxCalendarStore::authorizationStatus() const {
     const bool isNothingThere = service.service() == EdsCalendarStore::Service::absent &&
@@ -42,9 +45,9 @@ Subscription LinuxCalendarStore::fetchEvents(Time start, Time end,
     auto request = std::make_shared<Request>();
     request->done = std::move(done);
     request->window = {.events = {}, .failed = withoutPlace, .calendars = withoutPlace.size()};
-    const auto add = [weak = std::weak_ptr(request)](CalendarWindow part) {
+    const auto add = lifetime.guard([this, weak = std::weak_ptr(request)](CalendarWindow part) {
         addPart(weak, std::move(part));
-    };
+    });
     request->fromFolders = folders.fetchEvents(start, end, add);
     request->fromService = service.fetchEvents(start, end, add);
     return Subscription([request]() mutable { request.reset(); });
@@ -62,7 +65,23 @@ void LinuxCalendarStore::addPart(const std::weak_ptr<Request>& request, Calendar
         return;
     std::stable_sort(whole.events.begin(), whole.events.end(),
                      [](const auto& a, const auto& b) { return a.start < b.start; });
+    markUser(whole.events);
     std::exchange(waiting->done, nullptr)(std::move(whole));
+}
+
+void LinuxCalendarStore::markUser(std::vector<CalendarEvent>& events) const {
+    constexpr std::size_t mostAddresses = 100;
+    auto own = service.ownAddresses();
+    auto named = ownAddresses();
+    named.resize(std::min(named.size(), mostAddresses));
+    for (const auto& address : named)
+        own.insert(comparableAddress(address));
+    if (own.empty())
+        return;
+    for (auto& event : events)
+        for (auto& attendee : event.attendees)
+            if (own.contains(comparableAddress(attendee.url)))
+                attendee.isCurrentUser = true;
 }
 
 std::vector<CalendarSource> LinuxCalendarStore::sources() const {

@@ -2,6 +2,7 @@
 // folders of .ics files.
 #pragma once
 
+#include "base/Lifetime.h"
 #include "platform/CalendarStore.h"
 #include "platform/linux/calendars/CalendarPlaces.h"
 #include "platform/linux/calendars/EdsCalendarStore.h"
@@ -11,9 +12,15 @@ namespace quorva {
 
 class LinuxCalendarStore final : public CalendarStore {
 public:
+    /// The user's mail addresses at the time.
+    using OwnAddresses = std::function<std::vector<std::string>()>;
+
     /// `consent` says what the user allows, and asks. Calendars whose places could not be found out
-    /// are reported as failed with every fetch. The loop and the log must outlive this.
-    LinuxCalendarStore(MainLoop& loop, Log& log, CalendarPlaces places, CalendarConsent consent);
+    /// are reported as failed with every fetch. An attendee is the user in every calendar whose
+    /// address is among `ownAddresses` (of which the first 100 count), or is that of an account of
+    /// the calendar service. The loop and the log must outlive this.
+    LinuxCalendarStore(MainLoop& loop, Log& log, CalendarPlaces places, CalendarConsent consent,
+                       OwnAddresses ownAddresses);
 
     /// Restricted, even if the user consents, once it is known that there is neither a calendar
     /// service nor a folder.
@@ -35,13 +42,16 @@ public:
 private:
     struct Request;
 
-    static void addPart(const std::weak_ptr<Request>& request, CalendarWindow part);
+    void addPart(const std::weak_ptr<Request>& request, CalendarWindow part);
+    void markUser(std::vector<CalendarEvent>& events) const;
 
     const CalendarConsent consent;
+    const OwnAddresses ownAddresses;
     const std::vector<FailedCalendar> withoutPlace;
     EdsCalendarStore service;
     IcsFolderStore folders;
     Subscription search; ///< for the service
+    Lifetime lifetime;   // last: goes first
 };
 
 } // namespace quorva

@@ -191,8 +191,7 @@ Subscription LinuxDrillStandIns::writeCalendar(const DrillEvent& event,
                 return written->done({.problem = made->problem});
             written->folder = std::move(made->folder);
             written->store = std::make_unique<IcsFolderStore>(
-                loop, IcsPlaces{.root = {}, .folders = {written->folder->path()}},
-                std::vector<std::string>{});
+                loop, IcsPlaces{.root = {}, .folders = {written->folder->path()}});
             written->done({.store = written->store.get()});
         }));
     return owning(std::move(calendar));

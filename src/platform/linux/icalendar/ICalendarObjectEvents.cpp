@@ -26,15 +26,6 @@ ParticipantStatus statusOf(const std::string* answer) {
                              : ParticipantStatus::pending;
 }
 
-/// An address in a form that can be compared.
-std::string comparable(std::string_view address) {
-    constexpr std::string_view scheme = "mailto:";
-    address = trimmed(address);
-    if (equalsIgnoringCase(address.substr(0, scheme.size()), scheme))
-        address.remove_prefix(scheme.size());
-    return lowerCased(trimmed(address));
-}
-
 /// The reading of a zone's clock at a moment.
 WallSeconds wallOf(UtcSeconds moment, CalendarZone& zone) {
     const auto near = moment + zone.offsetAt(moment);
@@ -146,20 +137,20 @@ CalendarParticipant ICalendarObjectEvents::participant(const ContentLine& line) 
     const auto* const mail = line.parameter("EMAIL");
     if (mail && line.value.find('@') == std::string::npos)
         attendee.url = *mail;
-    const auto address = comparable(attendee.url);
+    const auto address = comparableAddress(attendee.url);
     attendee.isCurrentUser =
         std::any_of(reading.userAddresses.begin(), reading.userAddresses.end(),
-                    [&](const std::string& own) { return comparable(own) == address; });
+                    [&](const std::string& own) { return comparableAddress(own) == address; });
     return attendee;
 }
 
 /// Marks the organizer, who attends as well, and adds the one whom the server did not list.
 void ICalendarObjectEvents::addOrganizer(Draft& draft, ICalendarProblems& problems) {
-    const auto address = comparable(participant(*draft.organizer).url);
+    const auto address = comparableAddress(participant(*draft.organizer).url);
     auto& attendees = draft.event.attendees;
     bool isListed = false;
     for (auto& listed : attendees)
-        if (comparable(listed.url) == address)
+        if (comparableAddress(listed.url) == address)
             isListed = listed.isOrganizer = true;
     const auto count = attendees.size();
     if (!isListed)

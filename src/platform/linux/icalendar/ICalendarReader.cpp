@@ -160,6 +160,14 @@ private:
 
 } // namespace
 
+std::string comparableAddress(std::string_view address) {
+    constexpr std::string_view scheme = "mailto:";
+    address = trimmed(address);
+    if (equalsIgnoringCase(address.substr(0, scheme.size()), scheme))
+        address.remove_prefix(scheme.size());
+    return lowerCased(trimmed(address));
+}
+
 std::string lossesOf(const ICalendarProblems& problems) {
     std::string reason;
     for (const auto& problem : problems.all())

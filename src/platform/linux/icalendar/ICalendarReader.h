@@ -32,6 +32,10 @@ struct ICalendarReading {
     std::vector<std::string> userAddresses; ///< without "mailto:"
 };
 
+/// A mail address in a form that can be compared: in lower case, without "mailto:" and surrounding
+/// white space.
+[[nodiscard]] std::string comparableAddress(std::string_view address);
+
 /// Parses the bytes of a file; never fails. An attendee's address is kept as written; if it is not
 /// a mail address, the EMAIL parameter (RFC 7986) replaces it. An organizer who is not listed as an
 /// attendee is added as one. Times in an unknown zone are read in the user's zone. Events of a

@@ -33,6 +33,14 @@ SettingsTab {
             action: tab.bridge.hasCalendarAccess ? "" : "Grant Calendar Access"
             onPressed: tab.bridge.grantCalendarAccess()
         }
+        TextRow {
+            label: "Your e-mail addresses"
+            description: "Whoever is invited with one of them is you, and no bot. Those of your calendar accounts are known without being named."
+            placeholder: "ann@example.com, ann@firm.example"
+            problem: tab.bridge.addressesHelp
+            value: tab.bridge.myAddresses
+            onEntered: text => tab.bridge.myAddresses = text
+        }
         Column {
             width: parent.width
             visible: tab.bridge.needsCalendarAccount

@@ -45,7 +45,7 @@ protected:
 
     const TemporaryFolder folder;
     TurningMainLoop turning;
-    IcsFolderStore store{turning.loop, {.root = folder.path / "calendars"}, {}};
+    IcsFolderStore store{turning.loop, {.root = folder.path / "calendars"}};
 };
 
 using Stores = testing::Types<CalendarsInMemory, CalendarsInFolders>;

@@ -36,8 +36,7 @@ protected:
 
     void open(std::vector<std::filesystem::path> folders = {}) {
         store = std::make_unique<IcsFolderStore>(
-            loop, IcsPlaces{home.path / "calendars", std::move(folders)},
-            std::vector<std::string>{});
+            loop, IcsPlaces{home.path / "calendars", std::move(folders)});
     }
 
     /// Runs the loop until `isDone`; false when that takes more than 20 seconds.
@@ -206,7 +205,7 @@ TEST_F(IcsFolderStoreTest, doesNotAnswerOnceItHasGone) {
 
 TEST_F(IcsFolderStoreTest, asksForConsentWhereItIsTold) {
     store = std::make_unique<IcsFolderStore>(
-        loop, IcsPlaces{}, std::vector<std::string>{},
+        loop, IcsPlaces{},
         CalendarConsent{.status = [] { return CalendarAuthorization::denied; },
                         .request = [](const auto& done) { done({.error = "no window"}); }});
     EXPECT_EQ(store->authorizationStatus(), CalendarAuthorization::denied);

@@ -86,7 +86,10 @@ protected:
     const std::string fred = "ATTENDEE:mailto:fred@fireflies.ai\r\n";
     const TemporaryFolder home;
     HastyMainLoop hasty{loop};
-    LinuxCalendarStore store{hasty, log, {.files = {.root = home.path / "calendars"}}, {}};
+    std::vector<std::string> myAddresses;
+    LinuxCalendarStore store{hasty, log, {.files = {.root = home.path / "calendars"}}, {}, [this] {
+                                 return myAddresses;
+                             }};
     int changes = 0;
     Subscription counting;
     std::vector<std::string> events;
@@ -118,6 +121,16 @@ TEST_F(CalendarMonitorTest, findsEachProductThatComesOnceAndNobodyElse) {
                               "Calendar Event", now + 2h, now + 150min, "meeting", "Personal", _)));
     EXPECT_THAT(announced(), ElementsAre("+otter-cal-meeting"));
     EXPECT_THAT(*monitor().failedCalendars, IsEmpty());
+
+    // In folders, the user is who the service's accounts and the settings say.
+    const std::string botond = "ATTENDEE:MAILTO:Botond@firm.example \r\n";
+    home.write("calendars/club/a.ics",
+               vcalendar(vevent("own", now + 2h, fred) + vevent("named", now + 2h, botond)));
+    scan();
+    EXPECT_THAT(announced(), ElementsAre("+generic-bot-named"));
+    myAddresses = {"botond@Firm.example"};
+    scan();
+    EXPECT_THAT(announced(), ElementsAre("-generic-bot-named"));
 }
 
 TEST_F(CalendarMonitorTest, announcesABotThatIsInvitedLaterAsSoonAsTheServiceTells) {
