@@ -205,7 +205,7 @@ void AppState::showCalendarPermissionWindow() {
         services.platform.loop.after(timeToRead, lifetime.guard([this, timeToSeeTheGrant] {
             permissions.requestCalendarAccess(
                 lifetime.guard([this, timeToSeeTheGrant](bool isGranted) {
-                    if (isGranted)
+                    if (isGranted && !permissions.lacksCalendars())
                         calendarWindowTimer = services.platform.loop.after(
                             timeToSeeTheGrant,
                             lifetime.guard([this] { closeCalendarPermissionWindow(); }));

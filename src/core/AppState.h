@@ -118,7 +118,7 @@ public:
     void closeHistory() { showingLogSheet = false; }
 
     /// Shows the calendar permission window, asks for access after half a second, and closes the
-    /// window 0.8 seconds after access was granted.
+    /// window 0.8 seconds after access was granted, unless there is nothing to read, which it says.
     void showCalendarPermissionWindow();
     void closeCalendarPermissionWindow();
 

@@ -12,9 +12,7 @@ Permissions::Permissions(MainLoop& loop_, Log& log_, CalendarStore& calendars,
       participantMonitor(participantMonitor_) {
     // Accounts and the switch change while the program runs, and are told when they do.
     subscriptions.push_back(calendars.onChange(lifetime.guard([this] {
-        calendarMonitor.refreshAuthorization(); // calendars may have come, or gone
-        if (hasCalendarAccess())
-            refreshCalendarAccounts();
+        refreshCalendars(); // they may have come, or gone
     })));
     subscriptions.push_back(
         participantMonitor.hasAccessibilityPermission.observeChanges(lifetime.guard([this] {
@@ -26,10 +24,14 @@ Permissions::Permissions(MainLoop& loop_, Log& log_, CalendarStore& calendars,
 }
 
 void Permissions::refresh() {
+    refreshCalendars();
+    refreshAccessibilityPermission();
+}
+
+void Permissions::refreshCalendars() {
     calendarMonitor.refreshAuthorization();
     if (hasCalendarAccess())
         refreshCalendarAccounts();
-    refreshAccessibilityPermission();
 }
 
 void Permissions::requestCalendarAccess(std::function<void(bool)> done) {

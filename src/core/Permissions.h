@@ -34,6 +34,10 @@ public:
     [[nodiscard]] bool hasCalendarAccess() const {
         return calendarMonitor.authorizationStatus == CalendarAuthorization::fullAccess;
     }
+    /// There is no calendar service and no folder of calendars, whatever the user allows.
+    [[nodiscard]] bool lacksCalendars() const {
+        return calendarMonitor.authorizationStatus == CalendarAuthorization::restricted;
+    }
     [[nodiscard]] bool hasAccessibilityPermission() const {
         return participantMonitor.hasAccessibilityPermission;
     }
@@ -57,6 +61,9 @@ public:
     /// Asks the user for access to calendars; calls `done` with the answer, on the main loop or
     /// within this call.
     void requestCalendarAccess(std::function<void(bool granted)> done);
+
+    /// Looks whether calendars may be read and, if so, reads the accounts that they come from.
+    void refreshCalendars();
 
     /// Reads the accounts that calendars come from.
     void refreshCalendarAccounts();

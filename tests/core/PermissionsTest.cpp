@@ -47,6 +47,11 @@ TEST_F(PermissionsTest, asksForTheCalendarsAndClosesTheWindowAfterAGrant) {
     EXPECT_TRUE(app.calendarWindow) << "it leads to the settings after a refusal";
 
     computer.calendars.answer.granted = true;
+    computer.calendars.status = CalendarAuthorization::restricted;
+    app.showCalendarPermissionWindow();
+    computer.loop.advance(5s);
+    EXPECT_TRUE(app.calendarWindow) << "it says what is missing";
+
     computer.calendars.accounts = {{"Work", CalendarSourceType::calDAV}};
     app.showCalendarPermissionWindow();
     computer.calendars.status = CalendarAuthorization::fullAccess;

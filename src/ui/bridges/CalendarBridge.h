@@ -13,11 +13,14 @@ namespace quorva {
 class CalendarBridge final : public QObject {
     Q_OBJECT
     Q_PROPERTY(bool hasAccess READ hasAccess NOTIFY changed)
+    Q_PROPERTY(bool lacksCalendars READ lacksCalendars NOTIFY changed)
 public:
     /// All must outlive the bridge.
     CalendarBridge(AppState& state, CalendarConsentDialog& consent, MainLoop& loop);
 
     [[nodiscard]] bool hasAccess() const { return state.permissions.hasCalendarAccess(); }
+
+    [[nodiscard]] bool lacksCalendars() const { return state.permissions.lacksCalendars(); }
 
     Q_INVOKABLE void openCalendarSettings();
     Q_INVOKABLE void answer(bool isGranted);

@@ -21,6 +21,7 @@ class OnboardingBridge final : public QObject {
     Q_PROPERTY(bool accessibilityGranted READ accessibilityGranted NOTIFY changed)
     Q_PROPERTY(bool accessibilityRequested READ accessibilityRequested NOTIFY changed)
     Q_PROPERTY(bool calendarGranted READ calendarGranted NOTIFY changed)
+    Q_PROPERTY(bool lacksCalendars READ lacksCalendars NOTIFY changed)
     Q_PROPERTY(bool accountsRefreshed READ accountsRefreshed NOTIFY changed)
     Q_PROPERTY(bool hasAllProviders READ hasAllProviders NOTIFY changed)
     Q_PROPERTY(QString coverage READ coverage NOTIFY changed)
@@ -58,6 +59,7 @@ public:
         return model.accessibilityPermissionRequested;
     }
     [[nodiscard]] bool calendarGranted() const { return state.permissions.hasCalendarAccess(); }
+    [[nodiscard]] bool lacksCalendars() const { return state.permissions.lacksCalendars(); }
     [[nodiscard]] bool accountsRefreshed() const { return model.calendarAccountsRefreshed; }
     [[nodiscard]] bool hasAllProviders() const;
     [[nodiscard]] QString coverage() const;

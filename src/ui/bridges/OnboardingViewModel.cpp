@@ -109,9 +109,10 @@ void OnboardingViewModel::requestCalendarAccess() {
 
 void OnboardingViewModel::pollCalendarAccounts() {
     if (++polls > mostCalendarPolls)
-        pollingTimer.reset();
-    else
-        refreshCalendarAccounts();
+        return pollingTimer.reset();
+    if (state.permissions.lacksCalendars())
+        state.permissions.refreshCalendars();
+    refreshCalendarAccounts();
 }
 
 void OnboardingViewModel::refreshCalendarAccounts() {

@@ -222,6 +222,12 @@ const std::vector<Scene> scenes{
          stage.permit(true, true);
          stage.state.showCalendarPermissionWindow();
      }},
+    {"calendar-window-missing", "CalendarPermissionHelper",
+     [](Stage& stage) {
+         stage.computer.calendars.status = CalendarAuthorization::restricted;
+         stage.state.permissions.refresh();
+         stage.state.showCalendarPermissionWindow();
+     }},
     {"calendar-consent", "CalendarConsent",
      [](Stage& stage) { stage.consent.request([](const CalendarStore::AccessAnswer&) {}); }},
     {"onboarding-1-welcome", onboarding, [](Stage& stage) { onboardingStep(stage, 0); }},
@@ -240,6 +246,12 @@ const std::vector<Scene> scenes{
          stage.permit(false, true);
      }},
     {"onboarding-4-calendar", onboarding, [](Stage& stage) { onboardingStep(stage, 3); }},
+    {"onboarding-4-calendar-missing", onboarding,
+     [](Stage& stage) {
+         onboardingStep(stage, 3);
+         stage.computer.calendars.status = CalendarAuthorization::restricted;
+         stage.state.permissions.refresh();
+     }},
     {"onboarding-4-calendar-granted", onboarding,
      [](Stage& stage) {
          using Type = CalendarSourceType;

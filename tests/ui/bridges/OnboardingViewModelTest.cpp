@@ -136,6 +136,23 @@ TEST_F(OnboardingViewModelTest, aGrantOfCalendarsReadsTheAccountsAndARefusalLead
     EXPECT_EQ(computer.systemSettings.opened.size(), 1U);
 }
 
+TEST_F(OnboardingViewModelTest, saysWhatIsMissingWhereThereAreNoCalendarsUntilThereAre) {
+    start(true, false);
+    AppDelegate delegate(*state, computer.loop);
+    OnboardingBridge bridge(*state, delegate, computer.loop);
+    while (bridge.model.currentStep.get() != calendarSetup)
+        bridge.next();
+    computer.calendars.status = CalendarAuthorization::restricted;
+    bridge.requestCalendarAccess(); // which is granted
+    EXPECT_TRUE(bridge.lacksCalendars());
+    EXPECT_FALSE(bridge.calendarGranted());
+    EXPECT_THAT(computer.systemSettings.opened, testing::IsEmpty());
+    computer.calendars.status = CalendarAuthorization::fullAccess; // and the store says nothing
+    computer.loop.advance(3s);
+    EXPECT_FALSE(bridge.lacksCalendars());
+    EXPECT_TRUE(bridge.calendarGranted());
+}
+
 TEST_F(OnboardingViewModelTest, accountsAddedElsewhereAppearForTwoMinutes) {
     start(true, false);
     goTo(calendarSetup);

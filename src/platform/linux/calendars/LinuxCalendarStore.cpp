@@ -31,7 +31,11 @@ CalendarAuthorization LinuxCalendarStore::authorizationStatus() const {
 }
 
 void LinuxCalendarStore::requestFullAccess(std::function<void(AccessAnswer)> done) {
-    consent.request(std::move(done));
+    consent.request(lifetime.guard([this, done = std::move(done)](const AccessAnswer& answer) {
+        if (!answer.granted)
+            return done(answer);
+        grant = service.findService([done, answer](EdsCalendarStore::Service) { done(answer); });
+    }));
 }
 
 /// Both parts tell of a change themselves.

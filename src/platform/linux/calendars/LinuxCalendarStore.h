@@ -25,6 +25,8 @@ public:
     /// Restricted, even if the user consents, once it is known that there is neither a calendar
     /// service nor a folder.
     [[nodiscard]] CalendarAuthorization authorizationStatus() const override;
+    /// After a grant, looks for the service before it answers, so that `authorizationStatus` tells
+    /// then whether there is anything to read.
     void requestFullAccess(std::function<void(AccessAnswer)> done) override;
     void lookForCalendars() override;
     [[nodiscard]] Subscription fetchEvents(Time start, Time end,
@@ -51,6 +53,7 @@ private:
     EdsCalendarStore service;
     IcsFolderStore folders;
     Subscription search; ///< for the service
+    Subscription grant;  ///< the same, before a grant is told
     Lifetime lifetime;   // last: goes first
 };
 

@@ -7,6 +7,7 @@ Window {
     id: helper
 
     required property var bridge
+    readonly property bool isAsking: !bridge.hasAccess && !bridge.lacksCalendars
 
     title: "Calendar Access"
     width: Theme.size(400)
@@ -40,7 +41,7 @@ Window {
         }
         AppText {
             Layout.fillWidth: true
-            visible: !helper.bridge.hasAccess
+            visible: helper.isAsking
             horizontalAlignment: Text.AlignHCenter
             textFormat: Text.StyledText // this program's own text, with a word in bold
             text: "Click <b>Allow</b> in the system dialog to let Quorva scan your calendars for bot attendees."
@@ -48,7 +49,7 @@ Window {
         }
         AppText {
             Layout.fillWidth: true
-            visible: !helper.bridge.hasAccess
+            visible: helper.isAsking
             horizontalAlignment: Text.AlignHCenter
             text: "If no dialog appeared, enable QuorvaApp manually:"
             color: Theme.secondaryText
@@ -56,9 +57,21 @@ Window {
         }
         ActionButton {
             Layout.alignment: Qt.AlignHCenter
-            visible: !helper.bridge.hasAccess
+            visible: helper.isAsking
             text: "Open Calendar Settings"
             onClicked: helper.bridge.openCalendarSettings()
+        }
+        AppText {
+            Layout.fillWidth: true
+            visible: helper.bridge.lacksCalendars
+            horizontalAlignment: Text.AlignHCenter
+            text: "There is no calendar service and no folder of calendars."
+            font.bold: true
+        }
+        MissingCalendarsHelp {
+            Layout.fillWidth: true
+            visible: helper.bridge.lacksCalendars
+            horizontalAlignment: Text.AlignHCenter
         }
         AppText {
             Layout.fillWidth: true

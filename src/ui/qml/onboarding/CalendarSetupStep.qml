@@ -12,7 +12,19 @@ OnboardingPage {
 
     Card {
         width: parent.width
-        visible: !step.isGranted
+        visible: step.bridge.lacksCalendars
+        FeatureRow {
+            symbol: "exclamationmark.triangle.fill"
+            title: "No Calendars on This Computer"
+            text: "There is no calendar service and no folder of calendars, so there is nothing that Quorva could be allowed to read."
+            tint: Theme.orange
+            ink: Theme.orangeText
+        }
+        MissingCalendarsHelp { width: parent.width }
+    }
+    Card {
+        width: parent.width
+        visible: !step.isGranted && !step.bridge.lacksCalendars
         FeatureRow {
             symbol: "calendar"
             title: "Step 1: Allow Calendar Access"

@@ -214,5 +214,14 @@ TEST_F(CalendarMonitorTest, worksFromFoldersAloneWhereThereIsNoService) {
     EXPECT_THAT(announced(), ElementsAre("+otter-cal-night"));
 }
 
+TEST_F(CalendarMonitorTest, knowsWithTheGrantThatThereIsNothingToRead) {
+    ::unsetenv("DBUS_SESSION_BUS_ADDRESS");
+    Program asking(hasty, store, log, home.path / "preferences.json");
+    std::optional<CalendarAuthorization> status;
+    asking.monitor.requestAccess([&](bool) { status = *asking.monitor.authorizationStatus; });
+    ASSERT_TRUE(comesTo([&] { return status.has_value(); }));
+    EXPECT_EQ(status, CalendarAuthorization::restricted);
+}
+
 } // namespace
 } // namespace quorva
