@@ -19,6 +19,7 @@ PAGE = """<!DOCTYPE html>
 <h1>Weekly planning</h1>
 <section aria-label="In this call"><ul id="people"></ul></section>
 <div id="chat" role="log"></div>
+MARKUP
 <button>Leave call</button>
 <script>
 function fill(list, kind, texts) {
@@ -34,12 +35,14 @@ const element = id => document.getElementById(id);
 const commands = {
   go: to => location.assign(to),
   open: to => window.open(to),
+  openWindow: to => window.open(to, "_blank", "width=900,height=700"),
   close: () => window.close(),
+  run: script => eval(script),
 };
 let shown = -1;
+const state = () => `shown=${shown}&visibility=${document.visibilityState}&area=${innerWidth * innerHeight}`;
 async function follow() {
-  const answer = await fetch(
-    `/now${location.pathname}?shown=${shown}&visibility=${document.visibilityState}`);
+  const answer = await fetch(`/now${location.pathname}?${state()}`);
   const now = await answer.json();
   fill(element("banner"), "span", now.banners);
   fill(element("people"), "li", now.people);
@@ -53,14 +56,17 @@ setInterval(() => follow().catch(() => {}), 100);
 
 
 class Page:
-    """The contents of a page. `version` counts the changes; `shown` is the version on the page."""
+    """The contents of a page. `version` counts the changes; `shown` is the version on the page.
+    `markup` is shown after them and is never changed by them."""
 
-    def __init__(self, title, people=(), banners=(), chat=()):
+    def __init__(self, title, people=(), banners=(), chat=(), markup=""):
         self.title = title
+        self.markup = markup
         self.content = {"people": list(people), "banners": list(banners), "chat": list(chat)}
         self.version = 0
         self.shown = -1
         self.is_visible = False
+        self.area = 0
         self.commands = []
 
     def change(self, **content):
@@ -76,6 +82,11 @@ class Page:
 
     def tell(self, command, argument=""):
         self.commands.append((command, argument))
+
+    def run(self, script):
+        """Runs a script in the page; returns when the page has done so."""
+        self.tell("run", script)
+        self.change()
 
 
 class Site(http.server.ThreadingHTTPServer):
@@ -94,8 +105,9 @@ class Site(http.server.ThreadingHTTPServer):
         page = self.pages[path] = Page(*arguments, **options)
         return page
 
-    def address(self, path):
-        return f"http://127.0.0.1:{self.server_port}{path}"
+    def address(self, path, host="127.0.0.1"):
+        """The address of a page. "localhost" is another site to a browser."""
+        return f"http://{host}:{self.server_port}{path}"
 
     def handle_error(self, _request, _client):
         pass  # a browser that exits drops its connections
@@ -117,11 +129,12 @@ class Handler(http.server.BaseHTTPRequestHandler):
         elif not asks:
             page.shown = -1
             self.answer(200, "text/html", PAGE.replace("TITLE", page.title)
-                        .replace("STYLE", self.server.style))
+                        .replace("STYLE", self.server.style).replace("MARKUP", page.markup))
         else:
             query = urllib.parse.parse_qs(url.query)
             page.shown = int(query["shown"][0])
             page.is_visible = query["visibility"] == ["visible"]
+            page.area = int(query["area"][0])
             commands, page.commands = page.commands, []
             self.answer(200, "application/json", json.dumps(
                 {**page.content, "version": page.version, "commands": commands}))
@@ -147,8 +160,11 @@ FIREFOX_PREFERENCES = {
     "browser.sessionstore.resume_from_crash": False,
     "browser.shell.checkDefaultBrowser": False,
     "browser.startup.homepage_override.mstone": "ignore",
+    "browser.tabs.splitView.enabled": True,
     "datareporting.policy.dataSubmissionEnabled": False,
+    "devtools.everOpened": True,
     "dom.disable_open_during_load": False,
+    "dom.documentpip.enabled": True,
     "network.captive-portal-service.enabled": False,
     "network.connectivity-service.enabled": False,
     "network.proxy.type": 0,
@@ -175,6 +191,7 @@ def chromium(profile):
 
 
 BROWSERS = {"firefox": firefox, "chromium": chromium}
+NAMES = {"firefox": "Firefox", "chromium": "Chromium"}
 
 
 class Browser:
@@ -182,6 +199,7 @@ class Browser:
 
     def __init__(self, desktop, site, name, profile=""):
         self.site = site
+        self.kind = name
         path = f"/start/{name}{profile}"
         self.page = site.add(path, "Start")
         self.process = desktop.start(

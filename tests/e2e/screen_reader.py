@@ -9,6 +9,7 @@ from conftest import wait_until
 
 ACCESSIBLE = "org.a11y.atspi.Accessible"
 REGISTRY = ("org.a11y.atspi.Registry", "/org/a11y/atspi/accessible/root")
+NULL = "/org/a11y/atspi/null"
 CHECKED, ENABLED, FOCUSED, VISIBLE = 4, 8, 12, 30
 
 
@@ -36,9 +37,12 @@ class Element:
         words = self.proxy.GetState(dbus_interface=ACCESSIBLE)
         return bool(int(words[state // 32]) >> state % 32 & 1)
 
+    def attributes(self):
+        return self.proxy.GetAttributes(dbus_interface=ACCESSIBLE)
+
     def children(self):
         return [Element(self.reader, str(name), str(path))
-                for name, path in self.proxy.GetChildren(dbus_interface=ACCESSIBLE)]
+                for name, path in self.proxy.GetChildren(dbus_interface=ACCESSIBLE) if path != NULL]
 
     def act(self, *names):
         """Performs the first action that has one of these names."""
@@ -49,6 +53,19 @@ class Element:
                 self.proxy.DoAction(actions.index(name), dbus_interface="org.a11y.atspi.Action")
                 return
         raise AssertionError(f"{self.name} can do {actions}, not {names}")
+
+    def extents(self):
+        """Place on the screen, and size."""
+        return [int(each) for each in self.proxy.GetExtents(
+            dbus.UInt32(0), dbus_interface="org.a11y.atspi.Component")]
+
+    def controls(self):
+        """What the application shows itself, without what is in documents."""
+        yield self
+        if not self.role.startswith("document"):
+            for child in self.children():
+                if child.is_(VISIBLE):
+                    yield from child.controls()
 
     def walk(self):
         """This element and everything below it, in reading order."""

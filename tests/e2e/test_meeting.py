@@ -1,20 +1,16 @@
 """quorva-scan with meetings in the windows of browsers and of a meeting program, in a desktop session
 with a real accessibility bus."""
 
-import json
-import pathlib
-import shutil
 import signal
-import subprocess
 import time
 
 import pytest
 
 from conftest import Watch, wait_until
 from desktop import Session, ZoomWindow
-from meeting_site import BROWSERS, Browser, Site
-
-NAMES = {"firefox": "Firefox", "chromium": "Chromium"}
+from meeting_fixtures import browser, desktop, site  # noqa: F401: fixtures
+from meeting_look import Look, look_for
+from meeting_site import BROWSERS, NAMES, Browser
 
 
 @pytest.fixture
@@ -22,60 +18,6 @@ def session():
     here = Session()
     yield here
     here.end_session()
-
-
-@pytest.fixture(scope="module")
-def desktop():
-    here = Session()
-    here.switch_accessibility_on()
-    here.open_display()
-    yield here
-    here.end_session()
-
-
-@pytest.fixture(scope="module")
-def site():
-    here = Site()
-    yield here
-    here.end()
-
-
-@pytest.fixture(scope="module", params=BROWSERS)
-def browser(request, desktop, site):
-    here = Browser(desktop, site, request.param)
-    yield here
-    desktop.end(here.process, by=signal.SIGTERM)
-
-
-class Look:
-    """The result of one scan of the meetings."""
-
-    def __init__(self, computer):
-        started = time.monotonic()
-        scan = computer.scan("--json", "--source", "meeting")
-        self.seconds = time.monotonic() - started
-        self.exit_status = scan.returncode
-        report = json.loads(scan.stdout)
-        self.source, self.detail = report["sources"]["meeting"].values()
-        self.bots = report["detections"]["participants"]
-        self.indicators = report["detections"]["indicators"]
-
-    def said(self):
-        """Platform, name, category and confidence of each bot."""
-        return [(bot["platformName"], bot["botDisplayName"], bot["category"], bot["confidence"])
-                for bot in self.bots]
-
-    def banners(self):
-        return [(each["platformName"], each["indicatorType"]) for each in self.indicators]
-
-
-def look_for(desktop, count):
-    """Scans until there are this many findings: a browser on a busy computer needs time to expose
-    a page, and Firefox exposes no texts to the first client that asks."""
-    def look():
-        it = Look(desktop)
-        return it if len(it.bots) + len(it.indicators) >= count else None
-    return wait_until(look, f"{count} findings")
 
 
 def assert_nothing_walked(look):
@@ -191,21 +133,6 @@ def test_does_not_look_into_searches_and_other_pages(desktop, browser):
     assert_nothing_walked(Look(desktop))
     browser.show("/elsewhere", "Google Meet", **bots)
     assert_nothing_walked(Look(desktop))
-
-
-def test_looks_at_the_tab_that_is_shown(desktop, browser):
-    meeting = browser.show("/meet.google.com/tab", "Meet", people=["Otter.ai Notetaker"])
-    look_for(desktop, 1)
-    watch = Watch(desktop, source="meeting")
-    wait_until(lambda: watch.of("Otter.ai", "botDisplayName"), "who was there")
-    other = browser.open_tab("/elsewhere/tab", "News")
-    meeting.change(people=["Otter.ai Notetaker", "Fathom Notetaker"])
-    assert_nothing_walked(Look(desktop))
-    other.tell("close")
-    meeting.wait_until_shown()
-    look_for(desktop, 2)
-    wait_until(lambda: watch.of("Fathom", "botDisplayName"), "who joined behind the other tab")
-    assert desktop.end(watch.process, by=signal.SIGTERM) == 0
 
 
 def test_watches_who_joins_who_changes_name_and_who_leaves(desktop, browser):
