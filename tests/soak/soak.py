@@ -1,5 +1,5 @@
 """Runs the application for a while in a private session in which everything changes: soak.py
-[MINUTES] [--seed SEED].
+[MINUTES] [--seed SEED] [--meetings].
 
 Processes, invitations and participants come and go, the user clicks, and the services of the desktop
 are stopped, killed and started again, all at random. At the end everything that appeared must have
@@ -25,6 +25,7 @@ from application import Desktop, Icon, Notifications, Quorva  # noqa: E402
 from conftest import DEADLINE, PROGRAMS, wait_until  # noqa: E402
 from disturbances import Services  # noqa: E402
 from meeting_site import Site  # noqa: E402
+from meetings import MeetingSoak  # noqa: E402
 from measures import Samples, Starvation  # noqa: E402
 from verdict import Verdict, tells_of  # noqa: E402
 
@@ -294,9 +295,12 @@ def main():
     parser = argparse.ArgumentParser(description=__doc__.split("\n\n")[0])
     parser.add_argument("minutes", nargs="?", type=float, default=10)
     parser.add_argument("--seed", type=int, default=time.time_ns() % 1_000_000)
+    parser.add_argument("--meetings", action="store_true",
+                        help="only hide and show meetings, in both browsers")
     options = parser.parse_args()
     print(f"For {options.minutes:g} minutes, with --seed {options.seed}", flush=True)
-    verdict = Soak(options.minutes, options.seed).run()
+    soak = MeetingSoak if options.meetings else Soak
+    verdict = soak(options.minutes, options.seed).run()
     verdict.print()
     sys.exit(1 if verdict.faults else 0)
 
