@@ -166,7 +166,7 @@ TEST_F(PermissionsTest, watchesCalendarsThatComeAndGo) {
     computer.calendars.status = CalendarAuthorization::restricted;
     auto& app = start();
     EXPECT_FALSE(app.sources.calendar.isWatching());
-    EXPECT_EQ(app.stateText(), "All Clear, but not seen: calendars");
+    EXPECT_EQ(app.stateText(), "Not fully watching: calendars");
     const auto become = [&](CalendarAuthorization status) {
         computer.calendars.status = status;
         computer.loop.advance(31s);
