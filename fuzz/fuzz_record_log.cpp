@@ -43,14 +43,17 @@ bool isSame(const ObjectionRecord& one, const ObjectionRecord& other) {
     return texts(one) == texts(other) && isSameTime(one.timestamp, other.timestamp);
 }
 
-/// The only other key that anything may be kept under.
+/// What was kept under the only other key for it, which another one names.
 const PreferenceValue* setAside(const MemoryPreferences& preferences, std::string_view key) {
+    const auto pointer = std::string(key) + ".unreadable";
     const PreferenceValue* found = nullptr;
-    for (const auto& [name, value] : preferences.values)
-        if (name != key) {
-            expect(found == nullptr && name.starts_with(std::string(key) + ".unreadable-"));
-            found = &value;
-        }
+    for (const auto& [name, value] : preferences.values) {
+        if (name == key || name == pointer)
+            continue;
+        expect(found == nullptr && name.starts_with(pointer + "-"));
+        expect(preferences.values.at(pointer) == PreferenceValue(name));
+        found = &value;
+    }
     return found;
 }
 
