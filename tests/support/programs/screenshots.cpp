@@ -306,7 +306,6 @@ const std::vector<Scene> scenes{
      }},
     {"settings-detection-address", settings,
      [](Stage& stage) {
-         stage.permit(true, true);
          openTab(stage, 1);
          auto* const bridge =
              stage.ui.window(settings)->property("bridge").value<SettingsBridge*>();
