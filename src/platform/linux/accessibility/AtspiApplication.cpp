@@ -3,6 +3,8 @@
 #include "platform/linux/accessibility/AtspiCalls.h"
 #include "platform/linux/accessibility/AtspiPages.h"
 #include "platform/linux/accessibility/AtspiReadTree.h"
+#include "platform/linux/accessibility/AtspiRousing.h"
+#include "platform/linux/accessibility/AtspiWindow.h"
 #include "platform/linux/glib/BusCall.h"
 #include "platform/linux/glib/MainContext.h"
 
@@ -22,17 +24,11 @@ constexpr guint readingTimeout = 20'000; // milliseconds
 constexpr guint pauseAfterFailure = 30'000;
 constexpr int probeTimeout = 30'000;
 constexpr guint timeForMoreChanges = 1000;
-constexpr guint timeToComeUpToDate = 300;
+constexpr guint pauseAfterRousing = timeToComeUpToDate + 50;
 constexpr gint64 restAfterReading = 3; // times as long as it took
 constexpr std::size_t maxChanges = 10'000;
 
 } // namespace
-
-struct AtspiApplication::Window {
-    AtspiReference reference;
-    std::string title;
-    std::unique_ptr<AtspiReadTree> content; ///< null when the plan does not want it
-};
 
 /// What is held of an application that answers. Dropping it cancels the reading under way.
 struct AtspiApplication::Contact {
@@ -45,7 +41,7 @@ struct AtspiApplication::Contact {
     std::unique_ptr<AtspiConnection> peer; ///< to its own socket, if it has one
     AtspiCalls calls;
     AtspiReadTree list; ///< the application and its windows, not what is below
-    std::vector<Window> windows;
+    std::vector<AtspiWindow> windows;
     AtspiPages pages;                                        ///< of a browser
     std::set<std::pair<std::string, AtspiChange>> signalled; ///< since the last reading began
     Subscription changes; ///< while a window or a page is watched
@@ -138,7 +134,8 @@ void AtspiApplication::handleWindowList() {
                 return window.reference == present;
             });
         contact->windows.push_back({reference, std::move(title),
-                                    known != former.end() ? std::move(known->content) : nullptr});
+                                    known != former.end() ? std::move(known->content) : nullptr,
+                                    known != former.end() && known->wasRoused});
     }
     readWindow(0);
 }
@@ -178,9 +175,11 @@ void AtspiApplication::readOutline(std::size_t index) {
 
 void AtspiApplication::readWhole(std::size_t index, const TreeExtent& extent) {
     followChanges(lifetime.guard([this, index, extent] {
-        auto& content = *contact->windows[index].content;
-        content.tree.setScope(extent, AtspiTree::Texts::all);
-        content.reader.read(lifetime.guard([this, index] { readWindow(index + 1); }));
+        auto& window = contact->windows[index];
+        if (window.wasRoused)
+            window.rouse(contact->calls);
+        window.content->tree.setScope(extent, AtspiTree::Texts::all);
+        window.content->reader.read(lifetime.guard([this, index] { readWindow(index + 1); }));
     }));
 }
 
@@ -241,10 +240,15 @@ void AtspiApplication::finish() {
     published = {.state = ReadState::read, .problem = {}, .windows = {}};
     const bool isExposing = awaitsPages();
     bool isAgain = state == State::readingAgain || isExposing;
+    bool isRousing = contact->pages.isAnyRousing();
     for (auto& window : contact->windows) {
         const bool isFirst = &window == &contact->windows.front();
-        published.windows.push_back(isExposing ? AccessibleWindow{.title = window.title}
-                                               : publish(window, isFirst, isAgain));
+        const bool isStale = window.isStale(traits.toolkit);
+        if (isStale)
+            window.rouse(contact->calls);
+        isRousing = isRousing || isStale;
+        published.windows.push_back(isExposing || isStale ? AccessibleWindow{.title = window.title}
+                                                          : publish(window, isFirst, isAgain));
     }
     if (!isAnyFollowed())
         contact->changes.reset();
@@ -253,36 +257,29 @@ void AtspiApplication::finish() {
     for (const auto& [path, change] : contact->signalled)
         apply({path, change});
     isPollDue = isPollDue || isExposing || contact->pages.isAnyBlank();
-    if (contact->pages.isAnyRousing())
-        schedule(timeToComeUpToDate);
+    if (isRousing)
+        schedule(pauseAfterRousing);
     else if (isAgain)
         schedule(timeForMoreChanges);
     onRead();
 }
 
 /// `isAgain` is set if another reading may show more.
-AccessibleWindow AtspiApplication::publish(const Window& window, bool isFirst, bool& isAgain) {
+AccessibleWindow AtspiApplication::publish(const AtspiWindow& window, bool isFirst, bool& isAgain) {
     AccessibleWindow shown{.title = window.title};
     if (!window.content)
         return shown;
-    const auto tree = window.content->tree.snapshot();
-    if (tree->role == AccessibilityRole::unreadable) {
+    if (window.content->tree.snapshot()->role == AccessibilityRole::unreadable) {
         shown.state = ReadState::couldNotBeRead;
         shown.problem = "it does not answer as a window should";
         window.content->tree.invalidate();
         return shown;
     }
-    if (plan->outline.maxElements > 0) {
-        shown.state = ReadState::read;
-        shown.pages = contact->pages.of(window.reference, isFirst, isAgain);
-        shown.tabs = window.content->tree.tabs();
-    } else if (window.content->awaitsTexts(*tree)) {
-        isAgain = true;
-    } else {
-        shown.state = ReadState::read;
-        shown.extent = window.content->tree.extent();
-        shown.tree = tree;
-    }
+    if (plan->outline.maxElements == 0)
+        return window.publish(traits.toolkit, isAgain);
+    shown.state = ReadState::read;
+    shown.pages = contact->pages.of(window.reference, isFirst, isAgain);
+    shown.tabs = window.content->tree.tabs();
     return shown;
 }
 
@@ -290,11 +287,14 @@ AccessibleWindow AtspiApplication::publish(const Window& window, bool isFirst, b
 /// those of all its windows or none.
 bool AtspiApplication::awaitsPages() {
     const auto& windows = contact->windows;
-    const bool hasPages = std::any_of(windows.begin(), windows.end(), [](const auto& window) {
-        return window.content && !window.content->tree.pages().empty();
+    const bool hasPages = std::any_of(windows.begin(), windows.end(),
+                                      [](const auto& window) { return window.hasPages(); });
+    const bool wantsPages = std::any_of(windows.begin(), windows.end(), [](const auto& window) {
+        return window.content != nullptr;
     });
-    if (!enables || plan->outline.maxElements == 0 || windows.empty() || hasPages ||
-        pageRetries == 0)
+    const bool mayHavePages =
+        plan->outline.maxElements > 0 || traits.toolkit == AtspiToolkit::chromium;
+    if (!enables || !mayHavePages || !wantsPages || hasPages || pageRetries == 0)
         return false;
     --pageRetries;
     return true;
@@ -303,9 +303,8 @@ bool AtspiApplication::awaitsPages() {
 /// Whether any window or page is read whole.
 bool AtspiApplication::isAnyFollowed() const {
     return contact->pages.isAnyWanted() ||
-           std::any_of(contact->windows.begin(), contact->windows.end(), [](const auto& window) {
-               return window.content && window.content->tree.texts() == AtspiTree::Texts::all;
-           });
+           std::any_of(contact->windows.begin(), contact->windows.end(),
+                       [](const auto& window) { return window.isWhole(); });
 }
 
 /// When it does not answer over its own socket, that may be at fault and not the application.

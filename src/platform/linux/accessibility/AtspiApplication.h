@@ -17,6 +17,8 @@
 
 namespace quorva {
 
+struct AtspiWindow;
+
 /// The accessibility bus as applications are read over it. What it refers to must outlive them.
 struct AtspiBus {
     GDBusConnection* main; ///< for single calls
@@ -54,7 +56,6 @@ private:
         readingAgain, ///< a reading is under way, and another one follows
         unresponsive,
     };
-    struct Window;
     struct Contact;
 
     void enter(State next, GSourcePtr ending = nullptr);
@@ -73,7 +74,7 @@ private:
     void connectPeer(Task next);
     void handleLostPeer();
     void finish();
-    [[nodiscard]] AccessibleWindow publish(const Window& window, bool isFirst, bool& isAgain);
+    [[nodiscard]] AccessibleWindow publish(const AtspiWindow& window, bool isFirst, bool& isAgain);
     [[nodiscard]] bool awaitsPages();
     [[nodiscard]] bool isAnyFollowed() const;
     void handleHang();

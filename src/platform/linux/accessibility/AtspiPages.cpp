@@ -1,20 +1,15 @@
 #include "platform/linux/accessibility/AtspiPages.h"
 
+#include "platform/linux/accessibility/AtspiRousing.h"
+
 #include <algorithm>
 #include <utility>
 
 namespace quorva {
 namespace {
 
-constexpr std::size_t maxHidden = 64;          ///< pages that no window lists
-constexpr gint64 timeToComeUpToDate = 250'000; // microseconds, from the first time it is asked
+constexpr std::size_t maxHidden = 64; ///< pages that no window lists
 constexpr int maxBlankTries = 3;
-
-constexpr auto atPoint = "GetAccessibleAtPoint";
-constexpr std::uint32_t onScreen = 0; ///< kinds of coordinates
-constexpr std::uint32_t inParent = 2;
-constexpr int pointInFrame = 5;
-constexpr int maxFrames = 32; ///< of a page, that are asked
 
 } // namespace
 
@@ -115,44 +110,27 @@ void AtspiPages::readNext(std::size_t index, bool polls, const Task& done) {
     const auto next =
         lifetime.guard([this, index, polls, done] { readNext(index + 1, polls, done); });
     if (traits.toolkit == AtspiToolkit::chromium && (polls || !page.wasRead))
-        rouse(page, next);
+        rousePage(page, next);
     else
         readContent(page, next);
 }
 
-/// Chromium lets the content of a page go stale while it is out of sight, and no state says so.
-/// Asked what is at a point, it brings the page up to date, which takes it a moment. A page that
-/// does not answer any more, and that no window lists, has gone.
-void AtspiPages::rouse(Page& page, Task next) {
-    const auto handle = [this, &page, next = std::move(next)](GVariant* reply) {
-        page.isGone = reply == nullptr && !page.isListed;
-        if (page.isRousing())
-            ++page.blankTries;
-        const auto now = g_get_monotonic_time();
-        if (page.firstRoused == 0)
-            page.firstRoused = now;
-        const bool isReady = now - page.firstRoused >= timeToComeUpToDate;
-        if (page.isGone || !page.content || !isReady)
-            return next();
-        rouseFrames(page);
-        readContent(page, next);
-    };
-    calls.send({page.reference, atspi::component, atPoint, {}, {-1, -1}, {onScreen}},
-               lifetime.guard(handle));
-}
-
-/// A frame of another site has to be asked itself, at a point within it.
-void AtspiPages::rouseFrames(const Page& page) {
-    int asked = 0;
-    for (const auto* const document : page.content->tree.documents())
-        if (document->parent != nullptr && ++asked <= maxFrames)
-            calls.send({document->reference,
-                        atspi::component,
-                        atPoint,
-                        {},
-                        {pointInFrame, pointInFrame},
-                        {inParent}},
-                       [](GVariant*) {});
+/// A page that does not answer any more, and that no window lists, has gone.
+void AtspiPages::rousePage(Page& page, Task next) {
+    rouse(calls, page.reference,
+          lifetime.guard([this, &page, next = std::move(next)](GVariant* reply) {
+              page.isGone = reply == nullptr && !page.isListed;
+              if (page.isRousing())
+                  ++page.blankTries;
+              const auto now = g_get_monotonic_time();
+              if (page.firstRoused == 0)
+                  page.firstRoused = now;
+              const bool isReady = now - page.firstRoused >= 1000 * gint64{timeToComeUpToDate};
+              if (page.isGone || !page.content || !isReady)
+                  return next();
+              rouseFrames(calls, page.content->tree);
+              readContent(page, next);
+          }));
 }
 
 /// The address of a page that no window lists is its own to tell.

@@ -38,8 +38,8 @@ public:
     /// Whether any page is to be read.
     [[nodiscard]] bool isAnyWanted() const;
 
-    /// Brings the wanted pages up to date. If `polls`, also looks for what is not signalled, and has
-    /// them come up to date by themselves first. Calls `done` once, possibly within this call.
+    /// Brings the wanted pages up to date. If `polls`, also looks for what is not signalled, and
+    /// has them come up to date by themselves first. Calls `done` once, possibly within this call.
     void read(bool polls, Task done);
 
     /// Whether a page has been asked to come up to date, and is to be read soon.
@@ -64,8 +64,7 @@ private:
 
     [[nodiscard]] Page& pageOf(const AtspiReference& reference);
     void readNext(std::size_t index, bool polls, const Task& done);
-    void rouse(Page& page, Task next);
-    void rouseFrames(const Page& page);
+    void rousePage(Page& page, Task next);
     static void readContent(Page& page, Task next);
     [[nodiscard]] static AccessiblePage publish(Page& page, bool& isAgain);
 

@@ -139,6 +139,25 @@ TEST_F(AtspiPagesTest, areFollowedIntoTheBackgroundForAsLongAsTheyAnswer) {
     ASSERT_TRUE(comesToPolling([&] { return !page("Meet"); }));
 }
 
+TEST_F(AtspiPagesTest, ofAProgramBuiltOnChromiumAreNeverShownStale) {
+    PlayedBrowser program("Chromium");
+    program.changeUnseen({"ann", "ben"});
+    auto plan = std::make_shared<ReadingPlan>();
+    plan->window = [](std::string_view) { return TreeExtent{.maxDepth = 20, .maxElements = 100}; };
+    request({self}, plan);
+    const auto first = [&] {
+        const auto windows = tree.windows(self).windows;
+        return windows.empty() ? AccessibleWindow{} : windows.front();
+    };
+    ASSERT_TRUE(comesTo([&] { return first().state != ReadState::notReadYet; }));
+    EXPECT_NE(find(first().tree, "ben"), nullptr);
+
+    program.change("window", {"tabs"}); // minimised when its pages were first asked for
+    program.application.tell("window", "Object", "ChildrenChanged", "remove");
+    EXPECT_TRUE(comesTo([&] { return first().state == ReadState::couldNotBeRead; }));
+    EXPECT_NE(first().problem, "");
+}
+
 TEST_F(AtspiPagesTest, followAFrameThatGoesElsewhere) {
     PlayedBrowser browser("Gecko");
     ASSERT_TRUE(comesToPolling([&] { return shows("Lobby"); }));
