@@ -15,6 +15,7 @@
 #include <set>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -42,7 +43,11 @@ struct UnseenMeeting {
     std::string applicationName;
     std::string_view platformName; ///< empty for a silent instance
 
-    auto operator<=>(const UnseenMeeting&) const = default;
+    bool operator==(const UnseenMeeting&) const = default;
+    bool operator<(const UnseenMeeting& other) const {
+        return std::tie(cause, applicationName, platformName) <
+               std::tie(other.cause, other.applicationName, other.platformName);
+    }
 };
 
 /// What a pass could look at. Distinguishes "found nothing" from "could not look".

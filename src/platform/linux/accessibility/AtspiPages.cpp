@@ -95,7 +95,7 @@ bool AtspiPages::isAnyBlank() const {
                        [](const auto& page) { return page->isRousing(); });
 }
 
-void AtspiPages::read(bool polls, Task done) {
+void AtspiPages::read(bool polls, const Task& done) {
     readNext(0, polls, done);
 }
 

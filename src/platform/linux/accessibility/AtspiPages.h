@@ -40,7 +40,7 @@ public:
 
     /// Brings the wanted pages up to date. If `polls`, also looks for what is not signalled, and
     /// has them come up to date by themselves first. Calls `done` once, possibly within this call.
-    void read(bool polls, Task done);
+    void read(bool polls, const Task& done);
 
     /// Whether a page has been asked to come up to date, and is to be read soon.
     [[nodiscard]] bool isAnyRousing() const;
