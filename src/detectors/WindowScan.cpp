@@ -8,9 +8,10 @@
 namespace quorva {
 namespace {
 
-constexpr std::size_t textLimit = 200;   ///< characters; longer texts are not names
-constexpr int deepestToolbarParent = 3;  ///< deeper ones are toolbars of documents
-constexpr int deepestPage = 8;           ///< of a window
+constexpr std::size_t textLimit = 200;  ///< characters; longer texts are not names
+constexpr int deepestToolbarParent = 3; ///< deeper ones are toolbars of documents
+constexpr int deepestPage = 8;          ///< of a window
+constexpr int deepestTab = 14;
 constexpr std::size_t neededSignals = 2; ///< a single one may be a chat message
 
 constexpr std::array<std::string_view, 8> meetingSignalPrefixes{
@@ -58,14 +59,17 @@ bool isWebContainer(AccessibilityRole role) {
     }
 }
 
-/// Whether a child may hold a page or a tab. A page within a page does not count.
-bool mayHoldPageOrTab(AccessibilityRole parent, AccessibilityRole child, int) {
+/// Whether a child may hold a page or a tab. A page within a page does not count. Tabs that stand
+/// in a column lie deeper than pages.
+bool mayHoldPageOrTab(AccessibilityRole parent, AccessibilityRole child, int depth) {
     using enum AccessibilityRole;
     if (parent == webArea || parent == tab)
         return false;
+    if (child == webArea)
+        return depth < deepestPage;
     if (parent == toolbar)
         return child == tabGroup || child == group;
-    return isWebContainer(child) || child == toolbar || (child == tab && parent == tabGroup);
+    return isWebContainer(child) || child == toolbar || child == tab;
 }
 
 bool isShort(std::string_view text) {
@@ -115,7 +119,7 @@ TreeExtent wholePageExtent() {
 }
 
 TreeExtent outlineExtent() {
-    return {.maxDepth = deepestPage + 1,
+    return {.maxDepth = deepestTab + 1,
             .maxElements = maxElementsBrowser,
             .descends = mayHoldPageOrTab};
 }

@@ -82,6 +82,17 @@ TEST(WindowScan, endsWhereTheBudgetsDo) {
     }
 }
 
+TEST(WindowScan, looksForPagesNearTheTopAndForTabsFurtherDown) {
+    const auto [maxDepth, maxElements, descends] = outlineExtent();
+    EXPECT_TRUE(descends(group, webArea, 7));
+    EXPECT_FALSE(descends(group, webArea, 8));
+    EXPECT_FALSE(descends(webArea, group, 3)) << "a page is not read";
+    EXPECT_TRUE(descends(toolbar, tabGroup, 1));
+    EXPECT_FALSE(descends(toolbar, button, 1));
+    EXPECT_TRUE(descends(scrollArea, tab, 9)) << "tabs that stand in a column";
+    EXPECT_GT(maxDepth, 10);
+}
+
 TEST(WindowScan, takesTwoControlsOfAMeetingForAMeeting) {
     using Texts = std::vector<std::string_view>;
     EXPECT_FALSE(hasActiveMeetingSignals(Texts{}));
