@@ -25,8 +25,10 @@ UNTIL_GONE = 30
 @contextlib.contextmanager
 def in_background_tab(browser, _windows):
     other = browser.open_tab("/elsewhere/tab", "News")
-    yield
-    other.tell("close")
+    try:
+        yield
+    finally:
+        other.tell("close")
 
 
 @contextlib.contextmanager
@@ -34,8 +36,10 @@ def minimised(browser, windows):
     window = windows.find(browser.page.title)
     windows.minimise(window)
     browser.page.wait_until_hidden()
-    yield
-    windows.activate(window)
+    try:
+        yield
+    finally:
+        windows.activate(window)
 
 
 @contextlib.contextmanager
@@ -52,15 +56,19 @@ def behind_own_window(browser, windows):
     browser.page.tell("openWindow", "/elsewhere/window")
     windows.fill_screen(windows.find("Weather"))
     browser.page.wait_until_hidden()
-    yield
-    other.tell("close")
+    try:
+        yield
+    finally:
+        other.tell("close")
 
 
 @contextlib.contextmanager
 def on_other_workspace(_browser, windows):
     windows.switch_to_workspace(1)
-    yield
-    windows.switch_to_workspace(0)
+    try:
+        yield
+    finally:
+        windows.switch_to_workspace(0)
 
 
 WAYS = [in_background_tab, minimised, behind_full_screen, behind_own_window, on_other_workspace]
@@ -69,9 +77,11 @@ each_way = pytest.mark.parametrize("way", WAYS, ids=lambda way: way.__name__)
 
 @contextlib.contextmanager
 def out_of_sight(way, browser, windows):
-    with way(browser, windows):
-        yield
-    browser.page.wait_until_shown()
+    try:
+        with way(browser, windows):
+            yield
+    finally:
+        browser.page.wait_until_shown()
 
 
 def join(meeting, name):

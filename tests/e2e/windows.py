@@ -59,9 +59,11 @@ class Windows:
     def full_screen_program(self):
         process = self.desktop.start(["/usr/bin/python3", "-c", FULL_SCREEN],
                                      stderr=subprocess.DEVNULL)
-        self.find("Presentation")
-        yield
-        self.desktop.end(process)
+        try:
+            self.find("Presentation")
+            yield
+        finally:
+            self.desktop.end(process)
 
     def click_control(self, application, role, text, button=1, key=""):
         """Clicks a control of the application's own, not of a page, whose name contains the text;
