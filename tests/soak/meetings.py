@@ -43,14 +43,17 @@ class Stage:
         self.pending = None  # the version of the page in which somebody joins, and the name
 
     def hide(self):
-        """Puts the meeting out of sight, in one of four ways."""
+        """Puts the meeting out of sight, in one of five ways."""
         self.number += 1
         self.way = self.choose.choice(["in a background tab", "minimised", "covered by its own",
-                                       "covered by a full-screen program"])
+                                       "covered by a full-screen program", "on another workspace"])
         self.back = contextlib.ExitStack()
         path = f"/elsewhere/{self.kind}{self.number}"
         if self.way == "minimised":
             self.windows.minimise(self.window)
+        elif self.way == "on another workspace":
+            self.windows.do("set_desktop_for_window", self.window, 1)
+            self.back.callback(self.windows.do, "set_desktop_for_window", self.window, 0)
         elif self.way == "covered by a full-screen program":
             self.back.enter_context(self.windows.full_screen_program())
         else:
@@ -136,6 +139,8 @@ class MeetingSoak:
             self.quorva.end()
         self.site.end()
         self.desktop.end_session()
+        if not self.told or not any(CLEAR in what for what in self.figures):
+            self.faults.append("too little happened to say anything")
         return self
 
     # What happens.
@@ -189,7 +194,7 @@ class MeetingSoak:
             self.faults.append(f"tray: no answer at {now - self.start:.1f} s")
             return
         self.figures["samples"] += 1
-        self.figures["samples that say clear"] += CLEAR in text
+        self.figures[f"samples that say {text.splitlines()[0]}"] += 1
         self.judge(CLEAR in text, now, "tray")
         self.note_told(now)
 
