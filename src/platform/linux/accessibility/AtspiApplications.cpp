@@ -158,6 +158,7 @@ ProcessIdentifier AtspiApplications::wantedProcessOf(Peer& peer) const {
 }
 
 void AtspiApplications::assign() {
+    countInstances();
     std::set<ProcessIdentifier> read;
     for (auto& [name, peer] : peers) {
         const auto former = std::exchange(peer.readFor, wantedProcessOf(peer));
@@ -179,14 +180,19 @@ void AtspiApplications::assign() {
             report(process);
 }
 
-/// Counts the instances of a browser that have not joined the bus.
-void AtspiApplications::countInstances(ProcessIdentifier main, AccessibleWindows& windows) const {
-    for (const auto instance : processes.instancesOf(main)) {
-        const bool isOnBus = std::any_of(peers.begin(), peers.end(), [&](const auto& peer) {
-            return processes.speaksFor(peer.second.process, instance);
-        });
-        if (!isOnBus)
-            ++(processes.isSettled(instance) ? windows.silentInstances : windows.startingInstances);
+/// Looks through all processes, so it is done once a request.
+void AtspiApplications::countInstances() {
+    absent.clear();
+    for (const auto& [main, request] : wanted) {
+        if (request.reading.plan->outline.maxElements == 0)
+            continue;
+        for (const auto instance : processes.instancesOf(main)) {
+            const bool isOnBus = std::any_of(peers.begin(), peers.end(), [&](const auto& peer) {
+                return processes.speaksFor(peer.second.process, instance);
+            });
+            if (!isOnBus)
+                ++(processes.isSettled(instance) ? absent[main].silent : absent[main].starting);
+        }
     }
 }
 
@@ -209,8 +215,10 @@ void AtspiApplications::report(ProcessIdentifier process) {
             answer.enableResult = peer.application->enableResult();
     }
     if (isOnBus) {
-        if (wanted.at(process).reading.plan->outline.maxElements > 0)
-            countInstances(process, answer.windows);
+        if (const auto others = absent.find(process); others != absent.end()) {
+            answer.windows.silentInstances = others->second.silent;
+            answer.windows.startingInstances = others->second.starting;
+        }
         return onAnswer(process, std::move(answer));
     }
     onAnswer(process, processes.isSettled(process)

@@ -65,7 +65,7 @@ private:
     [[nodiscard]] ProcessIdentifier wantedProcessOf(Peer& peer) const;
     void assign();
     void report(ProcessIdentifier process);
-    void countInstances(ProcessIdentifier main, AccessibleWindows& windows) const;
+    void countInstances();
 
     const AtspiRequests& wanted;
     const OnAnswer onAnswer;
@@ -78,6 +78,12 @@ private:
     Subscription owners;
     bool isListed = false;             ///< the registry has answered
     std::map<std::string, Peer> peers; ///< by name on the bus
+    /// Of browsers, those that have not joined the bus.
+    struct AbsentInstances {
+        int silent = 0;
+        int starting = 0;
+    };
+    std::map<ProcessIdentifier, AbsentInstances> absent;
     GSourcePtr listSoon;
     Lifetime lifetime;
 };
