@@ -60,6 +60,19 @@ std::optional<std::string_view> platformForURL(std::string_view url) {
     return std::nullopt;
 }
 
+namespace {
+
+/// Whether a tab that plays sound has a page with this title, or one that ends with it. Chromium
+/// says so in the tab's name. Many pages of a platform have its name; only a call plays sound.
+bool playsSoundOf(std::string_view lowerTitle, std::string_view platform) {
+    const auto page = lowerTitle.substr(0, lowerTitle.find(" - audio playing"));
+    return page.size() < lowerTitle.size() && page.ends_with(platform) &&
+           (page.size() == platform.size() ||
+            page.substr(0, page.size() - platform.size()).ends_with(' '));
+}
+
+} // namespace
+
 /// A room of Google Meet has the title "Meet - abc-defg-hij", or "Meet" while it opens.
 std::optional<std::string_view> platformForTabTitle(std::string_view title) {
     if (isNonMeetingBrowserTitle(title))
@@ -68,7 +81,8 @@ std::optional<std::string_view> platformForTabTitle(std::string_view title) {
     if (lower == "meet" || lower.starts_with("meet - ") || lower.starts_with("meet \u2013 "))
         return "Google Meet";
     for (const auto& platform : meetingPlatforms())
-        if (platform.isBrowser && containsAny(lower, platform.meetingWindowPatterns))
+        if (platform.isBrowser && (containsAny(lower, platform.meetingWindowPatterns) ||
+                                   playsSoundOf(lower, lowerCased(platform.name))))
             return platform.name;
     return std::nullopt;
 }

@@ -116,9 +116,11 @@ TEST(MeetingPlatforms, tellThePlatformOfATabByItsTitle) {
     EXPECT_EQ(platformForTabTitle("Meet - abc-defg-hij - Memory usage - 22.8 MB"), "Google Meet");
     EXPECT_EQ(platformForTabTitle("Meet \u2013 Weekly"), "Google Meet");
     EXPECT_EQ(platformForTabTitle("Zoom Meeting"), "Zoom");
+    EXPECT_EQ(platformForTabTitle("Weekly - Zoom - Audio playing - Memory usage - 25 MB"), "Zoom");
     EXPECT_EQ(platformForTabTitle("Weekly | Microsoft Teams - Audio playing"), "Teams");
-    for (const auto* const title : {"", "Meet the team - Acme", "Meetings", "Inbox (3) - Mail",
-                                    "google meet - Google Search"})
+    for (const auto* const title :
+         {"", "Meet the team - Acme", "Meetings", "Plans - Zoom", "The zoom lens - Audio playing",
+          "Inbox (3) - Mail", "google meet - Google Search"})
         EXPECT_EQ(platformForTabTitle(title), std::nullopt) << title;
 }
 
