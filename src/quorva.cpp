@@ -197,6 +197,10 @@ int run(char* programName) {
 
     // No options are taken, Qt's own included; and Qt must share GLib's loop.
     qunsetenv("QT_NO_GLIB");
+    // On a Wayland compositor without input devices, Qt 6.4 crashes when a text field asks its own
+    // input context for a language. Composed characters are enough for e-mail addresses.
+    if (!qEnvironmentVariableIsSet("QT_IM_MODULE"))
+        qputenv("QT_IM_MODULE", "compose");
     int count = 1;
     char* arguments[] = {programName, nullptr};
     QApplication qt(count, arguments);

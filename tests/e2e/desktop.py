@@ -12,7 +12,7 @@ from conftest import DEADLINE, Computer, wait_until
 SESSION = pathlib.Path(__file__).parents[1] / "support" / "private-session.sh"
 ZOOM_WINDOW = pathlib.Path(__file__).with_name("zoom_window.py")
 LAUNCHER = ("org.a11y.Bus", "/org/a11y/bus")
-SCREEN = "1280x900x24"
+SCREEN = "1280x1200x24"  # as high as the longest page of the settings
 
 
 class Session(Computer):
@@ -63,7 +63,7 @@ class Session(Computer):
         """Starts a compositor without screen, keyboard and mouse."""
         runtime = pathlib.Path(self.environment["XDG_RUNTIME_DIR"])
         self.start(["weston", "--backend=headless-backend.so", "--socket=wayland-test",
-                    "--idle-time=0", "--width=1280", "--height=900"],
+                    "--idle-time=0", "--width=1280", "--height=1200"],
                    stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
         wait_until((runtime / "wayland-test").exists, "the compositor")
         self.environment |= {"WAYLAND_DISPLAY": "wayland-test", "XDG_SESSION_TYPE": "wayland"}

@@ -55,7 +55,7 @@ class Screen:
         """Makes a window as high as the screen, so that an element shows: elements that are scrolled
         away are not showing. A window that is still opening may change its size again."""
         def is_shown():
-            subprocess.run(["xdotool", "search", "--name", window, "windowsize", "700", "860"],
+            subprocess.run(["xdotool", "search", "--name", window, "windowsize", "700", "1150"],
                            env=self.desktop.environment, check=True, timeout=DEADLINE)
             return self.reader.shows(until)
         wait_until(is_shown, f'"{until}" on the screen')
@@ -191,6 +191,7 @@ def test_keeps_what_is_set(screen):
     before = {}
     for tab, switches in SWITCHES.items():
         reader.press(tab, role="page tab")
+        here.enlarge("Quorva Settings", until=switches[-1])
         for name in switches:
             before[name] = reader.find(name).is_(CHECKED)
             reader.press(name)
@@ -203,6 +204,7 @@ def test_keeps_what_is_set(screen):
     here.icon.choose("Open settings")
     for tab, switches in SWITCHES.items():
         reader.press(tab, role="page tab")
+        here.enlarge("Quorva Settings", until=switches[-1])
         for name in switches:
             assert reader.find(name).is_(CHECKED) != before[name], name
     assert (here.desktop.home / "config/autostart/com.veltran.QuorvaApp.desktop").exists()
