@@ -50,7 +50,6 @@ MeetingCandidate candidateOf(const AccessibleWindow& window, bool isPage) {
                                .extent = window.extent,
                                .tree = window.tree};
     candidate.lowerTitle = lowerCased(window.title);
-    candidate.isSearchPage = isPage && isNonMeetingBrowserTitle(window.title);
     return candidate;
 }
 

@@ -66,6 +66,18 @@ std::string describeAll(const std::vector<UnseenMeeting>& meetings) {
     return all;
 }
 
+/// What was there and was not seen, or not wholly.
+std::string describeGaps(const MeetingCoverage& looked) {
+    auto gaps = describeAll(looked.unseen);
+    if (!looked.failed.empty())
+        gaps += fmt::format(
+            "{}Windows that can't be looked at: {}. Bots in their meetings are not seen.",
+            gaps.empty() ? "" : " ", someOf(looked.failed, [](const UnseenMeetingWindow& window) {
+                return fmt::format("{} ({})", window.applicationName, window.problem);
+            }));
+    return gaps;
+}
+
 } // namespace
 
 MeetingSource::MeetingSource(Platform& platform)
@@ -128,15 +140,8 @@ SourceState MeetingSource::sight() const {
     if (!canListProcesses())
         return {notAvailable,
                 "The processes of this computer can't be listed: bots in meetings are not seen."};
-    if (!looked.failed.empty())
-        return {
-            partlyBlind,
-            fmt::format("Windows that can't be looked at: {}. Bots in their meetings are not seen.",
-                        someOf(looked.failed, [](const UnseenMeetingWindow& window) {
-                            return fmt::format("{} ({})", window.applicationName, window.problem);
-                        }))};
-    if (!looked.unseen.empty())
-        return {partlyBlind, describeAll(looked.unseen)};
+    if (!looked.failed.empty() || !looked.unseen.empty())
+        return {partlyBlind, describeGaps(looked)};
     if (!looked.notReadYet.empty())
         return {looking, {}};
     return {ok, {}};
@@ -153,16 +158,14 @@ std::string MeetingSource::detail() const {
     if (!canListProcesses())
         return remedies::processesCannotBeListed;
     const auto& looked = *monitor.coverage;
-    auto unseen = looked.failed;
-    unseen.insert(unseen.end(), looked.notReadYet.begin(), looked.notReadYet.end());
-    if (!unseen.empty()) {
-        auto detail = fmt::format("windows that can't be read: {}", unseen.size());
-        for (const auto& window : unseen)
-            detail += "; " + describeWindow(window);
-        return detail;
-    }
-    auto detail = fmt::format("applications that may hold meetings: {}; meeting windows: {}",
-                              looked.applications, looked.windows);
+    auto unread = looked.failed;
+    unread.insert(unread.end(), looked.notReadYet.begin(), looked.notReadYet.end());
+    auto detail = unread.empty()
+                      ? fmt::format("applications that may hold meetings: {}; meeting windows: {}",
+                                    looked.applications, looked.windows)
+                      : fmt::format("windows that can't be read: {}", unread.size());
+    for (const auto& window : unread)
+        detail += "; " + describeWindow(window);
     if (!looked.unseen.empty())
         detail += "; " + describeAll(looked.unseen);
     return detail;

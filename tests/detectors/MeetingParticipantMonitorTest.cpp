@@ -142,17 +142,20 @@ TEST_F(MeetingParticipantMonitorTest, logsWhatHasChangedOnly) {
 TEST_F(MeetingParticipantMonitorTest, saysWhatItCouldNotReadAndLogsItWhenItBegins) {
     tree.applications[zoom].problem = "no answer";
     auto& windows = tree.applications[chrome].windows;
-    windows = {{.title = "Salaries", .tree = browserWindow("", {}), .problem = "it went away"},
+    windows = {{.title = "Salaries - Google Search",
+                .tree = browserWindow("", {}),
+                .problem = "it went away"},
                {.title = "Zoom Meeting",
                 .tree = browserWindow("https://app.zoom.us/wc/1", {otter}),
                 .isReadWholly = false}};
     for (int i = 0; i < 3; ++i)
         pass();
-    EXPECT_EQ(monitor->coverage.get(),
-              (MeetingCoverage{.applications = 3,
-                               .failed = {{zoom, "Zoom", "", "no answer"},
-                                          {chrome, "Chrome", "Salaries", "it went away"}},
-                               .notReadYet = {{chrome, "Chrome", "Zoom Meeting", ""}}}));
+    EXPECT_EQ(
+        monitor->coverage.get(),
+        (MeetingCoverage{.applications = 3,
+                         .failed = {{zoom, "Zoom", "", "no answer"},
+                                    {chrome, "Chrome", "Salaries - Google Search", "it went away"}},
+                         .notReadYet = {{chrome, "Chrome", "Zoom Meeting", ""}}}));
     EXPECT_EQ(*monitor->activeMeetingPlatform, std::nullopt);
     EXPECT_EQ(logged(LogLevel::notice, "The windows of Zoom (PID: 100) can't be read: no answer"),
               1U);

@@ -225,7 +225,14 @@ TEST_F(ScanTest, saysWhyMeetingsCouldNotBeLookedAt) {
         (SourceReport{"meeting", SourceState::Kind::partlyBlind,
                       "windows that can't be read: 1; Zoom \"Zoom Meeting 2\": it went away"}));
 
+    windows[0].tree = meetingWindow(std::vector<std::string>(2000, "Ann"));
+    const auto twice = look(meetingOnly).sources.at(0).detail;
+    EXPECT_THAT(twice, HasSubstr("it went away"));
+    EXPECT_THAT(twice, HasSubstr("shows more than is looked at"));
+
     windows.pop_back();
+    EXPECT_EQ(look(meetingOnly).exitStatus(), 3);
+    inZoom({"Ann"});
     EXPECT_EQ(look(meetingOnly).exitStatus(), 0);
     table.canBeListed = false;
     EXPECT_EQ(look(meetingOnly).exitStatus(), 3) << "who knows what runs";

@@ -30,7 +30,7 @@ struct AtspiPages::Page {
     std::unique_ptr<AtspiReadTree> content; ///< null when it is not wanted
     bool wasRead = false;
 
-    [[nodiscard]] bool isRousing() const { return isBlank && blankTries < maxBlankTries; }
+    [[nodiscard]] bool mayShowSoon() const { return isBlank && blankTries < maxBlankTries; }
 };
 
 AtspiPages::AtspiPages(AtspiCalls& calls_, AtspiApplicationTraits& traits_)
@@ -81,18 +81,18 @@ void AtspiPages::update(const std::vector<Listed>& listed, const ReadingPlan& pl
 
 bool AtspiPages::isAnyWanted() const {
     return std::any_of(pages.begin(), pages.end(),
-                       [](const auto& page) { return page->content || page->isRousing(); });
+                       [](const auto& page) { return page->content || page->mayShowSoon(); });
 }
 
 bool AtspiPages::isAnyRousing() const {
     return std::any_of(pages.begin(), pages.end(), [](const auto& page) {
-        return page->isRousing() || (page->content && !page->wasRead && page->firstRoused != 0);
+        return page->mayShowSoon() || (page->content && !page->wasRead && page->firstRoused != 0);
     });
 }
 
 bool AtspiPages::isAnyBlank() const {
     return std::any_of(pages.begin(), pages.end(),
-                       [](const auto& page) { return page->isRousing(); });
+                       [](const auto& page) { return page->mayShowSoon(); });
 }
 
 void AtspiPages::read(bool polls, const Task& done) {
@@ -100,7 +100,7 @@ void AtspiPages::read(bool polls, const Task& done) {
 }
 
 void AtspiPages::readNext(std::size_t index, bool polls, const Task& done) {
-    while (index < pages.size() && !pages[index]->content && !pages[index]->isRousing())
+    while (index < pages.size() && !pages[index]->content && !pages[index]->mayShowSoon())
         ++index;
     if (index == pages.size())
         return done();
@@ -120,7 +120,7 @@ void AtspiPages::rousePage(Page& page, Task next) {
     rouse(calls, page.reference,
           lifetime.guard([this, &page, next = std::move(next)](GVariant* reply) {
               page.isGone = reply == nullptr && !page.isListed;
-              if (page.isRousing())
+              if (page.mayShowSoon())
                   ++page.blankTries;
               const auto now = g_get_monotonic_time();
               if (page.firstRoused == 0)
@@ -185,7 +185,7 @@ std::vector<AccessiblePage> AtspiPages::of(const AtspiReference& window, bool is
 AccessiblePage AtspiPages::publish(Page& page, bool& isAgain) {
     AccessiblePage shown{.title = page.title, .url = page.url, .isShown = page.isShown};
     if (page.isBlank) {
-        if (!page.isRousing())
+        if (!page.mayShowSoon())
             shown.state = ReadState::read; // and there is nothing
         return shown;
     }
