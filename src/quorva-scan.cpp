@@ -18,7 +18,6 @@
 #include "scan/Scan.h"
 #include "scan/SelfTestReport.h"
 
-#include <fmt/format.h>
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
@@ -72,7 +71,7 @@ int lookOnce(const ScanOptions& options, LinuxServices& services) {
         services.loop.quit();
     });
     services.loop.run();
-    fmt::print("{}", options.json ? dump(report.toJson()) + "\n" : report.toText());
+    print(stdout, options.json ? dump(report.toJson()) + "\n" : report.toText());
     return report.exitStatus();
 }
 
@@ -96,16 +95,17 @@ int watch(const ScanOptions& options, LinuxServices& services) {
     }
     Scan scan(options, services.platform);
     int status = 0;
-    const auto print = [](const std::string& line) {
-        fmt::print("{}\n", line);
+    const auto print = [](const Printable& line) {
+        quorva::print(stdout, line + "\n");
         std::fflush(stdout);
     };
     scan.watch(print, [&](const std::vector<SourceReport>& reports) {
         const auto isWatched = [](const SourceReport& report) { return report.isOk(); };
         for (const auto& report : reports)
             if (!isWatched(report))
-                fmt::print(stderr, "quorva-scan: the source {} is not watched: {}\n", report.source,
-                           report.detail);
+                quorva::print(stderr,
+                              Printable::format("quorva-scan: the source {} is not watched: {}\n",
+                                                report.source, report.detail));
         if (std::none_of(reports.begin(), reports.end(), isWatched)) {
             status = notLookedAt;
             quit();
@@ -128,13 +128,13 @@ int selfTest(const ScanOptions& options, LinuxServices& services) {
         [&](const DrillFinding& finding) {
             if (options.json)
                 return;
-            fmt::print("{}", describeLink(finding));
+            print(stdout, describeLink(finding));
             std::fflush(stdout);
         },
         [&](const std::vector<DrillFinding>& findings) {
             status = selfTestStatus(findings);
-            fmt::print("{}", options.json ? dump(selfTestToJson(findings)) + "\n"
-                                          : describeSelfTest(findings));
+            print(stdout, options.json ? dump(selfTestToJson(findings)) + "\n"
+                                       : describeSelfTest(findings));
             quit();
         });
     services.loop.run();
@@ -146,11 +146,11 @@ int run(const std::vector<std::string_view>& arguments) {
         return *status;
     const auto [options, problem] = parseScanOptions(arguments);
     if (!options) {
-        fmt::print(stderr, "quorva-scan: {}\n\n{}", problem, scanUsage());
+        print(stderr, Printable::format("quorva-scan: {}\n\n{}", problem, scanUsage()));
         return wrongUse;
     }
     if (options->help || options->version) {
-        fmt::print("{}", options->help ? scanUsage() : "quorva-scan " QUORVA_VERSION "\n");
+        print(stdout, options->help ? scanUsage() : "quorva-scan " QUORVA_VERSION "\n");
         return 0;
     }
     LinuxServices services(*options);
@@ -168,7 +168,7 @@ int main(int count, char* texts[]) {
             throw std::system_error(errno, std::system_category(), "the output can't be written");
         return status;
     } catch (const std::exception& failure) {
-        std::fprintf(stderr, "quorva-scan: %s\n", failure.what());
+        print(stderr, Printable::format("quorva-scan: {}\n", failure.what()));
         return wrongUse;
     }
 }

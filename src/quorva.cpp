@@ -54,7 +54,7 @@ Bus share(const Bus& bus) {
 }
 
 int refuse(const std::string& reason) {
-    fmt::print(stderr, "quorva: {}\n", reason);
+    print(stderr, Printable::format("quorva: {}\n", reason));
     return cannotStart;
 }
 
@@ -187,8 +187,9 @@ int run(char* programName) {
                       "through: start Quorva from within a desktop session. (" +
                       (bus ? claim.reason : reason) + ")");
     if (claim.kind == Kind::second) {
-        fmt::print("Quorva is running already{}.\n",
-                   claim.hasAnswered ? " and shows itself" : ", but does not answer just now");
+        print(stdout, Printable::format("Quorva is running already{}.\n",
+                                        claim.hasAnswered ? " and shows itself"
+                                                          : ", but does not answer just now"));
         return EXIT_SUCCESS;
     }
     if (!LinuxPanelWatch::hasDisplay())

@@ -1,6 +1,5 @@
 #include "base/Text.h"
 
-#include <fmt/format.h>
 #include <unicode/brkiter.h>
 #include <unicode/locid.h>
 #include <unicode/uchar.h>
@@ -206,26 +205,6 @@ std::string_view lastPathComponent(std::string_view path) {
         return {};
     path = path.substr(0, end + 1);
     return path.substr(path.rfind('/') + 1); // npos + 1 is 0: the whole text
-}
-
-std::string printable(std::string_view text) {
-    std::string shown;
-    const auto* bytes = reinterpret_cast<const uint8_t*>(text.data());
-    const auto length = static_cast<int32_t>(text.size());
-    for (int32_t at = 0; at < length;) {
-        const auto start = static_cast<std::size_t>(at);
-        UChar32 c = 0;
-        U8_NEXT(bytes, at, length, c);
-        if (c == '\n')
-            shown += "\\n";
-        else if (c < 0)
-            shown += "\uFFFD";
-        else if (hasCategory(c, U_GC_CC_MASK | U_GC_CF_MASK | U_GC_ZL_MASK | U_GC_ZP_MASK))
-            shown += fmt::format("\\u{:04x}", static_cast<uint32_t>(c));
-        else
-            shown += text.substr(start, static_cast<std::size_t>(at) - start);
-    }
-    return shown;
 }
 
 } // namespace quorva

@@ -46,8 +46,4 @@ namespace quorva {
 /// The text after the last "/", ignoring trailing slashes: "b" for "/a/b" and for "/a/b/".
 [[nodiscard]] std::string_view lastPathComponent(std::string_view path);
 
-/// The text with control characters and invisible direction marks escaped ("\n", "\u001b"), so that
-/// it cannot rearrange the terminal or the line that shows it.
-[[nodiscard]] std::string printable(std::string_view text);
-
 } // namespace quorva

@@ -33,7 +33,7 @@ void Announcer::announce(const FindingPtr& finding) {
     if (allowList.allows(*finding))
         return;
     auto event = finding->record();
-    log.notice(fmt::format("Detected: {} ({})", event.botName, event.method),
+    log.notice(Printable::format("Detected: {} ({})", event.botName, event.method),
                logCategory::appState);
     if (!settings.showNotifications)
         return detectionLog.add(std::move(event));
@@ -53,7 +53,7 @@ void Announcer::announceGone(const Finding& finding) {
 
 void Announcer::announceSightLost(const SourceProfile& source, const std::string& text) {
     const Time now = loop.now();
-    log.notice("Not seen: " + printable(text), logCategory::appState);
+    log.notice(Printable::format("Not seen: {}", text), logCategory::appState);
     std::erase_if(sightLosses, [&](Time then) { return now - then >= periodOfSightLosses; });
     if (sightLosses.size() == mostSightLosses)
         return;

@@ -81,7 +81,8 @@ void AppState::startMonitoring() {
                                                                      : "false";
         started += fmt::format(" {}={}", source->profile.logName, state);
     }
-    services.platform.log.info("startMonitoring:" + started, logCategory::appState);
+    services.platform.log.info(Printable::format("startMonitoring:{}", started),
+                               logCategory::appState);
 }
 
 void AppState::stopMonitoring() {

@@ -77,7 +77,7 @@ std::vector<Limitation> Limitations::current() const {
         found.push_back({"notifications", std::move(problem)});
     if (const auto problem = speech.problem())
         found.push_back(
-            {"speech", fmt::format("Objections are not spoken: {}", printable(*problem))});
+            {"speech", fmt::format("Objections are not spoken: {}", printable(*problem).str())});
     if (!hasTray)
         found.push_back({"tray", "This desktop shows no tray icons: start Quorva again to open its "
                                  "window."});
@@ -90,10 +90,10 @@ void Limitations::update() {
         return;
     for (const auto& limitation : next)
         if (!isAmong(*all, limitation.part))
-            log.notice(limitation.text, logCategory::appState);
+            log.notice(printable(limitation.text), logCategory::appState);
     for (const auto& ended : *all)
         if (!isAmong(next, ended.part))
-            log.info("No longer so: " + ended.text, logCategory::appState);
+            log.info(Printable::format("No longer so: {}", ended.text), logCategory::appState);
     all = std::move(next);
 }
 

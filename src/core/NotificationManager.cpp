@@ -28,7 +28,8 @@ void NotificationManager::requestAuthorizationIfNeeded() {
             return;
         center.requestAuthorization(lifetime.guard([this](const std::optional<std::string>& error) {
             if (error)
-                log.error("Notification permission error: " + *error, logCategory::notification);
+                log.error(Printable::format("Notification permission error: {}", *error),
+                          logCategory::notification);
         }));
     }));
 }

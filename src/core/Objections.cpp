@@ -22,7 +22,7 @@ constexpr double speechPitch = 1.0;
 std::string toastTextFor(const std::optional<std::string>& problem) {
     if (!problem)
         return "Statement spoken · full text copied to clipboard";
-    auto reason = printable(*problem);
+    auto reason = printable(*problem).str();
     while (reason.ends_with('.'))
         reason.pop_back();
     if (!reason.empty())

@@ -100,9 +100,10 @@ void RecordLog<Record>::setAside(const PreferenceValue& stored, std::size_t fail
         preferences.set(place, stored);
         preferences.set(newest, place);
     }
-    log.error(failed > 0 ? fmt::format("{} entries of {} can't be read; all of it was copied to {}",
-                                       failed, shape.key, place)
-                         : fmt::format("{} can't be read; it was copied to {}", shape.key, place),
+    log.error(failed > 0
+                  ? Printable::format("{} entries of {} can't be read; all of it was copied to {}",
+                                      failed, shape.key, place)
+                  : Printable::format("{} can't be read; it was copied to {}", shape.key, place),
               logCategory::appState);
 }
 

@@ -86,13 +86,13 @@ void Settings::adopt(LoginItemStatus status) {
 void Settings::applyLaunchAtLogin() {
     firstStatus.reset(); // it is out of date
     isLoginItemOn = launchAtLogin;
-    loginItem.setEnabled(launchAtLogin,
-                         lifetime.guard([this](const std::optional<std::string>& failure) {
-                             if (!failure)
-                                 return;
-                             isLoginItemOn.reset();
-                             log.error("SMAppService error: " + *failure, logCategory::appState);
-                         }));
+    loginItem.setEnabled(
+        launchAtLogin, lifetime.guard([this](const std::optional<std::string>& failure) {
+            if (!failure)
+                return;
+            isLoginItemOn.reset();
+            log.error(Printable::format("SMAppService error: {}", *failure), logCategory::appState);
+        }));
 }
 
 } // namespace quorva

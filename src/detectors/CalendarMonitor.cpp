@@ -97,13 +97,14 @@ CalendarMonitor::CalendarMonitor(MainLoop& loop_, CalendarStore& eventStore_,
       dismissedDetections(loadKeys(preferenceKeys::calendarDismissed)) {}
 
 void CalendarMonitor::requestAccess(std::function<void(bool)> done) {
-    eventStore.requestFullAccess(lifetime.guard([this, done = std::move(done)](
-                                                    const CalendarStore::AccessAnswer& answer) {
-        if (answer.error)
-            log.error("Error requesting calendar access: " + *answer.error, logCategory::calendar);
-        refreshAuthorization();
-        done(!answer.error && answer.granted);
-    }));
+    eventStore.requestFullAccess(
+        lifetime.guard([this, done = std::move(done)](const CalendarStore::AccessAnswer& answer) {
+            if (answer.error)
+                log.error(Printable::format("Error requesting calendar access: {}", *answer.error),
+                          logCategory::calendar);
+            refreshAuthorization();
+            done(!answer.error && answer.granted);
+        }));
 }
 
 void CalendarMonitor::startMonitoring() {
@@ -318,8 +319,8 @@ void CalendarMonitor::reportFailed(const std::vector<FailedCalendar>& failed) {
                 return known.identifier == calendar.identifier &&
                        known.calendarName == calendar.calendarName;
             }))
-            log.error(fmt::format("The calendar \"{}\" can't be read: {}",
-                                  printable(calendar.calendarName), printable(calendar.reason)),
+            log.error(Printable::format("The calendar \"{}\" can't be read: {}",
+                                        calendar.calendarName, calendar.reason),
                       logCategory::calendar);
     failedCalendars = failed;
 }

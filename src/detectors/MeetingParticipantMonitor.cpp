@@ -51,8 +51,8 @@ void MeetingParticipantMonitor::startMonitoring() {
         return;
     }
     isMonitoring = true;
-    log.info(fmt::format("Started participant list monitoring (poll interval: {:.1f}s)",
-                         pollInterval.count()),
+    log.info(Printable::format("Started participant list monitoring (poll interval: {:.1f}s)",
+                               pollInterval.count()),
              logCategory::participant);
     schedulePass();
     pollTimer = loop.every(pollInterval, lifetime.guard([this] { schedulePass(); }));
@@ -139,25 +139,27 @@ void MeetingParticipantMonitor::enable(const std::vector<MeetingApplication>& pr
         const int error = tree.enable(process, *which);
         const bool isElectron = which == AccessibilitySwitch::manualAccessibility;
         if (error == 0)
-            say(LogLevel::debug, fmt::format("Enabled {} (PID: {})",
-                                             isElectron ? "Accessibility tree for Electron app"
-                                                        : "AXEnhancedUserInterface for browser",
-                                             process));
+            say(LogLevel::debug,
+                Printable::format("Enabled {} (PID: {})",
+                                  isElectron ? "Accessibility tree for Electron app"
+                                             : "AXEnhancedUserInterface for browser",
+                                  process));
         else if (isElectron)
-            say(LogLevel::debug, fmt::format("Could not enable AX tree for PID {} (error: {}) — "
-                                             "will use partial tree",
-                                             process, error));
+            say(LogLevel::debug,
+                Printable::format("Could not enable AX tree for PID {} (error: {}) — "
+                                  "will use partial tree",
+                                  process, error));
         else
             say(LogLevel::debug,
-                fmt::format("Could not enable AXEnhancedUserInterface for PID {} (error: {})",
-                            process, error));
+                Printable::format("Could not enable AXEnhancedUserInterface for PID {} (error: {})",
+                                  process, error));
     }
 }
 
 /// Logs a message that has not been logged lately: only changes are of interest.
-void MeetingParticipantMonitor::say(LogLevel level, const std::string& message) {
+void MeetingParticipantMonitor::say(LogLevel level, const Printable& message) {
     const auto now = loop.now();
-    const auto [at, isNew] = said.try_emplace(message, now);
+    const auto [at, isNew] = said.try_emplace(message.str(), now);
     if (isNew)
         log.write(level, message, logCategory::participant, CallSite::current());
     at->second = now;

@@ -88,7 +88,7 @@ public:
 
 private:
     void enable(const std::vector<MeetingApplication>& present);
-    void say(LogLevel level, const std::string& message);
+    void say(LogLevel level, const Printable& message);
     void request(const std::vector<MeetingApplication>& present);
     const std::shared_ptr<const ReadingPlan>& planFor(const std::string& bundleIdentifier);
 

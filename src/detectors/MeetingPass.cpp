@@ -166,17 +166,18 @@ void MeetingPass::noteDiagnostics(const MeetingPlatform& platform,
                                   const MeetingWindowFindings& findings) {
     if (findings.textCount == 0)
         say(LogLevel::notice,
-            fmt::format("AX tree empty for {} window — permission or browser AX setting may be off",
-                        platform.name));
+            Printable::format(
+                "AX tree empty for {} window — permission or browser AX setting may be off",
+                platform.name));
     else if (platform.isBrowser && findings.textCount < fewTexts)
         say(LogLevel::notice,
-            fmt::format("AX tree partial for {}: only {} elements (expected 100+)", platform.name,
-                        findings.textCount));
+            Printable::format("AX tree partial for {}: only {} elements (expected 100+)",
+                              platform.name, findings.textCount));
     if (findings.isCutShort)
         say(LogLevel::notice,
-            fmt::format("Element budget exhausted ({}) scanning {}",
-                        platform.isBrowser ? maxElementsBrowser : maxElementsNative,
-                        platform.name));
+            Printable::format("Element budget exhausted ({}) scanning {}",
+                              platform.isBrowser ? maxElementsBrowser : maxElementsNative,
+                              platform.name));
 }
 
 /// Lists a window or application that could not be read, once. Titles are private and are not
@@ -187,10 +188,9 @@ void MeetingPass::noteFailing(const MeetingApplication& application, int index,
         return;
     results.coverage.failed.push_back(
         {application.process, application.name, windowTitle, problem});
-    say(LogLevel::notice,
-        fmt::format("{} of {} (PID: {}) can't be read: {}",
-                    index == wholeApplication ? "The windows" : "A window",
-                    printable(application.name), application.process, printable(problem)));
+    say(LogLevel::notice, Printable::format("{} of {} (PID: {}) can't be read: {}",
+                                            index == wholeApplication ? "The windows" : "A window",
+                                            application.name, application.process, problem));
 }
 
 void MeetingPass::noteWaiting(const MeetingApplication& application, int index) {
@@ -202,7 +202,7 @@ void MeetingPass::noteWaiting(const MeetingApplication& application, int index) 
     results.coverage.notReadYet.push_back({application.process, application.name, title, {}});
 }
 
-void MeetingPass::say(LogLevel level, std::string message) {
+void MeetingPass::say(LogLevel level, Printable message) {
     results.messages.emplace(level, std::move(message));
 }
 

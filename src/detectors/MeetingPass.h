@@ -94,7 +94,7 @@ public:
         std::set<std::string_view> platforms;             ///< whose meetings were looked at
         std::map<std::string_view, std::set<ProcessIdentifier>> processes; ///< with a meeting
         std::set<MeetingKey> waiting;
-        std::set<std::pair<LogLevel, std::string>> messages; ///< for the log
+        std::set<std::pair<LogLevel, Printable>> messages; ///< for the log
     };
 
     /// Looks at all of them. The applications and the walks must outlive the pass, new detections
@@ -115,7 +115,7 @@ private:
                      const std::string& windowTitle, const std::string& problem);
     void noteWaiting(const MeetingApplication& application, int index);
     void noteDiagnostics(const MeetingPlatform& platform, const MeetingWindowFindings& findings);
-    void say(LogLevel level, std::string message);
+    void say(LogLevel level, Printable message);
 
     const std::vector<MeetingApplication>& applications;
     MeetingWindowWalks& walks;

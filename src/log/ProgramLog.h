@@ -4,8 +4,6 @@
 #include "log/QuorvaLog.h"
 #include "platform/FileSystem.h"
 
-#include <fmt/format.h>
-
 #include <cstdio>
 #include <filesystem>
 #include <memory>
@@ -18,7 +16,7 @@ inline void startLogFile(QuorvaLog& log, FileSystem& files, const MainLoop& loop
                          const std::filesystem::path& stateFolder, const BuildInfo& build) {
     log.bootstrap(std::make_shared<FileLogMirror>(
         files, loop, stateFolder / "Logs" / "Quorva", build,
-        [](std::string_view message) { fmt::print(stderr, "{}\n", message); }));
+        [](std::string_view message) { print(stderr, Printable::format("{}\n", message)); }));
 }
 
 } // namespace quorva

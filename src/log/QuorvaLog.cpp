@@ -41,37 +41,37 @@ void QuorvaLog::bootstrap(std::shared_ptr<FileLogMirror> logFile) {
         mirror->start();
     });
     if (started)
-        info(fmt::format("QuorvaLog bootstrap. Log file: {}", where), logCategory::appState);
+        info(Printable::format("QuorvaLog bootstrap. Log file: {}", where), logCategory::appState);
 }
 
-void QuorvaLog::write(LogLevel level, std::string_view message, QuorvaLogCategory category,
+void QuorvaLog::write(LogLevel level, const Printable& message, QuorvaLogCategory category,
                       CallSite site) {
     if (const auto count = dropped.exchange(0); count > 0)
         if (!post(LogLevel::error,
-                  fmt::format("{} messages were not logged: too many at once", count),
+                  Printable::format("{} messages were not logged: too many at once", count),
                   logCategory::appState, CallSite::current()))
             dropped += count;
     if (!post(level, message, category, site))
         ++dropped;
 }
 
-bool QuorvaLog::post(LogLevel level, std::string_view message, QuorvaLogCategory category,
+bool QuorvaLog::post(LogLevel level, const Printable& message, QuorvaLogCategory category,
                      CallSite site) {
     std::string line;
-    line.reserve(message.size() + sizeOfTheRest);
+    line.reserve(message.str().size() + sizeOfTheRest);
     line.append(iso8601(loop.now()));
     line.append(" [").append(nameOf(level)).append("] [").append(category.category).append("] ");
     const auto start = line.size();
-    line.append(message);
+    line.append(message.str());
     line.append(" (").append(baseName(site.file)).append(":");
     line.append(fmt::format_int(site.line).c_str()).append(")\n");
 
-    return queue.post(
-        [this, level, category, site, start, length = message.size(), line = std::move(line)] {
-            systemLog.send(level, std::string_view(line).substr(start, length), category, site);
-            if (mirror)
-                mirror->append(line);
-        });
+    return queue.post([this, level, category, site, start, length = message.str().size(),
+                       line = std::move(line)] {
+        systemLog.send(level, std::string_view(line).substr(start, length), category, site);
+        if (mirror)
+            mirror->append(line);
+    });
 }
 
 void QuorvaLog::flush() {

@@ -28,7 +28,7 @@ public:
     /// Starts the log file and logs its path. Earlier messages are not in the file. Call it once.
     void bootstrap(std::shared_ptr<FileLogMirror> logFile);
 
-    void write(LogLevel level, std::string_view message, QuorvaLogCategory category,
+    void write(LogLevel level, const Printable& message, QuorvaLogCategory category,
                CallSite site) override;
 
     /// Waits until the messages logged so far have been written, which may wait for a disk.
@@ -36,7 +36,7 @@ public:
 
 private:
     /// False when the queue is full.
-    bool post(LogLevel level, std::string_view message, QuorvaLogCategory category, CallSite site);
+    bool post(LogLevel level, const Printable& message, QuorvaLogCategory category, CallSite site);
 
     static constexpr std::size_t maxWaiting = 65'536;
 

@@ -2,6 +2,8 @@
 // recording fake in the tests.
 #pragma once
 
+#include "base/Printable.h"
+
 #include <string_view>
 
 namespace quorva {
@@ -37,22 +39,22 @@ class Log {
 public:
     virtual ~Log() = default;
 
-    virtual void write(LogLevel level, std::string_view message, QuorvaLogCategory category,
+    virtual void write(LogLevel level, const Printable& message, QuorvaLogCategory category,
                        CallSite site) = 0;
 
-    void debug(std::string_view message, QuorvaLogCategory category,
+    void debug(const Printable& message, QuorvaLogCategory category,
                CallSite site = CallSite::current()) {
         write(LogLevel::debug, message, category, site);
     }
-    void info(std::string_view message, QuorvaLogCategory category,
+    void info(const Printable& message, QuorvaLogCategory category,
               CallSite site = CallSite::current()) {
         write(LogLevel::info, message, category, site);
     }
-    void notice(std::string_view message, QuorvaLogCategory category,
+    void notice(const Printable& message, QuorvaLogCategory category,
                 CallSite site = CallSite::current()) {
         write(LogLevel::notice, message, category, site);
     }
-    void error(std::string_view message, QuorvaLogCategory category,
+    void error(const Printable& message, QuorvaLogCategory category,
                CallSite site = CallSite::current()) {
         write(LogLevel::error, message, category, site);
     }

@@ -18,7 +18,7 @@ namespace quorva {
 class Scan {
 public:
     /// Prints one line, which comes without a line feed.
-    using Print = std::function<void(const std::string& line)>;
+    using Print = std::function<void(const Printable& line)>;
 
     /// The platform's services must outlive the scan. Nothing is looked at yet.
     Scan(const ScanOptions& options, Platform& platform);

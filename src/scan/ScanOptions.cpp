@@ -80,11 +80,11 @@ ParsedOptions parseScanOptions(const std::vector<std::string_view>& arguments) {
     return {.options = std::move(options), .problem = {}};
 }
 
-std::string scanUsage() {
-    std::string names;
+Printable scanUsage() {
+    Printable names;
     for (const auto* const profile : sourceProfiles)
-        names += fmt::format("{}{}", names.empty() ? "" : "|", profile->name);
-    return fmt::format(R"(Usage: quorva-scan [--json] [--watch | --self-test] [--source {}]...
+        names += Printable::format("{}{}", names == Printable() ? "" : "|", profile->name);
+    return Printable::format(R"(Usage: quorva-scan [--json] [--watch | --self-test] [--source {}]...
 
 Looks once for AI note-takers, recorders and sales assistants, and says what it found.
 
@@ -102,7 +102,7 @@ Exit status: 0 looked everywhere asked, nothing found; 1 something found; 2 wron
 error; 3 nothing found, but a source could not be looked at. Of a self-test: 0 every link works;
 3 one is broken or could not be tried.
 )",
-                       names);
+                             names);
 }
 
 } // namespace quorva

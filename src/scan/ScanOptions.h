@@ -1,6 +1,8 @@
 // The command line of quorva-scan.
 #pragma once
 
+#include "base/Printable.h"
+
 #include <optional>
 #include <string>
 #include <string_view>
@@ -30,6 +32,6 @@ struct ParsedOptions {
 [[nodiscard]] ParsedOptions parseScanOptions(const std::vector<std::string_view>& arguments);
 
 /// How to use quorva-scan.
-[[nodiscard]] std::string scanUsage();
+[[nodiscard]] Printable scanUsage();
 
 } // namespace quorva

@@ -1,7 +1,5 @@
 #include "scan/ScanReport.h"
 
-#include "base/Text.h"
-
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
 
@@ -24,28 +22,30 @@ std::string_view nameOf(SourceState::Kind state) {
     }
 }
 
-using Row = std::vector<std::string>;
+using Row = std::vector<Printable>;
 
 /// Rows as aligned columns, and an empty line.
-std::string aligned(const std::vector<Row>& rows) {
+Printable aligned(const std::vector<Row>& rows) {
     std::vector<std::size_t> widths(rows.front().size());
     for (const auto& row : rows)
         for (std::size_t column = 0; column < row.size(); ++column)
-            widths[column] = std::max(widths[column], row[column].size());
-    std::string text;
+            widths[column] = std::max(widths[column], row[column].str().size());
+    Printable text;
     for (const auto& row : rows) {
         for (std::size_t column = 0; column + 1 < row.size(); ++column)
-            text += fmt::format("{:<{}}  ", row[column], widths[column]);
+            text += Printable::format("{:<{}}  ", row[column], widths[column]);
         text += row.back() + "\n";
     }
     return text + "\n";
 }
 
 /// The list as a table; empty when nothing is in it.
-std::string table(const ScanReport::List& list, Time now) {
+Printable table(const ScanReport::List& list, Time now) {
     if (list.findings.empty())
         return {};
-    std::vector<Row> rows{{list.kind->columns.begin(), list.kind->columns.end()}};
+    std::vector<Row> rows(1);
+    for (const auto column : list.kind->columns)
+        rows.front().push_back(printable(column));
     for (const auto& finding : list.findings) {
         auto& row = rows.emplace_back();
         for (const auto& cell : finding->cells(now))
@@ -91,8 +91,8 @@ Json ScanReport::toJson() const {
             {"detections", std::move(detections)}};
 }
 
-std::string ScanReport::toText() const {
-    std::string text;
+Printable ScanReport::toText() const {
+    Printable text;
     for (const auto& list : lists)
         text += table(list, lookedAt);
     switch (exitStatus()) {
@@ -100,31 +100,31 @@ std::string ScanReport::toText() const {
         text += "Nothing found.\n";
         break;
     case 1:
-        text += fmt::format("Found: {}.\n", found());
+        text += Printable::format("Found: {}.\n", found());
         break;
     default:
         text += "Nothing found, but not everything could be looked at.\n";
     }
     for (const auto& report : sources)
-        text += fmt::format("  {:<8}  {:<11}  {}\n", report.source, nameOf(report.state),
-                            printable(report.detail));
+        text += Printable::format("  {:<8}  {:<11}  {}\n", report.source, nameOf(report.state),
+                                  report.detail);
     return text;
 }
 
-std::string watchLine(std::string_view event, std::string_view source, const Finding& finding,
-                      Time at) {
+Printable watchLine(std::string_view event, std::string_view source, const Finding& finding,
+                    Time at) {
     return dump({{"event", event},
                  {"source", source},
                  {"detection", finding.fields()},
                  {"at", iso8601(at)}});
 }
 
-std::string sightLostLine(std::string_view source, std::string_view text, Time at) {
+Printable sightLostLine(std::string_view source, std::string_view text, Time at) {
     return dump({{"event", "sight-lost"}, {"source", source}, {"text", text}, {"at", iso8601(at)}});
 }
 
-std::string dump(const Json& json) {
-    return json.dump(-1, ' ', false, Json::error_handler_t::replace);
+Printable dump(const Json& json) {
+    return printableJson(json.dump(-1, ' ', false, Json::error_handler_t::replace));
 }
 
 } // namespace quorva

@@ -2,6 +2,7 @@
 // values and pure functions.
 #pragma once
 
+#include "base/Printable.h"
 #include "base/Time.h"
 #include "sources/Finding.h"
 #include "sources/SourceState.h"
@@ -43,20 +44,21 @@ struct ScanReport {
 
     /// The report for people: an aligned table with the reason for each hit. Control characters in
     /// what was found are made visible.
-    [[nodiscard]] std::string toText() const;
+    [[nodiscard]] Printable toText() const;
 
 private:
     [[nodiscard]] std::size_t found() const;
 };
 
 /// One line of a watch, without a line feed.
-[[nodiscard]] std::string watchLine(std::string_view event, std::string_view source,
-                                    const Finding& finding, Time at);
+[[nodiscard]] Printable watchLine(std::string_view event, std::string_view source,
+                                  const Finding& finding, Time at);
 
 /// The line of a watch that says that a source has lost sight of something.
-[[nodiscard]] std::string sightLostLine(std::string_view source, std::string_view text, Time at);
+[[nodiscard]] Printable sightLostLine(std::string_view source, std::string_view text, Time at);
 
-/// JSON in one line; bytes that are not UTF-8 become replacement characters.
-[[nodiscard]] std::string dump(const nlohmann::ordered_json& json);
+/// JSON in one line, without a line feed. Bytes that are not UTF-8 become replacement characters,
+/// and characters that could act on a terminal are escaped.
+[[nodiscard]] Printable dump(const nlohmann::ordered_json& json);
 
 } // namespace quorva

@@ -1,6 +1,5 @@
 #include "scan/SelfTestReport.h"
 
-#include "base/Text.h"
 #include "sources/Sources.h"
 
 #include <fmt/format.h>
@@ -40,22 +39,23 @@ std::vector<DrillLink> linksOf(const std::vector<std::string_view>& sources) {
     return links;
 }
 
-std::string describeLink(const DrillFinding& finding) {
-    auto text = fmt::format("  {:<8}  {:<6}  ", nameOf(finding.link), statusOf(finding));
+Printable describeLink(const DrillFinding& finding) {
+    auto text = Printable::format("  {:<8}  {:<6}  ", nameOf(finding.link), statusOf(finding));
     for (const auto& step : finding.passed)
         text += printable(step) + " … ";
     if (finding.isBroken())
-        return text + fmt::format("could not {}: {}\n", finding.broken.step,
-                                  printable(finding.broken.problem));
-    return text + fmt::format("ok in {:.1f} s\n", finding.took.count());
+        return text +
+               Printable::format("could not {}: {}\n", finding.broken.step, finding.broken.problem);
+    return text + Printable::format("ok in {:.1f} s\n", finding.took.count());
 }
 
-std::string describeSelfTest(const std::vector<DrillFinding>& findings) {
+Printable describeSelfTest(const std::vector<DrillFinding>& findings) {
     std::string broken;
     for (const auto& finding : findings)
         if (finding.isBroken())
             broken += fmt::format("{}{}", broken.empty() ? "" : ", ", nameOf(finding.link));
-    return broken.empty() ? "Every link works.\n" : fmt::format("Broken: {}.\n", broken);
+    return broken.empty() ? Printable("Every link works.\n")
+                          : Printable::format("Broken: {}.\n", broken);
 }
 
 Json selfTestToJson(const std::vector<DrillFinding>& findings) {

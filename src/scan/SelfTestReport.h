@@ -16,10 +16,10 @@ namespace quorva {
 [[nodiscard]] std::vector<DrillLink> linksOf(const std::vector<std::string_view>& sources);
 
 /// A line about one link, with a line feed: its steps, the broken one with what helps.
-[[nodiscard]] std::string describeLink(const DrillFinding& finding);
+[[nodiscard]] Printable describeLink(const DrillFinding& finding);
 
 /// A line about all of them, with a line feed: which are broken.
-[[nodiscard]] std::string describeSelfTest(const std::vector<DrillFinding>& findings);
+[[nodiscard]] Printable describeSelfTest(const std::vector<DrillFinding>& findings);
 
 /// The findings as JSON, version 1: stable, new keys may be added.
 [[nodiscard]] nlohmann::ordered_json selfTestToJson(const std::vector<DrillFinding>& findings);

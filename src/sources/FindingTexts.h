@@ -62,7 +62,7 @@ template <typename Items, typename Name>
     constexpr std::size_t mostNamed = 3;
     std::string text;
     for (std::size_t index = 0; index < items.size() && index < mostNamed; ++index)
-        text += (index > 0 ? ", " : "") + printable(name(items[index]));
+        text += (index > 0 ? ", " : "") + printable(name(items[index])).str();
     if (items.size() > mostNamed)
         text += " and " + std::to_string(items.size() - mostNamed) + " more";
     return text;

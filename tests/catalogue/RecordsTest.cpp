@@ -140,11 +140,6 @@ TEST(Text, countsWhatPeopleTakeForCharacters) {
         EXPECT_EQ(characterCount(text), count) << text;
 }
 
-TEST(Text, spellsOutWhatWouldRearrangeALine) {
-    EXPECT_EQ(printable("a\nb\x1b[2J\u202ec é"), "a\\nb\\u001b[2J\\u202ec é");
-    EXPECT_EQ(printable("\xc3"), "\uFFFD");
-}
-
 TEST(Time, isWrittenInUtcWithMilliseconds) {
     EXPECT_EQ(iso8601(std::chrono::sys_days{std::chrono::February / 11 / 2026} + 9h + 41min + 7s +
                       250'999us),

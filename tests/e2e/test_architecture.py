@@ -1,4 +1,4 @@
-"""The table of libraries in ARCHITECTURE.md, the build and the includes agree with one another."""
+"""What ARCHITECTURE.md promises of the code as a whole: its libraries and their includes, and how text gets out."""
 
 import pathlib
 import re
@@ -67,3 +67,11 @@ def test_every_include_follows_the_dependencies_and_every_dependency_serves_one(
     unused = [f"{name} -> {needed}" for name, needs in depends.items() for needed in needs
               if not outside({**depends, name: needs - {needed}})]
     assert not unused, "no include needs these dependencies"
+
+
+def test_only_printable_text_reaches_a_terminal():
+    """The stand-ins of the self-test talk to their parent through a pipe."""
+    prints = re.compile(r"\bfmt::print\b|\bf?printf\(|\bf?puts\(|\bfwrite\(|std::c(out|err)\b")
+    allowed = {SRC / "base/Printable.h", *(SRC / "platform/linux/drill").glob("*")}
+    assert not [file for file in SRC.glob("**/*.[ch]*")
+                if file not in allowed and prints.search(file.read_text())]

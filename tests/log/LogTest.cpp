@@ -203,7 +203,8 @@ TEST_F(QuorvaLogTest, keepsEachThreadsOrderAndWritesEverythingBeforeItEnds) {
         for (char name = 'a'; name < 'e'; ++name)
             threads.emplace_back([&log, name] {
                 for (int i = 100; i < 600; ++i)
-                    log.info(name + std::to_string(i), logCategory::appState);
+                    log.info(Printable::format("{}", name + std::to_string(i)),
+                             logCategory::appState);
             });
         for (auto& thread : threads)
             thread.join();

@@ -102,7 +102,7 @@ TEST_F(ScanTest, tellsClearFoundAndIncompleteApart) {
     const auto blind = look(processOnly);
     EXPECT_EQ(blind.exitStatus(), 3);
     EXPECT_EQ(blind.toJson()["sources"]["process"]["status"], "unavailable");
-    EXPECT_THAT(blind.toText(), HasSubstr("not everything could be looked at"));
+    EXPECT_THAT(blind.toText().str(), HasSubstr("not everything could be looked at"));
 
     table.canBeListed = true;
     table.run(7, "/usr/bin/otter");
@@ -136,7 +136,7 @@ TEST_F(ScanTest, findsInvitationsAndSaysWhatGaveThemAway) {
     EXPECT_EQ(otter["eventTitle"], "Calendar Event");
     EXPECT_EQ(otter["eventStartDate"], "2026-03-02T10:59:00.000Z");
     EXPECT_EQ(otter["matchedName"], nullptr);
-    EXPECT_EQ(report.toText(),
+    EXPECT_EQ(report.toText().str(),
               "INVITED                   CATEGORY       CONFIDENCE  STARTS     MATCHED BY          "
               "MATCHED VALUE         CALENDAR\n"
               "Otter.ai                  Transcription  100 %       in 1h 59m  attendee's address  "
@@ -196,7 +196,7 @@ TEST_F(ScanTest, findsNoteTakersAndBannersInMeetings) {
         "platformName":"Zoom","indicatorText":"Recording to the cloud",
         "indicatorType":"cloudRecording","windowTitle":"Zoom Meeting",
         "detectedAt":"2026-03-02T09:00:00.000Z"}])"));
-    EXPECT_EQ(report.toText(),
+    EXPECT_EQ(report.toText().str(),
               "IN A MEETING    CATEGORY       CONFIDENCE  PLATFORM  PARTICIPANT     WINDOW\n"
               "Acme Notetaker  Transcription  80 %        Zoom      Acme Notetaker  Zoom Meeting\n"
               "\n"
@@ -265,7 +265,7 @@ TEST_F(ScanTest, waitsForWindowsToBeReadButNotForEver) {
 
 TEST_F(ScanTest, describesEachDetectionWithItsFields) {
     table.run(7, "/opt/a\xff/Otter.app/x");
-    const auto json = Json::parse(dump(look(processOnly).toJson()));
+    const auto json = Json::parse(dump(look(processOnly).toJson()).str());
     EXPECT_EQ(json["version"], 1);
     EXPECT_EQ(json["detections"]["process"][0], Json::parse(R"({"id":"otter-7",
         "signatureId":"otter","name":"Otter.ai","category":"transcription","confidence":95,
@@ -277,7 +277,7 @@ TEST_F(ScanTest, describesEachDetectionWithItsFields) {
 TEST_F(ScanTest, printsATableThatAFileNameCannotBreak) {
     table.run(7, "/tmp/otter.app/\n\x1b[2Jx");
     table.run(12345, "/usr/bin/clockwise");
-    EXPECT_EQ(look(processOnly).toText(),
+    EXPECT_EQ(look(processOnly).toText().str(),
               "PRODUCT    CATEGORY       CONFIDENCE  PROCESS  MATCHED BY       MATCHED VALUE\n"
               "Otter.ai   Transcription  95 %        7        executable path  "
               "/tmp/otter.app/\\n\\u001b[2Jx\n"
@@ -290,7 +290,7 @@ TEST_F(ScanTest, watchPrintsAppearancesAndDisappearancesOnce) {
     std::vector<Json> lines;
     std::vector<SourceReport> reports;
     Scan scan({.sources = {"process", "calendar"}, .namesSources = true}, platform);
-    scan.watch([&](const std::string& line) { lines.push_back(Json::parse(line)); },
+    scan.watch([&](const Printable& line) { lines.push_back(Json::parse(line.str())); },
                [&](std::vector<SourceReport> first) { reports = std::move(first); });
     loop.advance(10s);
     ASSERT_EQ(reports.size(), 2U);
@@ -321,8 +321,8 @@ TEST_F(ScanTest, watchPrintsWhatComesAndGoesInMeetings) {
     inZoom({"Ann"});
     Scan scan(meetingOnly, platform);
     scan.watch(
-        [&](const std::string& line) {
-            const auto json = Json::parse(line);
+        [&](const Printable& line) {
+            const auto json = Json::parse(line.str());
             EXPECT_EQ(json["source"], "meeting");
             lines.push_back(json["event"].get<std::string>() + " " +
                             json["detection"]["id"].get<std::string>());

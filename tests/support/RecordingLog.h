@@ -21,13 +21,13 @@ class RecordingLog final : public Log, public SystemLog {
 public:
     std::vector<LoggedMessage> messages;
 
-    void write(LogLevel level, std::string_view message, QuorvaLogCategory category,
-               CallSite) override {
-        messages.push_back({level, std::string(message), std::string(category.category)});
+    void write(LogLevel level, const Printable& message, QuorvaLogCategory category,
+               CallSite site) override {
+        send(level, message.str(), category, site);
     }
     void send(LogLevel level, std::string_view message, QuorvaLogCategory category,
-              CallSite site) override {
-        write(level, message, category, site);
+              CallSite) override {
+        messages.push_back({level, std::string(message), std::string(category.category)});
     }
 
     [[nodiscard]] std::size_t count(std::string_view part) const {

@@ -220,8 +220,8 @@ void EdsCalendarStore::complete(const FetchPtr& fetch) {
 void EdsCalendarStore::noteService(const std::string& problem) {
     if (std::exchange(serviceProblem, problem) == problem)
         return;
-    log.notice(problem.empty() ? "The calendar service can be reached again"
-                               : fmt::format("No calendar service: {}", printable(problem)),
+    log.notice(problem.empty() ? Printable("The calendar service can be reached again")
+                               : Printable::format("No calendar service: {}", problem),
                logCategory::calendar);
 }
 

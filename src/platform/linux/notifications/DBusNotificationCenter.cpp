@@ -120,9 +120,9 @@ void DBusNotificationCenter::handleShown(GVariant* reply, const GError* failure)
     if (const auto number = notifications::decodeNumber(reply))
         posted.noteShown(shown.identifier, *number);
     else
-        log.error(fmt::format("A notification could not be shown: {}",
-                              failure != nullptr ? validUtf8(failure->message)
-                                                 : "the answer makes no sense"),
+        log.error(Printable::format("A notification could not be shown: {}",
+                                    failure != nullptr ? validUtf8(failure->message)
+                                                       : "the answer makes no sense"),
                   logCategory::notification);
 }
 

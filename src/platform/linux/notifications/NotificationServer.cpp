@@ -129,7 +129,7 @@ void NotificationServer::call(const char* method, GVariant* parameters, Answered
 void NotificationServer::handleOutcome(GVariant* reply, const GError* failure,
                                        const Answered& answered, const Task& undelivered) {
     if (failure != nullptr && undelivered && !isRefusal(*failure)) {
-        log.debug(fmt::format("A notification waits: {}", validUtf8(failure->message)),
+        log.debug(Printable::format("A notification waits: {}", validUtf8(failure->message)),
                   logCategory::notification);
         enter(State::pausing);
         timer = loop.after(timeout, [this] {
@@ -162,9 +162,9 @@ void NotificationServer::whenStarted(Task task) {
 
 void NotificationServer::publish(Presence presence) {
     if (presence != published.state && presence != Presence::present)
-        log.notice(presence == Presence::silent ? "The program that shows notifications does not "
-                                                  "answer"
-                                                : "No program shows notifications",
+        log.notice(presence == Presence::silent
+                       ? Printable("The program that shows notifications does not answer")
+                       : Printable("No program shows notifications"),
                    logCategory::notification);
     const NotificationService next{presence, presence == Presence::present && abilities.actions};
     const bool hasChanged = std::exchange(published, next) != next;

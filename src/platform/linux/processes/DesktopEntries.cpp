@@ -70,7 +70,7 @@ void DesktopEntries::adopt(const DesktopEntryReader::Reading& reading) {
     deadline.reset();
     for (const auto& [path, reason] : reading.leftOut)
         if (complainedOf.insert(path).second)
-            log.notice(fmt::format("{} is left out: {}", path.string(), reason),
+            log.notice(Printable::format("{} is left out: {}", path.string(), reason),
                        logCategory::appState);
     if (reading.index != current)
         replace(reading.index);

@@ -67,9 +67,9 @@ const std::vector<LinuxProcessTable::Process>* LinuxProcessTable::look() {
         const auto listed = list();
         isListed = listed.has_value();
         if (beginsToFail(complainedOfListing, !isListed))
-            log.error(
-                fmt::format("The processes can't be listed: {} can't be read", procRoot.string()),
-                logCategory::appState);
+            log.error(Printable::format("The processes can't be listed: {} can't be read",
+                                        procRoot.string()),
+                      logCategory::appState);
         if (listed) {
             std::vector<Process> next;
             update(next, *listed);
@@ -156,15 +156,17 @@ void LinuxProcessTable::update(std::vector<Process>& next, const std::vector<Lis
         denied += process.status == Executable::Status::denied;
     }
     if (beginsToFail(complainedOfDenied, denied > 0))
-        log.notice(fmt::format("{} of {} processes keep their executable to themselves (other "
-                               "users' or protected): they are not looked at",
-                               denied, next.size()),
-                   logCategory::appState);
+        log.notice(
+            Printable::format("{} of {} processes keep their executable to themselves (other "
+                              "users' or protected): they are not looked at",
+                              denied, next.size()),
+            logCategory::appState);
     if (beginsToFail(complainedOfLinks, unreadableLinks > 0))
-        log.notice(fmt::format("The executable paths of {} processes are too long or damaged: they "
-                               "are not looked at",
-                               unreadableLinks),
-                   logCategory::appState);
+        log.notice(
+            Printable::format("The executable paths of {} processes are too long or damaged: they "
+                              "are not looked at",
+                              unreadableLinks),
+            logCategory::appState);
 }
 
 void LinuxProcessTable::readExecutable(Process& process) {

@@ -193,8 +193,8 @@ std::string JsonPreferences::setAside(const std::string& why) {
     const auto aside = file.setAside(loop.now(), error);
     if (!aside)
         return fmt::format("{}; nor can it be set aside: {}", why, error.message());
-    log.error(fmt::format("The preferences in {} can't be used, {}. They were kept as {}",
-                          file.path().string(), why, aside->filename().string()),
+    log.error(Printable::format("The preferences in {} can't be used, {}. They were kept as {}",
+                                file.path().string(), why, aside->filename().string()),
               logCategory::appState);
     known.reset();
     isStored = false;
@@ -204,9 +204,10 @@ std::string JsonPreferences::setAside(const std::string& why) {
 /// Logs when a failure begins and when it ends.
 void JsonPreferences::report(const std::string& failure) {
     if (!failure.empty() && !isFailing)
-        log.error(fmt::format("The preferences can't be stored in {}, {}. They are kept in memory",
+        log.error(
+            Printable::format("The preferences can't be stored in {}, {}. They are kept in memory",
                               file.path().string(), failure),
-                  logCategory::appState);
+            logCategory::appState);
     else if (failure.empty() && isFailing)
         log.notice("The preferences can be stored again", logCategory::appState);
     isFailing = !failure.empty();
