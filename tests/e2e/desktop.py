@@ -93,7 +93,7 @@ class ZoomWindow:
         program.chmod(0o755)
         desktop.add_desktop_entry("Zoom", "Zoom", program)
         self.process = desktop.start([program], stdin=subprocess.PIPE, stdout=subprocess.PIPE,
-                                     text=True, bufsize=1)
+                                     stderr=subprocess.DEVNULL, text=True, bufsize=1)
         assert self.process.stdout.readline() == "shown\n"
 
     def tell(self, command, argument):
