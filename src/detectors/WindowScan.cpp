@@ -1,6 +1,7 @@
 #include "detectors/WindowScan.h"
 
 #include "base/Text.h"
+#include "platform/TreeWalk.h"
 
 #include <algorithm>
 #include <array>
@@ -78,23 +79,45 @@ bool isShort(std::string_view text) {
 
 class TextCollector {
 public:
-    explicit TextCollector(const TreeExtent& extent_) : extent(extent_) {}
-
-    void collect(const AccessibleElement& element, int depth) {
-        if (depth >= extent.maxDepth || collected.elementCount >= extent.maxElements)
-            return;
-        ++collected.elementCount;
-        for (const auto* const text : {&element.value, &element.title, &element.description,
-                                       &element.help, &element.roleDescription})
-            add(*text);
-        for (const auto& child : element.children)
-            if (extent.descends(element.role, child->role, depth))
-                collect(*child, depth + 1);
+    TextCollector(const AccessibleElement& tree, const TreeExtent& extent_)
+        : extent(extent_), budget(extent_.maxElements) {
+        count(tree, 0, 0);
+        budget.settle();
+        collect(tree, 0, 0);
     }
 
     CollectedTexts collected;
 
 private:
+    void count(const AccessibleElement& element, int depth, int lap) {
+        if (depth >= extent.maxDepth)
+            return;
+        budget.count(lap);
+        forEachChild(element, depth, lap,
+                     [&](const auto& child, int childsLap) { count(child, depth + 1, childsLap); });
+    }
+
+    void collect(const AccessibleElement& element, int depth, int lap) {
+        if (depth >= extent.maxDepth || !budget.meets(lap))
+            return;
+        ++collected.elementCount;
+        for (const auto* const text : {&element.value, &element.title, &element.description,
+                                       &element.help, &element.roleDescription})
+            add(*text);
+        forEachChild(element, depth, lap, [&](const auto& child, int childsLap) {
+            collect(child, depth + 1, childsLap);
+        });
+    }
+
+    template <typename Visit>
+    void forEachChild(const AccessibleElement& element, int depth, int lap, const Visit& visit) {
+        for (std::size_t index = 0; index < element.children.size(); ++index) {
+            const auto& child = *element.children[index];
+            if (extent.descends(element.role, child.role, depth))
+                visit(child, lapOf(lap, child.role, index));
+        }
+    }
+
     void add(std::string_view text) {
         text = trimmed(text);
         if (!text.empty() && isShort(text))
@@ -102,6 +125,7 @@ private:
     }
 
     const TreeExtent& extent;
+    WalkBudget budget;
 };
 
 } // namespace
@@ -125,9 +149,7 @@ TreeExtent outlineExtent() {
 }
 
 CollectedTexts collectTexts(const AccessibleElement& tree, const TreeExtent& extent) {
-    TextCollector collector(extent);
-    collector.collect(tree, 0);
-    return std::move(collector.collected);
+    return TextCollector(tree, extent).collected;
 }
 
 bool hasActiveMeetingSignals(std::span<const std::string_view> texts) {

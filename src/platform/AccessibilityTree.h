@@ -24,6 +24,8 @@ enum class AccessibilityRole {
     group,
     image,
     list,
+    liveRegion, ///< what tells of changes: a status, an alert
+    log,        ///< of messages, such as a chat
     menuBar,
     outline,
     ruler,
@@ -64,12 +66,12 @@ enum class ReadState {
     read,
 };
 
-/// How much of a window's tree is read. A walk starts at the window (depth 0), visits children in
-/// their order before siblings, and ends when its budget is used up; the elements it meets are
-/// read.
+/// How much of a window's tree is read. A walk starts at the window (depth 0) and visits children in
+/// their order before siblings. In a tree with more elements than its budget it meets those that
+/// `WalkBudget` chooses. The elements it meets are read.
 struct TreeExtent {
     int maxDepth = 0;    ///< elements at this depth and below are left out
-    int maxElements = 0; ///< the walk ends after that many
+    int maxElements = 0; ///< the walk meets that many
     /// Whether the walk goes from an element at `depth` into a child; null for always. A function
     /// without state, because it is called on the reader's thread.
     bool (*descends)(AccessibilityRole parent, AccessibilityRole child, int depth) = nullptr;

@@ -11,6 +11,7 @@ namespace {
 using enum AccessibilityRole;
 using testing::ElementsAre;
 using testing::IsEmpty;
+using testing::IsSupersetOf;
 
 /// The element below `depth` groups: at that depth, where the topmost group is a window.
 AccessibleElementPtr below(int depth, AccessibleElementPtr lowest) {
@@ -68,7 +69,7 @@ TEST(WindowScan, endsWhereTheBudgetsDo) {
         EXPECT_THAT(collectTexts(*below(deepest + 1, element(staticText, "x")), extent).texts,
                     IsEmpty());
 
-        // Half of them in the first branch: the budget is one for the whole window.
+        // Half of them in each of two branches: the budget is one for the whole window.
         const int most = isBrowser ? 5000 : 2000;
         const auto half = static_cast<std::size_t>(most / 2);
         const auto wide =
@@ -78,7 +79,29 @@ TEST(WindowScan, endsWhereTheBudgetsDo) {
         const auto found = collectTexts(*wide, extent);
         EXPECT_EQ(found.elementCount, most);
         EXPECT_EQ(found.texts.size(), static_cast<std::size_t>(most) - 2);
-        EXPECT_EQ(found.texts.back(), "b");
+        EXPECT_EQ(found.texts.back(), "last") << "short branches come before the ends of long ones";
+    }
+}
+
+TEST(WindowScan, findsTheListOfParticipantsBeyondALongChat) {
+    Elements messages;
+    for (int i = 0; i < 5'200; ++i)
+        messages.push_back(element(staticText, "message"));
+    const auto people = element(list, {}, {element(other, "Ann"), element(other, "Otter.ai")});
+    const auto flat = [&] {
+        auto children = messages;
+        children.push_back(people);
+        return element(webArea, {}, std::move(children));
+    }();
+    const auto inSections =
+        element(webArea, {},
+                {element(group, {}, {element(group, {}, messages)}), element(group, {}, {people})});
+    const auto inALog =
+        element(webArea, {}, {element(log, {}, {element(list, {}, messages)}), people});
+    for (const auto& page : {flat, inSections, inALog}) {
+        const auto found = collectTexts(*page, wholePageExtent());
+        EXPECT_THAT(found.texts, IsSupersetOf({"Ann", "Otter.ai"}));
+        EXPECT_EQ(found.elementCount, maxElementsBrowser);
     }
 }
 

@@ -99,39 +99,43 @@ EventDetails detailsOf(GVariant* parameters) {
 
 AccessibilityRole roleOf(std::uint32_t atspiRole) {
     using enum AccessibilityRole;
-    static constexpr std::array<std::pair<std::uint32_t, AccessibilityRole>, 32> roles{{
-        {9, colorWell},   // color chooser
-        {16, window},     // dialog
-        {20, group},      // filler
-        {23, window},     // frame
-        {26, image},      // icon
-        {27, image},      // image
-        {28, group},      // internal frame
-        {29, staticText}, // label
-        {31, list},       // list
-        {34, menuBar},    // menu bar
-        {37, tab},        // page tab
-        {38, tabGroup},   // page tab list
-        {39, group},      // panel
-        {43, button},     // push button
-        {48, scrollBar},  // scroll bar
-        {49, scrollArea}, // scroll pane
-        {50, splitter},   // separator
-        {51, slider},     // slider
-        {53, splitGroup}, // split pane
-        {55, table},      // table
-        {63, toolbar},    // tool bar
-        {65, outline},    // tree
-        {66, table},      // tree table
-        {69, window},     // window
-        {73, group},      // paragraph
-        {74, ruler},      // ruler
-        {85, group},      // section
-        {87, group},      // form
-        {95, webArea},    // document web
-        {98, list},       // list box
-        {99, group},      // grouping
-        {110, group},     // landmark
+    static constexpr std::array<std::pair<std::uint32_t, AccessibilityRole>, 36> roles{{
+        {2, liveRegion},   // alert
+        {9, colorWell},    // color chooser
+        {16, window},      // dialog
+        {20, group},       // filler
+        {23, window},      // frame
+        {26, image},       // icon
+        {27, image},       // image
+        {28, group},       // internal frame
+        {29, staticText},  // label
+        {31, list},        // list
+        {34, menuBar},     // menu bar
+        {37, tab},         // page tab
+        {38, tabGroup},    // page tab list
+        {39, group},       // panel
+        {43, button},      // push button
+        {48, scrollBar},   // scroll bar
+        {49, scrollArea},  // scroll pane
+        {50, splitter},    // separator
+        {51, slider},      // slider
+        {53, splitGroup},  // split pane
+        {54, liveRegion},  // status bar
+        {55, table},       // table
+        {63, toolbar},     // tool bar
+        {65, outline},     // tree
+        {66, table},       // tree table
+        {69, window},      // window
+        {73, group},       // paragraph
+        {74, ruler},       // ruler
+        {85, group},       // section
+        {87, group},       // form
+        {95, webArea},     // document web
+        {98, list},        // list box
+        {99, group},       // grouping
+        {101, liveRegion}, // notification
+        {102, log},        // log
+        {110, group},      // landmark
     }};
     if (atspiRole == 116) // static
         return staticText;

@@ -1,5 +1,7 @@
 #include "platform/linux/accessibility/AtspiTree.h"
 
+#include "platform/TreeWalk.h"
+
 #include <algorithm>
 #include <string_view>
 
@@ -19,26 +21,38 @@ std::shared_ptr<AtspiNode> makeNode(AtspiReference reference, AtspiNode* parent,
     return node;
 }
 
-struct Cut {
-    AccessibleElementPtr tree;
-    int budget; ///< that is left
-};
+void count(const AccessibleElement& element, int lap, WalkBudget& budget) {
+    budget.count(lap);
+    for (std::size_t index = 0; index < element.children.size(); ++index)
+        count(*element.children[index], lapOf(lap, element.children[index]->role, index), budget);
+}
 
-/// The elements that a walk meets within its budget; a reading goes a little beyond.
-Cut cutToBudget(const AccessibleElementPtr& tree, int budget) {
-    --budget;
-    for (auto child = tree->children.begin(); child != tree->children.end(); ++child) {
-        const auto cut = budget > 0 ? cutToBudget(*child, budget) : Cut{nullptr, budget};
-        budget = cut.budget;
-        if (cut.tree == *child)
-            continue;
-        auto shorter = std::make_shared<AccessibleElement>(*tree);
-        shorter->children.assign(tree->children.begin(), child);
-        if (cut.tree)
-            shorter->children.push_back(cut.tree);
-        return {std::move(shorter), budget};
+/// The elements that a walk meets; null when it does not meet the first one.
+AccessibleElementPtr metPart(const AccessibleElementPtr& tree, int lap, WalkBudget& budget) {
+    if (!budget.meets(lap))
+        return nullptr;
+    std::vector<AccessibleElementPtr> children;
+    children.reserve(tree->children.size());
+    for (std::size_t index = 0; index < tree->children.size(); ++index) {
+        const auto& child = tree->children[index];
+        if (auto part = metPart(child, lapOf(lap, child->role, index), budget))
+            children.push_back(std::move(part));
     }
-    return {tree, budget};
+    if (children == tree->children)
+        return tree;
+    auto shorter = std::make_shared<AccessibleElement>(*tree);
+    shorter->children = std::move(children);
+    return shorter;
+}
+
+/// A reading goes a little beyond the budget.
+AccessibleElementPtr cutToBudget(const AccessibleElementPtr& tree, int maxElements) {
+    WalkBudget budget(maxElements);
+    count(*tree, 0, budget);
+    if (!budget.isUsedUp())
+        return tree;
+    budget.settle();
+    return metPart(tree, 0, budget);
 }
 
 } // namespace
@@ -116,30 +130,52 @@ bool AtspiTree::lacksChildren(const AtspiNode& node) const {
            !isEndless && !isLeaf;
 }
 
-bool AtspiTree::isFull() const {
-    const auto budget = budgetAfter(*top, scope.maxElements);
-    return budget && *budget <= 0;
+bool AtspiTree::forEachUnknown(const std::function<void(const NodePtr&)>& visit) const {
+    WalkBudget budget(scope.maxElements);
+    countInScope(*top, 0, budget);
+    const bool isUsedUp = budget.isUsedUp();
+    budget.settle();
+    forEachUnknown(top, 0, budget, visit);
+    return isUsedUp;
 }
 
-/// What is left of a walk's budget after an element and those below it; nothing when the walk meets
-/// an element that is not known.
-std::optional<int> AtspiTree::budgetAfter(const AtspiNode& node, int budget) const {
-    if (budget <= 0)
-        return budget;
-    if (!node.hasRole)
-        return std::nullopt;
+bool AtspiTree::isFull() const {
+    bool isAnyUnknown = false;
+    const bool isUsedUp = forEachUnknown([&](const NodePtr&) { isAnyUnknown = true; });
+    return isUsedUp && !isAnyUnknown;
+}
+
+void AtspiTree::countInScope(const AtspiNode& node, int lap, WalkBudget& budget) const {
     if (!isInScope(node))
-        return budget;
-    if (!isKnown(node))
-        return std::nullopt;
-    --budget;
-    for (const auto& child : node.children) {
-        const auto left = budgetAfter(*child, budget);
-        if (!left)
-            return std::nullopt;
-        budget = *left;
+        return;
+    budget.count(lap);
+    for (const auto& child : node.children)
+        countInScope(*child, lapOf(*child, lap), budget);
+}
+
+/// An element of which not even the role is known may be a list, which the walk comes to first.
+void AtspiTree::forEachUnknown(const NodePtr& node, int lap, WalkBudget& budget,
+                               const std::function<void(const NodePtr&)>& visit) const {
+    if (!node->hasRole) {
+        if (budget.comesTo(lap))
+            visit(node);
+        return;
     }
-    return budget;
+    if (!isInScope(*node) || !budget.meets(lap))
+        return;
+    if (!isKnown(*node))
+        visit(node);
+    for (const auto& child : node->children)
+        forEachUnknown(child, lapOf(*child, lap), budget, visit);
+}
+
+int AtspiTree::lapOf(const AtspiNode& node, int parentsLap) {
+    return node.hasRole ? quorva::lapOf(parentsLap, node.content.role, node.position.back())
+                        : parentsLap;
+}
+
+int AtspiTree::lapOf(const AtspiNode& node) {
+    return node.parent != nullptr ? lapOf(node, lapOf(*node.parent)) : 0;
 }
 
 void AtspiTree::setChildren(AtspiNode& node, std::vector<AtspiReference> references) {
@@ -298,7 +334,7 @@ AccessibleElementPtr AtspiTree::snapshot() {
     const auto all = publish(*top);
     if (all != everything) {
         everything = all;
-        withinBudget = cutToBudget(all, scope.maxElements).tree;
+        withinBudget = cutToBudget(all, scope.maxElements);
     }
     return withinBudget;
 }

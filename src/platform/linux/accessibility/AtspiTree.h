@@ -8,14 +8,16 @@
 #include "platform/linux/accessibility/AtspiProtocol.h"
 
 #include <cstddef>
+#include <functional>
 #include <memory>
-#include <optional>
 #include <string>
 #include <unordered_map>
 #include <utility>
 #include <vector>
 
 namespace quorva {
+
+class WalkBudget;
 
 /// What all windows of an application have in common.
 struct AtspiApplicationTraits {
@@ -84,9 +86,15 @@ public:
     [[nodiscard]] bool lacksText(const AtspiNode& node) const;
     [[nodiscard]] bool lacksChildren(const AtspiNode& node) const;
 
-    /// Whether the scope's number of elements is known, in the order of the walk and without gaps.
-    /// Costs a walk.
+    /// Calls `visit` with each element that a walk meets and of which something is unknown. Returns
+    /// whether there are as many elements as it meets.
+    bool forEachUnknown(const std::function<void(const NodePtr&)>& visit) const;
+
+    /// Whether everything that a walk meets is known, and its budget used up. Costs a walk.
     [[nodiscard]] bool isFull() const;
+
+    /// In which lap a walk comes to an element.
+    [[nodiscard]] static int lapOf(const AtspiNode& node);
 
     /// Sets the children of an element, and keeps what is known of those that it already had.
     void setChildren(AtspiNode& node, std::vector<AtspiReference> references);
@@ -101,7 +109,10 @@ private:
     bool invalidate(AtspiNode& node, AtspiChange change);
     [[nodiscard]] bool isPart(const AtspiNode& node) const;
     [[nodiscard]] bool wantsText(const AtspiNode& node) const;
-    [[nodiscard]] std::optional<int> budgetAfter(const AtspiNode& node, int budget) const;
+    void countInScope(const AtspiNode& node, int lap, WalkBudget& budget) const;
+    void forEachUnknown(const NodePtr& node, int lap, WalkBudget& budget,
+                        const std::function<void(const NodePtr&)>& visit) const;
+    [[nodiscard]] static int lapOf(const AtspiNode& node, int parentsLap);
     AccessibleElementPtr publish(AtspiNode& node);
 
     const AtspiApplicationTraits& traits;

@@ -2,15 +2,19 @@
 
 #include <algorithm>
 #include <string_view>
+#include <tuple>
 #include <utility>
 
 namespace quorva {
 
 struct AtspiTreeReader::Queued {
+    int lap;
     std::vector<std::uint32_t> position;
     std::weak_ptr<Node> node;
 
-    bool operator<(const Queued& other) const { return other.position < position; }
+    bool operator<(const Queued& other) const {
+        return std::tie(other.lap, other.position) < std::tie(lap, position);
+    }
 };
 
 AtspiTreeReader::AtspiTreeReader(AtspiCalls& calls_, AtspiApplicationTraits& traits_,
@@ -22,29 +26,25 @@ AtspiTreeReader::~AtspiTreeReader() = default;
 void AtspiTreeReader::read(Task done_) {
     done = std::move(done_);
     state = State::reading;
-    (void)visit(tree.root(), tree.extent().maxElements);
+    tree.forEachUnknown([this](const NodePtr& node) { enqueue(node); });
     resume();
 }
 
-/// Queues what is not known, as far as the walk comes. Returns what is left of the budget.
-int AtspiTreeReader::visit(const NodePtr& node, int budget) {
+/// Queues what is not known of an element and below it.
+void AtspiTreeReader::visit(const NodePtr& node) {
     const bool isInScope = tree.isInScope(*node);
     if (!node->hasRole || (isInScope && !tree.isKnown(*node)))
         enqueue(node);
-    if (!isInScope)
-        return budget;
-    --budget;
-    for (const auto& child : node->children)
-        if (budget > 0)
-            budget = visit(child, budget);
-    return budget;
+    if (isInScope)
+        for (const auto& child : node->children)
+            visit(child);
 }
 
 void AtspiTreeReader::enqueue(const NodePtr& node) {
     if (state == State::draining || node->fetch.isQueued || node->fetch.inFlight > 0)
         return;
     node->fetch.isQueued = true;
-    queue.push({node->position, node});
+    queue.push({AtspiTree::lapOf(*node), node->position, node});
 }
 
 void AtspiTreeReader::resume() {
@@ -187,20 +187,25 @@ void AtspiTreeReader::askRoleName(const Node& node) {
                }));
 }
 
-/// All at once, but one by one up to the budget where there are very many.
+/// All at once, but one by one where there are very many: the first ones, as many as the budget has
+/// elements, and half as many from the end.
 void AtspiTreeReader::askChildren(const NodePtr& node) {
     constexpr int batch = 32;
     const int most = tree.extent().maxElements;
     if (node->childCount <= most || !node->hasManyChildren())
         return ask(node, atspi::accessible, "GetChildren", &AtspiTreeReader::handleChildren);
-    if (node->nextChild >= most) {
+    const int fromEnd = std::min(most / 2, node->childCount - most);
+    if (node->nextChild >= most + fromEnd) {
         node->nextChild = 0;
         return adoptChildren(*node, std::exchange(node->listed, {}));
     }
-    const auto end = std::min(node->nextChild + batch, most);
-    while (node->nextChild < end)
-        ask(node, atspi::accessible, "GetChildAtIndex", &AtspiTreeReader::handleChild, {},
-            {node->nextChild++});
+    const auto end = std::min(node->nextChild + batch, most + fromEnd);
+    for (; node->nextChild < end; ++node->nextChild) {
+        const auto index = node->nextChild < most
+                               ? node->nextChild
+                               : node->childCount - fromEnd + (node->nextChild - most);
+        ask(node, atspi::accessible, "GetChildAtIndex", &AtspiTreeReader::handleChild, {}, {index});
+    }
 }
 
 void AtspiTreeReader::handleRole(Node& node, GVariant* reply) {
@@ -262,7 +267,7 @@ void AtspiTreeReader::handleChild(Node& node, GVariant* reply) {
 void AtspiTreeReader::adoptChildren(Node& node, std::vector<AtspiReference> references) {
     tree.setChildren(node, std::move(references));
     for (const auto& child : node.children)
-        (void)visit(child, tree.extent().maxElements);
+        visit(child);
 }
 
 } // namespace quorva

@@ -1,7 +1,6 @@
 // Fetches what is not known of a tree from the accessibility bus. Elements are asked about in the
-// order in which a walk would meet them, so that a tree beyond its budget is read as far as the
-// walk comes.
-// Belongs to the thread that made it.
+// order in which a walk would meet them (TreeWalk.h), so that a tree beyond its budget is read as
+// far as the walk comes. Belongs to the thread that made it.
 #pragma once
 
 #include "base/Lifetime.h"
@@ -41,7 +40,7 @@ private:
     };
 
     void resume();
-    [[nodiscard]] int visit(const NodePtr& node, int budget);
+    void visit(const NodePtr& node);
     void enqueue(const NodePtr& node);
     void clearQueue();
     [[nodiscard]] bool isBudgetUsedUp();

@@ -315,4 +315,29 @@ TEST_F(AccessibilityTest, tellsAWindowThatCannotBeReadFromAnEmptyOne) {
     EXPECT_TRUE(comesToAsking({self}, [&] { return readingOf(self) != nullptr; }));
 }
 
+TEST_F(AccessibilityTest, readsTheListOfParticipantsThatAChatBeyondTheBudgetPrecedes) {
+    PlayedApplication application(
+        inWindow([messages = numbers(1'999)](const std::string& identifier) -> PlayedElement {
+            if (identifier == "top")
+                return {.children = {"chat", "side"}};
+            if (identifier == "chat")
+                return {.children = messages};
+            if (identifier == "side")
+                return {.children = {"people"}};
+            if (identifier == "people")
+                return {.role = played::list, .children = {"ann", "bot"}};
+            return person(identifier);
+        }),
+        "gtk");
+    request({self});
+    ASSERT_TRUE(comesTo([&] { return readingOf(self) != nullptr; }));
+    EXPECT_NE(find(readingOf(self), "bot"), nullptr);
+    EXPECT_EQ(walk(readingOf(self)).size(), static_cast<std::size_t>(maxElements));
+
+    const int questions = application.questions();
+    application.tell("chat", "Object", "ChildrenChanged", "add", "n7");
+    ASSERT_TRUE(comesTo([&] { return application.questions("chat", "GetChildren") > 1; }));
+    EXPECT_LT(application.questions(), questions + 500) << "only what has changed is read again";
+}
+
 } // namespace quorva
