@@ -24,14 +24,14 @@ constexpr int rounds = 200;
 constexpr int burst = 1'000;
 constexpr std::size_t queueLength = 65'536;
 constexpr double callBound = 2.0; // µs
-constexpr std::string_view message = "Scanned 312 processes and 14 applications: 2 products found";
+constexpr char message[] = "Scanned 312 processes and 14 applications: 2 products found";
 
 /// Writes to the system's log and to the log file, as the programs do.
 class QuorvaBurst {
 public:
     explicit QuorvaBurst(const std::filesystem::path& folder) {
         log.bootstrap(std::make_shared<FileLogMirror>(
-            files, loop, folder, BuildInfo{},
+            std::make_shared<LinuxFileSystem>(), loop.now(), folder, BuildInfo{},
             [](std::string_view failure) { fmt::print(stderr, "{}\n", failure); }));
         log.flush();
     }
@@ -47,9 +47,7 @@ public:
 
 private:
     GLibMainLoop loop;
-    JournalLog journal;
-    LinuxFileSystem files;
-    QuorvaLog log{loop, journal};
+    QuorvaLog log{loop, std::make_shared<JournalLog>()};
 };
 
 /// Writes to a rotating file of the same size and form, without flushing every line.
@@ -70,7 +68,7 @@ public:
         const auto seconds = secondsOf([&] {
             for (int i = 0; i < burst; ++i)
                 logger->log(spdlog::source_loc{__FILE__, __LINE__, __func__}, spdlog::level::info,
-                            spdlog::string_view_t(message.data(), message.size()));
+                            spdlog::string_view_t(message));
         });
         logger->flush();
         while (pool->queue_size() > 0)

@@ -49,9 +49,7 @@ struct LinuxServices {
                     [own = places.ownAddresses] { return own; }) {}
 
     GLibMainLoop loop;
-    JournalLog journal;
-    LinuxFileSystem files;
-    QuorvaLog log{loop, journal};
+    QuorvaLog log{loop, std::make_shared<JournalLog>()};
     LinuxProcessTable processTable{loop, log};
     DesktopEntries entries{loop, log, DesktopEntries::standardPlaces()};
     LinuxApplications applications{loop, processTable, entries, ApplicationScopes()};
@@ -84,8 +82,8 @@ int watch(const ScanOptions& options, LinuxServices& services) {
     const auto quit = [&] { services.loop.quit(); };
     const auto onInterrupt = GLibMainLoop::onSignal(SIGINT, quit);
     const auto onTerminate = GLibMainLoop::onSignal(SIGTERM, quit);
-    startLogFile(services.log, services.files, services.loop, g_get_user_state_dir(),
-                 {QUORVA_VERSION, QUORVA_BUILD, ::getpid()});
+    startLogFile(services.log, std::make_shared<LinuxFileSystem>(), services.loop,
+                 g_get_user_state_dir(), {QUORVA_VERSION, QUORVA_BUILD, ::getpid()});
     std::optional<SystemdUnitSignals> units;
     if (auto bus = sessionBus()) {
         g_dbus_connection_set_exit_on_close(bus.get(), FALSE);
@@ -100,9 +98,11 @@ int watch(const ScanOptions& options, LinuxServices& services) {
         std::fflush(stdout);
     };
     scan.watch(print, [&](const std::vector<SourceReport>& reports) {
-        const auto isWatched = [](const SourceReport& report) { return report.isOk(); };
+        const auto isWatched = [](const SourceReport& report) {
+            return report.isOk() || report.state == SourceState::Kind::partlyBlind;
+        };
         for (const auto& report : reports)
-            if (!isWatched(report))
+            if (!report.isOk())
                 quorva::print(stderr,
                               Printable::format("quorva-scan: the source {} is not watched: {}\n",
                                                 report.source, report.detail));

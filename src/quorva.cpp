@@ -68,13 +68,11 @@ CalendarConsent consentOf(CalendarConsentDialog& dialog) {
 
 /// The log with its file. It is made first, so that everything else can log.
 struct Logs {
-    explicit Logs(const MainLoop& loop) : log(loop, journal) {
-        startLogFile(log, files, loop, g_get_user_state_dir(),
+    explicit Logs(const MainLoop& loop) : log(loop, std::make_shared<JournalLog>()) {
+        startLogFile(log, std::make_shared<LinuxFileSystem>(), loop, g_get_user_state_dir(),
                      {QUORVA_VERSION, QUORVA_BUILD, ::getpid()});
     }
 
-    JournalLog journal;
-    LinuxFileSystem files;
     QuorvaLog log;
 };
 
@@ -192,6 +190,10 @@ int run(char* programName) {
                                                           : ", but does not answer just now"));
         return EXIT_SUCCESS;
     }
+    if (claim.kind == Kind::taken)
+        return refuse("Another program has Quorva's name on the session bus, so that Quorva could "
+                      "not be reached: end it, then start Quorva again. It is " +
+                      claim.reason + ".");
     if (!LinuxPanelWatch::hasDisplay())
         return refuse("There is no display to show anything on: start Quorva from within a "
                       "desktop session.");

@@ -2,21 +2,24 @@
 
 #include <fmt/format.h>
 
+#include <utility>
+
 namespace quorva {
 
-FileLogMirror::FileLogMirror(FileSystem& files_, const MainLoop& loop_,
+FileLogMirror::FileLogMirror(std::shared_ptr<FileSystem> files_, Time start,
                              std::filesystem::path logDir_, BuildInfo build_, Console console_)
-    : files(files_),
-      loop(loop_),
+    : files(std::move(files_)),
+      startTime(start),
       logDir(std::move(logDir_)),
       currentPath(logDir / "quorva.log"),
       build(std::move(build_)),
       console(std::move(console_)) {}
 
 void FileLogMirror::start() {
-    auto error = files.createDirectories(logDir);
+    auto error = files->createDirectories(logDir);
     if (!error)
         error = open();
+    isOpen = !error;
     if (!error)
         currentSize = handle->size(error);
     if (error) {
@@ -30,27 +33,31 @@ void FileLogMirror::start() {
 }
 
 void FileLogMirror::append(std::string_view line) {
-    if (!handle)
+    if (!isOpen)
         return;
-    if (const auto error = write(line))
-        console(fmt::format("[Quorva] FileLogMirror.write failed: {}", error.message()));
+    const auto failure = std::exchange(lastFailure, write(line));
+    if (lastFailure && lastFailure != failure)
+        console(fmt::format("[Quorva] FileLogMirror.write failed: {}", lastFailure.message()));
 }
 
 std::error_code FileLogMirror::open() {
     std::error_code error;
-    handle = files.openForAppending(currentPath, error);
+    handle = files->openForAppending(currentPath, error);
     return error;
 }
 
 std::error_code FileLogMirror::write(std::string_view line) {
-    if (!handle->isAt(currentPath)) {
+    if (!handle || !handle->isAt(currentPath)) {
         std::error_code error;
-        auto reopened = files.openForAppending(currentPath, error);
+        auto reopened = files->openForAppending(currentPath, error);
         if (error)
             return error; // the old handle stays, and the next line tries again
         handle = std::move(reopened);
         currentSize = handle->size(error);
     }
+    if (currentSize >= 2 * maxBytes)
+        if (const auto error = rotate())
+            return error;
     if (const auto error = handle->append(line))
         return error;
     currentSize += line.size();
@@ -64,11 +71,11 @@ std::error_code FileLogMirror::rotate() {
 
     const auto replace = [this](const std::filesystem::path& from,
                                 const std::filesystem::path& to) {
-        (void)files.remove(to);
-        return files.rename(from, to);
+        (void)files->remove(to);
+        return files->rename(from, to);
     };
     for (int number = maxFiles - 1; number >= 1; --number)
-        if (files.exists(rotatedPath(number)))
+        if (files->exists(rotatedPath(number)))
             if (const auto error = replace(rotatedPath(number), rotatedPath(number + 1)))
                 return error;
     if (const auto error = replace(currentPath, rotatedPath(1)))
@@ -76,7 +83,7 @@ std::error_code FileLogMirror::rotate() {
     if (const auto error = open())
         return error;
     currentSize = 0;
-    (void)files.remove(rotatedPath(maxFiles + 1));
+    (void)files->remove(rotatedPath(maxFiles + 1));
     return {};
 }
 
@@ -87,7 +94,7 @@ std::filesystem::path FileLogMirror::rotatedPath(int number) const {
 }
 
 std::string FileLogMirror::bootLine() const {
-    return fmt::format("{} [info] [boot] QuorvaApp v{} (build {}) PID {}\n", iso8601(loop.now()),
+    return fmt::format("{} [info] [boot] QuorvaApp v{} (build {}) PID {}\n", iso8601(startTime),
                        build.shortVersion.value_or("?"), build.buildVersion.value_or("?"),
                        build.processIdentifier);
 }

@@ -2,7 +2,7 @@
 // Everything except construction runs on one serial queue, so no other thread waits for the disk.
 #pragma once
 
-#include "base/MainLoop.h"
+#include "base/Time.h"
 #include "platform/FileSystem.h"
 
 #include <cstdint>
@@ -30,9 +30,8 @@ public:
     /// Prints the text of a failure on the console.
     using Console = std::function<void(std::string_view message)>;
 
-    /// Opens nothing yet. The file system and the loop (used only as a clock) must outlive the
-    /// mirror. Any thread.
-    FileLogMirror(FileSystem& files, const MainLoop& loop, std::filesystem::path logDir,
+    /// Opens nothing yet. `start` is the time of the boot line. Any thread.
+    FileLogMirror(std::shared_ptr<FileSystem> files, Time start, std::filesystem::path logDir,
                   BuildInfo build, Console console);
 
     /// Opens the current file and writes the boot line. On failure, prints the reason on the
@@ -41,8 +40,10 @@ public:
     void start();
 
     /// Appends one line, which must end in a line feed, and rotates when the file has reached
-    /// `maxBytes`. Drops the line while the mirror is closed. Prints a failure on the console; that
-    /// line is lost. Recreates a current file that was deleted or moved away. On the queue.
+    /// `maxBytes`. Drops the line while the mirror is closed. Prints a failure on the console, once
+    /// for as long as it is the same; that line is lost, and the next one tries again. While a
+    /// rotation fails, the file grows to twice `maxBytes` at most. Recreates a current file that
+    /// was deleted or moved away. On the queue.
     void append(std::string_view line);
 
     /// The current file. Any thread.
@@ -55,14 +56,16 @@ private:
     [[nodiscard]] std::filesystem::path rotatedPath(int number) const;
     [[nodiscard]] std::string bootLine() const;
 
-    FileSystem& files;
-    const MainLoop& loop;
+    const std::shared_ptr<FileSystem> files;
+    const Time startTime;
     const std::filesystem::path logDir;
     const std::filesystem::path currentPath;
     const BuildInfo build;
     const Console console;
-    std::unique_ptr<AppendFile> handle;
+    bool isOpen = false;                ///< it has started
+    std::unique_ptr<AppendFile> handle; ///< null also after a rotation that failed
     std::uint64_t currentSize = 0;
+    std::error_code lastFailure;
 };
 
 } // namespace quorva

@@ -29,16 +29,16 @@ constexpr std::string_view baseName(std::string_view path) {
 
 } // namespace
 
-QuorvaLog::QuorvaLog(const MainLoop& loop_, SystemLog& systemLog_)
-    : loop(loop_), systemLog(systemLog_) {}
+QuorvaLog::QuorvaLog(const MainLoop& loop_, std::shared_ptr<SystemLog> systemLog)
+    : loop(loop_), logs(std::make_shared<Logs>(Logs{std::move(systemLog), nullptr})) {}
 
 QuorvaLog::~QuorvaLog() = default;
 
 void QuorvaLog::bootstrap(std::shared_ptr<FileLogMirror> logFile) {
     const auto where = logFile->currentLogPath().string();
-    const bool started = queue.post([this, logFile = std::move(logFile)] {
-        mirror = logFile;
-        mirror->start();
+    const bool started = queue.post([logs = logs, logFile = std::move(logFile)] {
+        logs->file = logFile;
+        logs->file->start();
     });
     if (started)
         info(Printable::format("QuorvaLog bootstrap. Log file: {}", where), logCategory::appState);
@@ -66,11 +66,11 @@ bool QuorvaLog::post(LogLevel level, const Printable& message, QuorvaLogCategory
     line.append(" (").append(baseName(site.file)).append(":");
     line.append(fmt::format_int(site.line).c_str()).append(")\n");
 
-    return queue.post([this, level, category, site, start, length = message.str().size(),
+    return queue.post([logs = logs, level, category, site, start, length = message.str().size(),
                        line = std::move(line)] {
-        systemLog.send(level, std::string_view(line).substr(start, length), category, site);
-        if (mirror)
-            mirror->append(line);
+        logs->system->send(level, std::string_view(line).substr(start, length), category, site);
+        if (logs->file)
+            logs->file->append(line);
     });
 }
 

@@ -16,10 +16,11 @@ namespace quorva {
 /// caller only formats the line; one serial queue writes both logs.
 class QuorvaLog final : public Log {
 public:
-    /// The services must outlive the log. Messages go to the system's log from now on.
-    QuorvaLog(const MainLoop& loop, SystemLog& systemLog);
+    /// The loop must outlive the log. Messages go to the system's log from now on.
+    QuorvaLog(const MainLoop& loop, std::shared_ptr<SystemLog> systemLog);
 
-    /// Writes the messages that are still queued.
+    /// Writes the messages that are still queued. Those that a disk or a log service has not taken
+    /// within a second are lost.
     ~QuorvaLog() override;
 
     QuorvaLog(const QuorvaLog&) = delete;
@@ -41,10 +42,13 @@ private:
     static constexpr std::size_t maxWaiting = 65'536;
 
     const MainLoop& loop;
-    SystemLog& systemLog;
-    std::shared_ptr<FileLogMirror> mirror; // touched on the queue only
+    struct Logs {
+        std::shared_ptr<SystemLog> system;
+        std::shared_ptr<FileLogMirror> file; ///< null until it is started
+    };
+    const std::shared_ptr<Logs> logs; ///< touched on the queue only, which may outlive this
     std::atomic<std::size_t> dropped = 0;
-    SerialQueue queue{maxWaiting}; // last: its tasks use the members above
+    SerialQueue queue{maxWaiting, Seconds(1)};
 };
 
 } // namespace quorva

@@ -1,13 +1,15 @@
 """The application in a desktop session with the real services, from a bot to the objection."""
 
 import datetime
+import os
 import signal
 import subprocess
+import sys
 import time
 
 import pytest
 
-from application import SILENCE, Desktop, Icon, Notifications, Quorva
+from application import INSTANCE, SILENCE, Desktop, Icon, Notifications, Quorva
 from conftest import DEADLINE, PROGRAMS, wait_until
 from meeting_site import Browser, Site
 
@@ -107,6 +109,15 @@ def test_a_second_start_activates_the_first(desktop):
     assert time.monotonic() - started < 1
     assert quorva.process.poll() is None
     assert quorva.end() == 0
+
+
+def test_names_the_program_that_has_its_bus_name(desktop):
+    desktop.bus.request_name(INSTANCE)
+    refused = subprocess.run([PROGRAMS / "quorva"], env=desktop.environment, timeout=DEADLINE,
+                             capture_output=True, text=True)
+    assert (refused.returncode, refused.stdout) == (1, "")
+    assert f"{os.path.realpath(sys.executable)} (process {os.getpid()})" in refused.stderr
+    desktop.bus.release_name(INSTANCE)
 
 
 def test_says_what_it_needs(desktop):

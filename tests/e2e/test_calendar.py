@@ -3,6 +3,8 @@
 import datetime
 import json
 
+from conftest import wait_until
+
 NOW = datetime.datetime.now(datetime.timezone.utc).replace(microsecond=0)
 
 
@@ -83,3 +85,12 @@ def test_reports_a_damaged_file_and_still_finds_the_others_events(computer):
     _, source, [found] = look(computer, "--source", "calendar")
     assert found["signatureId"] == "otter-cal"
     assert source["status"] == "unavailable" and "work" in source["detail"]
+
+
+def test_watches_the_calendars_beside_a_damaged_file(computer, watch):
+    folder = computer.home / "data/calendars/work"
+    put(folder, "b.ics", "BEGIN:VCALENDAR\r\nBEGIN:VEVENT\r\nDTSTART:20")
+    watching = watch(source="calendar")
+    put(folder, "a.ics", invitation("notetaker@otter.ai"))
+    [(_, event)] = wait_until(lambda: watching.of("otter-cal", "signatureId"), "the invitation")
+    assert event == "appeared"

@@ -6,7 +6,13 @@
 #include "platform/linux/glib/MainContext.h"
 #include "platform/linux/glib/Utf8.h"
 
+#include <fmt/format.h>
+
 #include <cstdlib>
+#include <filesystem>
+#include <optional>
+#include <string_view>
+#include <system_error>
 #include <utility>
 
 namespace quorva {
@@ -66,6 +72,45 @@ NameOutcome requestName(GDBusConnection* bus, std::string& reason) {
     if (outcome == primaryOwner || outcome == alreadyOwner)
         return NameOutcome::owned;
     return outcome == exists ? NameOutcome::taken : NameOutcome::failed;
+}
+
+/// The program that owns the name; nothing when nobody does any more.
+struct Owner {
+    guint32 process = 0;    ///< 0: the bus does not say
+    std::string executable; ///< empty: unknown
+
+    [[nodiscard]] bool isThisProgram() const {
+        std::error_code error;
+        const auto own = withoutDeletion(std::filesystem::read_symlink("/proc/self/exe", error));
+        return !error && executable == own;
+    }
+
+    /// The kernel appends this to the path of a file that has been deleted or replaced.
+    static std::string withoutDeletion(const std::filesystem::path& link) {
+        constexpr std::string_view deleted = " (deleted)";
+        auto text = link.string();
+        if (text.ends_with(deleted))
+            text.resize(text.size() - deleted.size());
+        return text;
+    }
+};
+
+std::optional<Owner> ownerOfName(GDBusConnection* bus) {
+    const auto unique = callNow(bus, dbusName, dbusPath, dbusName, "GetNameOwner",
+                                g_variant_new("(s)", name), busTimeout);
+    if (!unique)
+        return std::nullopt;
+    Owner owner;
+    const auto reply = callNow(bus, dbusName, dbusPath, dbusName, "GetConnectionUnixProcessID",
+                               g_variant_ref(unique.get()), busTimeout);
+    if (reply && g_variant_is_of_type(reply.get(), G_VARIANT_TYPE("(u)")) != FALSE)
+        g_variant_get(reply.get(), "(u)", &owner.process);
+    std::error_code error;
+    const auto link =
+        std::filesystem::read_symlink(fmt::format("/proc/{}/exe", owner.process), error);
+    if (!error)
+        owner.executable = Owner::withoutDeletion(link);
+    return owner;
 }
 
 /// The tokens that the desktop gave this process so that its window may get the focus.
@@ -131,15 +176,22 @@ ApplicationInstance::Claim ApplicationInstance::claim(GObjectPtr<GDBusConnection
             instance->nameState = Name::owned;
             return {.kind = Claim::Kind::first, .instance = std::move(instance)};
         }
+        const auto owner = ownerOfName(connection);
+        if (!owner)
+            continue; // it has just ended, and the name is free
+        if (!owner->isThisProgram())
+            return {.kind = Claim::Kind::taken,
+                    .reason = fmt::format("{} (process {})",
+                                          owner->executable.empty() ? "a program that hides itself"
+                                                                    : owner->executable,
+                                          owner->process)};
         const auto reply =
             callNow(connection, name, path, interface, "Activate",
                     g_variant_new("(@a{sv})", platformData()), instanceTimeout, &reason);
         if (reply)
             return {.kind = Claim::Kind::second, .hasAnswered = true};
-        const auto owner = callNow(connection, dbusName, dbusPath, dbusName, "GetNameOwner",
-                                   g_variant_new("(s)", name), busTimeout);
-        if (owner)
-            break; // it hangs; without an owner it has just ended, and the name is free
+        if (ownerOfName(connection))
+            break; // it hangs
     }
     return {.kind = Claim::Kind::second, .reason = "The running Quorva does not answer: " + reason};
 }

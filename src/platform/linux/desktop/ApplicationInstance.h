@@ -31,9 +31,10 @@ public:
     struct Claim;
 
     /// Claims the name on `bus` (null: there is none) and returns the outcome. When another
-    /// instance owns the name, that one is asked to show itself and has 700 ms to answer. Callbacks
-    /// come on the main loop, never within this call. For the beginning of the program: waits for
-    /// the bus, at most three seconds a call.
+    /// instance owns the name, that one is asked to show itself and has 700 ms to answer. An
+    /// instance is whoever runs the same executable, or one that was replaced at its path.
+    /// Callbacks come on the main loop, never within this call. For the beginning of the program:
+    /// waits for the bus, at most three seconds a call.
     [[nodiscard]] static Claim claim(GObjectPtr<GDBusConnection> bus, Callbacks callbacks);
 
     /// The session bus; null with `reason` set when there is none, or it does not answer within
@@ -63,6 +64,7 @@ struct ApplicationInstance::Claim {
     enum class Kind {
         first,  ///< this is the session's instance; `instance` is set
         second, ///< another instance owns the name
+        taken,  ///< another program owns the name: `reason` says which one
         noBus,  ///< could not be found out: `reason` says why
     };
     Kind kind = Kind::noBus;

@@ -82,9 +82,16 @@ std::error_code LinuxFileSystem::createDirectories(const std::filesystem::path& 
 
 std::unique_ptr<AppendFile> LinuxFileSystem::openForAppending(const std::filesystem::path& path,
                                                               std::error_code& error) {
-    FileDescriptor fd(::open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0600));
-    if (!fd) {
+    // A pipe or a device could keep whoever writes waiting.
+    FileDescriptor fd(::open(
+        path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NONBLOCK | O_NOCTTY, 0600));
+    struct stat status {};
+    if (!fd || ::fstat(fd.get(), &status) != 0) {
         error = lastError();
+        return nullptr;
+    }
+    if (!S_ISREG(status.st_mode)) {
+        error = std::make_error_code(std::errc::operation_not_supported);
         return nullptr;
     }
     error.clear();
